@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+
+namespace platform {
+
+/// Local time of day in seconds since midnight, with fractions: the performance counter, anchored once to local time, so
+/// that a clock set meanwhile moves no measurement. Starts again from 0 at midnight.
+double seconds_since_midnight();
+
+/// Seconds from an arbitrary start; never goes back.
+double steady_seconds();
+
+struct DateTime {
+  int year = 0;
+  int month = 0;
+  int day = 0;
+  int hour = 0;
+  int minute = 0;
+  int second = 0;
+};
+
+/// Local date and time of the system clock.
+DateTime local_time();
+
+/// The same instant's form in Coordinated Universal Time.
+DateTime utc_time();
+
+/// Date and time in the system's default form for the user, in the ANSI code page.
+std::string default_form(const DateTime& when);
+
+/// Returns after `seconds`; finer than the system's timer tick.
+void wait(double seconds);
+
+}  // namespace platform

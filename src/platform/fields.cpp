@@ -1,0 +1,42 @@
+#include "platform/fields.h"
+
+#include <utility>
+
+namespace platform {
+
+const std::string& Field::text() const {
+  if (build_ != nullptr) {
+    text_ = build_(facts_.data());
+    build_ = nullptr;
+  }
+  return text_;
+}
+
+void Field::set_text(std::string text) {
+  build_ = nullptr;
+  text_ = std::move(text);
+  caret_ = 0;
+  replaced_ = ++revision_;
+}
+
+void Field::append(std::string_view more) {
+  text();
+  text_ += more;
+  ++revision_;
+}
+
+void Field::set_typed(std::string text) {
+  set_text(std::move(text));
+}
+
+void Field::set_on(bool on) {
+  on_ = on;
+  ++revision_;
+}
+
+void Field::caret_to_end() {
+  caret_ = text().size();
+  ++revision_;
+}
+
+}  // namespace platform

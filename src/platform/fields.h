@@ -1,0 +1,65 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+namespace platform {
+
+/// One field of the window as data: an edit's, memo's or label's text, an option button's state. The program reads and
+/// changes fields at no more than the cost of a string; the window, where there is one, shows them when it gets to it.
+class Field {
+ public:
+  const std::string& text() const;
+
+  /// Replaces the text. The caret goes to the start.
+  void set_text(std::string text);
+
+  /// Adds to the end, at the cost of `more` alone. The caret stays.
+  void append(std::string_view more);
+
+  /// Replaces the text by what `Build(facts)` gives, put together only when somebody looks.
+  template <auto Build, typename Facts>
+  void set_deferred(const Facts& facts) {
+    static_assert(std::is_trivially_copyable_v<Facts> && sizeof(Facts) <= sizeof(facts_));
+    std::memcpy(facts_.data(), &facts, sizeof(Facts));
+    build_ = [](const std::byte* raw) {
+      Facts copy;
+      std::memcpy(&copy, raw, sizeof(Facts));
+      return Build(copy);
+    };
+    replaced_ = ++revision_;
+    caret_ = 0;
+  }
+
+  /// What the user typed, brought back by the window; counts as a change, so that nobody shows an older text over it.
+  void set_typed(std::string text);
+
+  bool on() const { return on_; }
+  void set_on(bool on);
+
+  /// Index of the character before which the caret stands.
+  std::size_t caret() const { return caret_; }
+  void caret_to_end();
+
+  /// Grows by one at every change.
+  std::uint64_t revision() const { return revision_; }
+
+  /// The revision of the last change that was no append: who has shown this revision or a later one needs only the rest.
+  std::uint64_t replaced() const { return replaced_; }
+
+ private:
+  mutable std::string text_;
+  mutable std::string (*build_)(const std::byte*) = nullptr;
+  std::array<std::byte, 64> facts_{};
+  bool on_ = false;
+  std::size_t caret_ = 0;
+  std::uint64_t revision_ = 0;
+  std::uint64_t replaced_ = 0;
+};
+
+}  // namespace platform

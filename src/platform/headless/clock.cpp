@@ -1,0 +1,42 @@
+#include "platform/clock.h"
+
+#include <array>
+#include <cstdio>
+
+#include "platform/headless/headless.h"
+
+namespace platform {
+
+using headless::desktop;
+
+double seconds_since_midnight() {
+  headless::pass_time(desktop.seconds_per_look);
+  return desktop.midnight_seconds;
+}
+
+double steady_seconds() {
+  return desktop.steady;
+}
+
+DateTime local_time() {
+  return desktop.now;
+}
+
+DateTime utc_time() {
+  DateTime utc = desktop.now;
+  utc.hour += (desktop.zone.bias + desktop.zone.standard_bias) / 60;
+  return utc;
+}
+
+std::string default_form(const DateTime& when) {
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), "%d/%d/%d %02d:%02d:%02d", when.month, when.day, when.year, when.hour,
+                when.minute, when.second);
+  return text.data();
+}
+
+void wait(double seconds) {
+  headless::pass_time(seconds);
+}
+
+}  // namespace platform

@@ -1,0 +1,123 @@
+#include "platform/headless/headless.h"
+
+#include <stdexcept>
+
+#include "platform/console.h"
+#include "platform/window.h"
+
+namespace headless {
+
+Desktop desktop;
+
+namespace {
+
+void (*cancel_watcher)() = nullptr;
+void (*exit_watcher)() = nullptr;
+bool cancel_pressed = false;
+bool close_pressed = false;
+
+std::string take_answer(Box box) {
+  if (desktop.answers.empty()) {
+    throw std::runtime_error("unanswered box: " + box.title + ": " + box.text);
+  }
+  box.answer = desktop.answers.front();
+  desktop.answers.pop_front();
+  desktop.boxes.push_back(box);
+  return box.answer;
+}
+
+}  // namespace
+
+void pass_time(double seconds) {
+  constexpr double kDay = 86400.0;
+  desktop.steady += seconds;
+  desktop.midnight_seconds += seconds;
+  if (desktop.midnight_seconds >= kDay) desktop.midnight_seconds -= kDay;
+}
+
+void press_control_c() {
+  cancel_pressed = true;
+}
+
+void close_console() {
+  close_pressed = true;
+}
+
+}  // namespace headless
+
+namespace platform {
+
+using headless::desktop;
+
+bool open_window(const WindowTable& /*table*/) {
+  return desktop.has_display;
+}
+
+void run_window() {}
+
+void DoEvents() {
+  const int pump = ++desktop.pumps;
+  if (desktop.at_pump) desktop.at_pump(pump);
+  if (headless::cancel_pressed) {
+    headless::cancel_pressed = false;
+    if (headless::cancel_watcher != nullptr) headless::cancel_watcher();
+  }
+  if (headless::close_pressed) {
+    headless::close_pressed = false;
+    if (headless::exit_watcher != nullptr) headless::exit_watcher();
+  }
+}
+
+void begin_command() {
+  ++desktop.commands_begun;
+}
+
+void end_command() {
+  ++desktop.commands_ended;
+}
+
+bool MsgBox(const std::string& text, Buttons /*buttons*/, const std::string& title, BoxIcon /*icon*/) {
+  return headless::take_answer({text, title, false, {}}) == "OK";
+}
+
+std::string InputBox(const std::string& prompt, const std::string& title, const std::string& /*default_answer*/) {
+  const std::string answer = headless::take_answer({prompt, title, true, {}});
+  return answer == "CANCEL" ? std::string() : answer;
+}
+
+std::string command_line() {
+  return desktop.command_line;
+}
+
+bool write_out(std::string_view text) {
+  desktop.out += text;
+  return true;
+}
+
+bool write_err(std::string_view text) {
+  desktop.err += text;
+  return true;
+}
+
+bool err_is_terminal() {
+  return desktop.err_is_terminal;
+}
+
+void release_lone_console() {}
+
+void watch_console(void (*on_cancel)(), void (*on_exit)()) {
+  headless::cancel_watcher = on_cancel;
+  headless::exit_watcher = on_exit;
+  headless::cancel_pressed = false;
+  headless::close_pressed = false;
+}
+
+void hold_shutdown() {
+  desktop.held = true;
+}
+
+void allow_shutdown() {
+  desktop.held = false;
+}
+
+}  // namespace platform

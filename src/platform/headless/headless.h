@@ -1,0 +1,88 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/clock.h"
+#include "platform/system.h"
+#include "platform/wmi.h"
+
+/// The platform without a desktop: it keeps every call, box and pump, takes its answers from a script, and has a clock
+/// that tests move. A test starts fresh by assigning `{}`.
+namespace headless {
+
+/// Thrown by ExitProcess in place of ending the process; only tests catch it.
+struct ProcessEnded {
+  std::uint32_t code = 0;
+};
+
+/// A message box or input box that was shown.
+struct Box {
+  std::string text;
+  std::string title;
+  bool asks_line = false;
+  std::string answer;
+};
+
+/// What the management service answers to a query that begins with `query`.
+struct WmiAnswer {
+  std::string query;
+  std::vector<platform::WmiRow> rows;
+  bool fails_at_open = false;  // the query itself is refused
+  int fails_at_row = -1;       // the row at which fetching fails, -1 for none
+};
+
+struct Desktop {
+  // Script.
+  std::deque<std::string> answers;  // to boxes, in order: "OK", "CANCEL", or the line typed; none left throws
+  std::function<void(int)> at_pump;  // called with the pump's number, from 1: events of the user
+  bool has_display = false;
+  std::string command_line = "sectorix";
+  bool err_is_terminal = false;
+
+  // Clock.
+  double midnight_seconds = 36000.0;  // seconds since midnight
+  double steady = 0.0;
+  double seconds_per_look = 0.0;  // what each look at the time of day takes
+  platform::DateTime now{2026, 3, 1, 10, 0, 0};
+  std::uint32_t zone_id = 1;
+  platform::TimeZone zone{-60, 0, -60};
+
+  // Faults: the calls numbered fail_first to fail_last (from 1) fail with fail_code.
+  std::int64_t fail_first = 0;
+  std::int64_t fail_last = 0;
+  std::uint32_t fail_code = 1117;  // ERROR_IO_DEVICE
+  bool version_fails = false;
+
+  // The management service.
+  bool wmi_absent = false;
+  std::vector<WmiAnswer> wmi_answers;
+  std::vector<std::string> wmi_queries;
+
+  // What happened.
+  std::vector<std::string> calls;
+  std::int64_t calls_made = 0;
+  std::vector<Box> boxes;
+  int pumps = 0;
+  std::string out;
+  std::string err;
+  int open_files = 0;
+  int commands_begun = 0;
+  int commands_ended = 0;
+  bool held = false;  // between hold_shutdown and allow_shutdown
+  bool keeps_calls = true;
+};
+
+extern Desktop desktop;
+
+/// Moves both clocks.
+void pass_time(double seconds);
+
+/// What Control-C and closing the console do: the next pump calls the watcher.
+void press_control_c();
+void close_console();
+
+}  // namespace headless

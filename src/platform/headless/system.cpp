@@ -1,0 +1,200 @@
+#include "platform/system.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <string>
+#include <utility>
+
+#include "platform/headless/headless.h"
+
+namespace platform {
+
+using headless::desktop;
+
+namespace {
+
+std::uint32_t last_error = 0;
+
+/// The Windows code (winerror.h) nearest to what the host said.
+std::uint32_t code_of_errno(int number) {
+  switch (number) {
+    case ENOENT:
+      return 2;
+    case ENOTDIR:
+      return 3;
+    case EACCES:
+    case EPERM:
+    case EISDIR:
+      return 5;
+    case EBADF:
+      return 6;
+    case EROFS:
+      return 19;
+    case EEXIST:
+      return 80;
+    case EINVAL:
+      return 87;
+    case ENOSPC:
+      return 112;
+    default:
+      return 31;
+  }
+}
+
+bool done(bool ok) {
+  last_error = ok ? 0 : code_of_errno(errno);
+  return ok;
+}
+
+bool failed_with(std::uint32_t code) {
+  last_error = code;
+  return false;
+}
+
+/// Keeps the call; true when the script fails it.
+bool scripted_failure(const char* call, Handle handle) {
+  const std::uint32_t code = rehearsed_failure(call, handle);
+  last_error = code;
+  return code != 0;
+}
+
+}  // namespace
+
+std::uint32_t rehearsed_failure(const char* call, Handle /*handle*/) {
+  const std::int64_t number = ++desktop.calls_made;
+  if (desktop.keeps_calls) desktop.calls.emplace_back(call);
+  return number >= desktop.fail_first && number <= desktop.fail_last ? desktop.fail_code : 0;
+}
+
+Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t /*share_mode*/, std::uint32_t disposition,
+                   std::uint32_t /*flags*/) {
+  if (scripted_failure("CreateFileA", kInvalidHandle)) return kInvalidHandle;
+  if (std::strncmp(name, "\\\\.\\", 4) == 0) {
+    last_error = 2;
+    return kInvalidHandle;
+  }
+  int flags = O_RDONLY | O_CLOEXEC;
+  if ((access & kGenericWrite) != 0) flags = ((access & kGenericRead) != 0 ? O_RDWR : O_WRONLY) | O_CLOEXEC;
+  if (disposition == kCreateNew) flags |= O_CREAT | O_EXCL;
+  if (disposition == kCreateAlways) flags |= O_CREAT | O_TRUNC;
+  if (disposition == kOpenAlways) flags |= O_CREAT;
+  constexpr mode_t kOwnerWritesAllRead = 0644;
+  const int file = ::open(name, flags, kOwnerWritesAllRead);
+  struct stat facts {};
+  if (file >= 0 && ::fstat(file, &facts) == 0 && S_ISDIR(facts.st_mode)) {
+    ::close(file);
+    last_error = 5;
+    return kInvalidHandle;
+  }
+  done(file >= 0);
+  if (file >= 0) ++desktop.open_files;
+  return file >= 0 ? file : kInvalidHandle;
+}
+
+bool SetFilePointerEx(Handle file, std::int64_t distance, std::int64_t* new_position, std::uint32_t method) {
+  if (scripted_failure("SetFilePointerEx", file)) return false;
+  constexpr std::array<int, 3> kWhence = {SEEK_SET, SEEK_CUR, SEEK_END};
+  const off_t position = ::lseek(static_cast<int>(file), distance, kWhence.at(method));
+  if (position >= 0 && new_position != nullptr) *new_position = position;
+  return done(position >= 0);
+}
+
+bool ReadFile(Handle file, void* buffer, std::uint32_t bytes, std::uint32_t* moved) {
+  *moved = 0;
+  if (scripted_failure("ReadFile", file)) return false;
+  const ssize_t got = ::read(static_cast<int>(file), buffer, bytes);
+  if (got > 0) *moved = static_cast<std::uint32_t>(got);
+  return done(got >= 0);
+}
+
+bool WriteFile(Handle file, const void* buffer, std::uint32_t bytes, std::uint32_t* moved) {
+  *moved = 0;
+  if (scripted_failure("WriteFile", file)) return false;
+  const ssize_t put = ::write(static_cast<int>(file), buffer, bytes);
+  if (put > 0) *moved = static_cast<std::uint32_t>(put);
+  return done(put >= 0);
+}
+
+bool LockFile(Handle file, std::uint32_t /*offset_low*/, std::uint32_t /*offset_high*/, std::uint32_t /*bytes_low*/,
+              std::uint32_t /*bytes_high*/) {
+  return !scripted_failure("LockFile", file);
+}
+
+bool UnlockFile(Handle file, std::uint32_t /*offset_low*/, std::uint32_t /*offset_high*/, std::uint32_t /*bytes_low*/,
+                std::uint32_t /*bytes_high*/) {
+  return !scripted_failure("UnlockFile", file);
+}
+
+bool FlushFileBuffers(Handle file) {
+  return !scripted_failure("FlushFileBuffers", file);
+}
+
+bool DeviceIoControl(Handle device, std::uint32_t /*code*/, const void* /*in*/, std::uint32_t /*in_bytes*/,
+                     void* /*out*/, std::uint32_t /*out_bytes*/, std::uint32_t* returned) {
+  *returned = 0;
+  return !scripted_failure("DeviceIoControl", device) && failed_with(50);
+}
+
+bool CloseHandle(Handle handle) {
+  const bool refused = scripted_failure("CloseHandle", handle);
+  const bool closed = ::close(static_cast<int>(handle)) == 0;
+  if (closed) --desktop.open_files;
+  return !refused && done(closed);
+}
+
+std::uint32_t FormatMessageA(std::uint32_t /*flags*/, std::uint32_t code, char* text, std::uint32_t text_bytes) {
+  // The system's own texts of a few codes, enough to see that they come through.
+  constexpr std::array<std::pair<std::uint32_t, const char*>, 8> kTexts = {{
+      {1, "Incorrect function."},
+      {2, "The system cannot find the file specified."},
+      {5, "Access is denied."},
+      {38, "Reached the end of the file."},
+      {50, "The request is not supported."},
+      {112, "There is not enough space on the disk."},
+      {1117, "The request could not be performed because of an I/O device error."},
+      {1167, "The device is not connected."},
+  }};
+  const auto* const found =
+      std::find_if(kTexts.begin(), kTexts.end(), [code](const auto& row) { return row.first == code; });
+  if (found == kTexts.end()) {
+    last_error = 317;
+    return 0;
+  }
+  const std::string_view whole = found->second;
+  const std::size_t length = std::min<std::size_t>(whole.size(), text_bytes);
+  whole.copy(text, length);
+  return static_cast<std::uint32_t>(length);
+}
+
+std::uint32_t GetTimeZoneInformation(TimeZone* zone) {
+  *zone = desktop.zone;
+  return desktop.zone_id;
+}
+
+bool GetVersionExA(OsVersion* version) {
+  if (scripted_failure("GetVersionExA", kInvalidHandle)) return false;
+  version->major = 10;
+  version->platform_id = 2;
+  return true;
+}
+
+void Sleep(std::uint32_t milliseconds) {
+  desktop.calls.emplace_back("Sleep");
+  headless::pass_time(milliseconds / 1000.0);
+}
+
+void ExitProcess(std::uint32_t code) {
+  throw headless::ProcessEnded{code};
+}
+
+std::uint32_t GetLastError() {
+  return last_error;
+}
+
+}  // namespace platform

@@ -1,0 +1,65 @@
+#include "platform/wmi.h"
+
+#include <cstddef>
+
+#include "platform/headless/headless.h"
+
+namespace platform {
+
+using headless::desktop;
+
+namespace {
+
+constexpr WmiHandle kService = 1;
+constexpr WmiHandle kFirstResult = 2;
+
+struct Cursor {
+  std::size_t answer;
+  int row;
+};
+std::map<WmiHandle, Cursor> cursors;
+WmiHandle next_result = kFirstResult;
+
+}  // namespace
+
+WmiHandle wmi_open(const std::string& /*moniker*/) {
+  return rehearsed_failure("wmi_open", kNoWmi) != 0 || desktop.wmi_absent ? kNoWmi : kService;
+}
+
+WmiHandle wmi_query(WmiHandle service, const std::string& query, std::uint32_t /*flags*/) {
+  desktop.wmi_queries.push_back(query);
+  if (service != kService || rehearsed_failure("wmi_query", service) != 0) return kNoWmi;
+  for (std::size_t i = 0; i < desktop.wmi_answers.size(); ++i) {
+    const headless::WmiAnswer& answer = desktop.wmi_answers[i];
+    if (query.rfind(answer.query, 0) != 0) continue;
+    if (answer.fails_at_open) return kNoWmi;
+    cursors[next_result] = {i, 0};
+    return next_result++;
+  }
+  constexpr std::size_t kNoAnswer = static_cast<std::size_t>(-1);
+  cursors[next_result] = {kNoAnswer, 0};
+  return next_result++;
+}
+
+WmiNext wmi_next(WmiHandle rows, const std::vector<std::string>& properties, WmiRow* row) {
+  if (rehearsed_failure("wmi_next", rows) != 0) return WmiNext::failed;
+  Cursor& cursor = cursors.at(rows);
+  if (cursor.answer >= desktop.wmi_answers.size()) return WmiNext::end;
+  const headless::WmiAnswer& answer = desktop.wmi_answers[cursor.answer];
+  if (cursor.row == answer.fails_at_row) return WmiNext::failed;
+  if (static_cast<std::size_t>(cursor.row) >= answer.rows.size()) return WmiNext::end;
+  row->clear();
+  for (const std::string& property : properties) {
+    const WmiRow& source = answer.rows[static_cast<std::size_t>(cursor.row)];
+    const auto found = source.find(property);
+    (*row)[property] = found == source.end() ? std::string() : found->second;
+  }
+  ++cursor.row;
+  return WmiNext::row;
+}
+
+void wmi_close(WmiHandle handle) {
+  cursors.erase(handle);
+}
+
+}  // namespace platform

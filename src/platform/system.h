@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstdint>
+
+/// The system calls that the program makes, under their Windows names. `win32/` passes them to the system, `headless/`
+/// answers them on a host without Windows. Only `device/` and `virtualdisk/` call these; everyone above goes through
+/// device/kernel32.h, which knows the attached virtual disks.
+///
+/// Unless a line says otherwise a call returns true when the system did it; on false, GetLastError() has the system's
+/// code. A call that succeeds sets the code to 0. Sizes are bytes.
+namespace platform {
+
+/// A system handle as a signed integer.
+using Handle = std::int64_t;
+inline constexpr Handle kInvalidHandle = -1;
+
+// Windows SDK, winnt.h and fileapi.h.
+inline constexpr std::uint32_t kGenericRead = 0x80000000;
+inline constexpr std::uint32_t kGenericWrite = 0x40000000;
+inline constexpr std::uint32_t kShareRead = 1;
+inline constexpr std::uint32_t kShareWrite = 2;
+inline constexpr std::uint32_t kCreateNew = 1;
+inline constexpr std::uint32_t kCreateAlways = 2;
+inline constexpr std::uint32_t kOpenExisting = 3;
+inline constexpr std::uint32_t kOpenAlways = 4;
+inline constexpr std::uint32_t kFileBegin = 0;
+inline constexpr std::uint32_t kFileCurrent = 1;
+inline constexpr std::uint32_t kFileEnd = 2;
+
+/// Opens or creates `name`; kInvalidHandle on failure.
+Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_mode, std::uint32_t disposition,
+                   std::uint32_t flags);
+bool SetFilePointerEx(Handle file, std::int64_t distance, std::int64_t* new_position, std::uint32_t method);
+bool ReadFile(Handle file, void* buffer, std::uint32_t bytes, std::uint32_t* moved);
+bool WriteFile(Handle file, const void* buffer, std::uint32_t bytes, std::uint32_t* moved);
+bool LockFile(Handle file, std::uint32_t offset_low, std::uint32_t offset_high, std::uint32_t bytes_low,
+              std::uint32_t bytes_high);
+bool UnlockFile(Handle file, std::uint32_t offset_low, std::uint32_t offset_high, std::uint32_t bytes_low,
+                std::uint32_t bytes_high);
+bool FlushFileBuffers(Handle file);
+bool DeviceIoControl(Handle device, std::uint32_t code, const void* in, std::uint32_t in_bytes, void* out,
+                     std::uint32_t out_bytes, std::uint32_t* returned);
+bool CloseHandle(Handle handle);
+
+/// Writes the system's text for `code` into `text` and returns its length; 0 when the system has none.
+std::uint32_t FormatMessageA(std::uint32_t flags, std::uint32_t code, char* text, std::uint32_t text_bytes);
+
+/// TIME_ZONE_INFORMATION's three biases, in minutes; UTC = local time + bias.
+struct TimeZone {
+  std::int32_t bias = 0;
+  std::int32_t standard_bias = 0;
+  std::int32_t daylight_bias = 0;
+};
+/// Returns the system's zone id: 0 no daylight time, 1 standard time, 2 daylight time in force, 0xFFFFFFFF failure.
+std::uint32_t GetTimeZoneInformation(TimeZone* zone);
+
+/// The fields of OSVERSIONINFOA that anyone reads.
+struct OsVersion {
+  std::uint32_t info_size = 148;  // dwOSVersionInfoSize: the size of the ANSI record
+  std::uint32_t major = 0;
+  std::uint32_t minor = 0;
+  std::uint32_t build = 0;
+  std::uint32_t platform_id = 0;
+};
+bool GetVersionExA(OsVersion* version);
+
+void Sleep(std::uint32_t milliseconds);
+
+/// Ends the process with `code`. The headless platform throws ProcessEnded (headless/headless.h) instead.
+[[noreturn]] void ExitProcess(std::uint32_t code);
+
+std::uint32_t GetLastError();
+
+/// Asked before a call that an attached virtual disk is about to answer: the system error with which the call is to
+/// fail, or 0 to let the disk answer. On Windows always 0; the headless platform keeps the call and may fail it, as it
+/// may fail its own, so that a test reaches every error path of a run.
+std::uint32_t rehearsed_failure(const char* call, Handle handle);
+
+}  // namespace platform

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "platform/fields.h"
+
+namespace platform {
+
+enum class ControlKind : std::uint8_t { button, option, edit, memo, frame, label };
+
+/// What a control does while a command runs.
+enum class WhileBusy : std::uint8_t { stays, disabled, read_only };
+
+/// One row of the table of controls. The order of the rows is the tab order.
+struct Control {
+  const char* name;            // the control's name in the program, also its window's accessible name where it has no caption
+  ControlKind kind;
+  const char* caption;         // "&" marks the access key; empty for edits
+  const char* tool_tip;        // empty for none
+  Field* field;                // text of an edit, memo or changing label, state of an option; null where nothing changes
+  void (*on_click)();          // button pressed, option chosen, edit clicked into; null for none
+  void (*on_typed)();          // the user changed the text by typing, pasting or cutting; null for none
+  WhileBusy while_busy;
+};
+
+struct Size {
+  int width = 0;
+  int height = 0;
+};
+
+struct Rect {
+  int x = 0;
+  int y = 0;
+  int width = 0;
+  int height = 0;
+};
+
+/// The main window: its controls, where they stand, and what its own events call.
+struct WindowTable {
+  Field* caption;
+  std::span<const Control> controls;
+  /// Fills `places` (one per control, same order; pixels) for a client area of `client` pixels at `dpi` dots per inch.
+  void (*layout)(Size client, int dpi, std::span<Rect> places);
+  Size first;          // client size to open with, in pixels at 96 dpi
+  Size least;          // smallest client size, in pixels at 96 dpi
+  void (*on_close)();  // the user closes the window; does not return (it ends the process)
+};
+
+/// Makes and shows the main window. False when the system has no place for one (no display); the program then runs on
+/// its fields alone.
+bool open_window(const WindowTable& table);
+
+/// Handles the window's events until it is destroyed. Only after open_window() returned true.
+void run_window();
+
+/// Lets pending events run without waiting for more; turns an interruption from the console into its handler's call. At
+/// most every 10 ms, since asking costs.
+void DoEvents();
+
+/// A command begins: fellow commands are disabled, texts become read-only, the focus goes to Cancel.
+void begin_command();
+
+/// The command has ended: everything is shown as it stands, then the buttons come back and the focus with them.
+void end_command();
+
+enum class Buttons : std::uint8_t { ok, ok_cancel };
+enum class BoxIcon : std::uint8_t { none, information };
+
+/// Shows a modal box over the main window; true for OK, false for Cancel (also by Esc or closing it).
+bool MsgBox(const std::string& text, Buttons buttons, const std::string& title, BoxIcon icon = BoxIcon::none);
+
+/// Asks for a line of text in a modal box; empty for Cancel as well as for an empty answer.
+std::string InputBox(const std::string& prompt, const std::string& title, const std::string& default_answer);
+
+}  // namespace platform
