@@ -4,6 +4,12 @@
 
 namespace platform {
 
+Field Field::with_text(std::string text) {
+  Field field;
+  field.set_text(std::move(text));
+  return field;
+}
+
 const std::string& Field::text() const {
   if (build_ != nullptr) {
     text_ = build_(facts_.data());
@@ -23,10 +29,6 @@ void Field::append(std::string_view more) {
   text();
   text_ += more;
   ++revision_;
-}
-
-void Field::set_typed(std::string text) {
-  set_text(std::move(text));
 }
 
 void Field::set_on(bool on) {

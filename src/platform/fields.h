@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 namespace platform {
 
@@ -14,6 +15,9 @@ namespace platform {
 /// changes fields at no more than the cost of a string; the window, where there is one, shows them when it gets to it.
 class Field {
  public:
+  /// A field that begins with `text`.
+  static Field with_text(std::string text);
+
   const std::string& text() const;
 
   /// Replaces the text. The caret goes to the start.
@@ -37,7 +41,7 @@ class Field {
   }
 
   /// What the user typed, brought back by the window; counts as a change, so that nobody shows an older text over it.
-  void set_typed(std::string text);
+  void set_typed(std::string text) { set_text(std::move(text)); }
 
   bool on() const { return on_; }
   void set_on(bool on);

@@ -1,0 +1,39 @@
+#pragma once
+
+/// What the main window's controls do. Each is called by the window while the program is idle or pumps events.
+
+/// Marks the range as the user's own: a drive selection no longer overwrites it.
+void TxtStartLBA_Click();
+void TxtNoSecs_Click();
+void range_typed();
+
+void Option1_Click();
+void Option2_Click();
+void Option3_Click();
+void Option4_Click();
+void Option5_Click();
+void Option6_Click();
+void Option7_Click();
+void Option8_Click();
+
+/// The drive buttons' common handler: a running command stops, then drive `drive` is selected.
+void option_click(int drive);
+
+void CmdRead_Click();
+
+/// Asks for the slow-transfer limit.
+void slow_rate_click();
+
+void CmdHelp_Click();
+
+/// Stops the running command at its next transfer and falls back to interactive behaviour; exit code 3.
+void cmdCancel_Click();
+
+/// Ends the process after a second with exit code 1.
+void CmdExit_Click();
+
+/// The user closes the window: as CmdExit_Click, the drive and the report closed first.
+void Form_Unload();
+
+/// Control-C: stops the running command as Cancel does, but stays in command-line mode.
+void console_cancel();

@@ -1,0 +1,3 @@
+#include "form/form1.h"
+
+Form1 form1;

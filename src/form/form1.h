@@ -1,0 +1,35 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "platform/fields.h"
+
+/// Bytes per sector; an LBA's byte offset is LBA x 512.
+inline constexpr std::int64_t kSectorSize = 512;
+
+inline constexpr int kNoDrive = 99;
+inline constexpr int kDriveCount = 8;
+
+/// The main window's fields and flags. The fields are data; where there is a window it shows them.
+struct Form1 {
+  platform::Field Caption;
+  platform::Field Text1;        // running report, hex view and editor
+  platform::Field TxtStatus;    // status line
+  platform::Field TxtStartLBA;  // first LBA of an operation
+  platform::Field TxtNoSecs;    // number of sectors
+  platform::Field TxtCurrent;   // LBA being worked on
+  platform::Field TxtPattern;   // fill pattern, hex
+  platform::Field LblStart{platform::Field::with_text("Start Block (0-n)")};
+  std::array<platform::Field, kDriveCount> Options;  // Option1 to Option8: drive 0 to 7
+
+  bool MyCancel = false;        // every loop of transfers stops at its next test of it
+  bool Exit_Requested = false;  // the user asked to leave: an operation's end prints nothing
+  bool RangeEdited = false;     // the user touched the range: a drive selection keeps it
+  int SelectedDrive = kNoDrive;  // 0 to 7, or kNoDrive
+  bool CommandLineMode = false;  // "/D:" was on the command line: no questions, report output is written
+  bool CommandRunning = false;
+  int PendingDrive = kNoDrive;  // pressed while a command ran; selected when it has ended
+};
+
+extern Form1 form1;

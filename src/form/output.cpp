@@ -1,0 +1,132 @@
+#include "form/output.h"
+
+#include <limits>
+
+#include "device/kernel32.h"
+#include "form/form1.h"
+#include "form/run.h"
+#include "platform/console.h"
+
+Output output;
+
+namespace {
+
+constexpr std::string_view kTitle = "Sectorix";
+
+bool write_all(kernel32::Handle file, std::string_view text) {
+  std::uint32_t moved = 0;
+  return kernel32::WriteFile(file, text.data(), static_cast<std::uint32_t>(text.size()), &moved) &&
+         moved == text.size();
+}
+
+void tell_on_stderr(std::string line) {
+  line += "\r\n";
+  platform::write_err(line);
+}
+
+}  // namespace
+
+std::string open_report(const std::string& file) {
+  output.report_handle = kernel32::kInvalidHandle;
+  if (file != "-") {
+    output.report_handle = kernel32::CreateFileA(file.c_str(), platform::kGenericWrite, platform::kShareRead,
+                                                 platform::kCreateAlways, 0);
+    if (output.report_handle == kernel32::kInvalidHandle) {
+      return "The report file \"" + file + "\" cannot be made: error " + std::to_string(kernel32::GetLastError()) + ".";
+    }
+  }
+  output.ReportFileNumber = 1;
+  return {};
+}
+
+void close_report() {
+  if (output.report_handle != kernel32::kInvalidHandle) kernel32::CloseHandle(output.report_handle);
+  output.report_handle = kernel32::kInvalidHandle;
+  output.ReportFileNumber = 0;
+}
+
+void PrintReport(std::string_view text) {
+  if (!form1.CommandLineMode || output.ReportFileNumber < 1) return;
+  std::string line(text);
+  line += "\r\n";
+  const bool written = output.report_handle == kernel32::kInvalidHandle ? platform::write_out(line)
+                                                                        : write_all(output.report_handle, line);
+  if (!written && !output.report_failure_told) {
+    output.report_failure_told = true;
+    tell_on_stderr("The report cannot be written: error " + std::to_string(kernel32::GetLastError()) +
+                   ". The run goes on.");
+  }
+}
+
+bool AppendReportVars(std::string_view text) {
+  if (!form1.CommandLineMode) return true;
+  std::string lines(text);
+  lines += "\r\n";
+  if (output.ReportFileName == "-") return platform::write_out(lines);
+  if (output.ReportFileName.empty()) return false;
+  const kernel32::Handle file = kernel32::CreateFileA(output.ReportFileName.c_str(), platform::kGenericWrite,
+                                                      platform::kShareRead, platform::kOpenAlways, 0);
+  bool written = file != kernel32::kInvalidHandle;
+  if (written) {
+    written = kernel32::SetFilePointerEx(file, 0, nullptr, platform::kFileEnd) && write_all(file, lines);
+    kernel32::CloseHandle(file);
+  }
+  if (!written) {
+    tell_on_stderr("The variables file \"" + output.ReportFileName + "\" cannot be written: error " +
+                   std::to_string(kernel32::GetLastError()) + ".");
+  }
+  return written;
+}
+
+void ShowMessage(const std::string& text) {
+  if (!output.MessagesEnabled) return;
+  if (form1.CommandLineMode) {
+    PrintReport(text);
+  } else {
+    tell_user(text);
+  }
+}
+
+void tell_user(const std::string& text, platform::BoxIcon icon) {
+  if (run.op) {
+    tell_on_stderr(text);
+  } else {
+    platform::MsgBox(text, platform::Buttons::ok, std::string(kTitle), icon);
+  }
+}
+
+bool ask_user(const std::string& text, const std::string& title) {
+  if (!run.op) return platform::MsgBox(text, platform::Buttons::ok_cancel, title.empty() ? std::string(kTitle) : title);
+  tell_on_stderr(title.empty() ? text : title + " " + text);
+  return false;
+}
+
+std::string ask_line(const std::string& prompt, const std::string& title, const std::string& default_answer) {
+  if (!run.op) return platform::InputBox(prompt, title.empty() ? std::string(kTitle) : title, default_answer);
+  tell_on_stderr(prompt);
+  return {};
+}
+
+void add_to_exit_code(std::int64_t count) {
+  using Limits = std::numeric_limits<std::int16_t>;
+  if (count < Limits::min() || count > Limits::max()) return;
+  const std::int64_t sum = output.ExitCode + count;
+  if (sum >= Limits::min() && sum <= Limits::max()) output.ExitCode = static_cast<std::int16_t>(sum);
+}
+
+void ExitProgram() {
+  constexpr std::uint32_t kNoCode = 0;
+  kernel32::ExitProcess(output.InDevelopmentEnvironment ? kNoCode
+                                                        : static_cast<std::uint32_t>(std::int32_t{output.ExitCode}));
+}
+
+void MyUsage() {
+  tell_user(
+      "Usage: Sectorix {/D:n}  where n is the initial disk drive number\r\n"
+      "PLEASE NOTE: Must be run with Administrator privileges.\r\n"
+      "If you get a 'Write error' when writing to a removable disk, try 'Ejecting' the drive first.\r\n"
+      "Reported variables:\r\n"
+      "QV_S_xxx = SMART statistics\r\n"
+      "QV_D_xxx = Disk statistics\r\n"
+      "QV_E_xxx = Event log statistics.");
+}

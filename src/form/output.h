@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/window.h"
+
+/// Where results go: the report, the report variables, message boxes and the exit code.
+struct Output {
+  bool MessagesEnabled = false;        // nothing sets it: messages passed to ShowMessage are dropped, so that none blocks a batch run
+  std::int16_t ReportFileNumber = 0;   // 1 while a report is open
+  std::string ReportFileName;          // file to which report variables are appended; "-" is standard output
+  std::int16_t ExitCode = 0;           // what the process ends with
+  std::int64_t report_handle = -1;     // the open report; -1 while it goes to standard output
+  bool InDevelopmentEnvironment = false;  // true ends the process without an exit code
+  bool report_failure_told = false;
+  bool access_denied_told = false;
+};
+
+extern Output output;
+
+/// Opens the report: a new file, or standard output for "-". Gives an empty text, or one line that says what failed.
+std::string open_report(const std::string& file);
+
+/// Closes the report file; PrintReport writes nothing afterwards.
+void close_report();
+
+/// Writes `text` and a line end to the report, in command-line mode while one is open. A failure stops nothing; the
+/// first one is told on standard error.
+void PrintReport(std::string_view text);
+
+/// Appends `text`, lines separated by CR LF, and a line end to the variables file, in command-line mode. False when the
+/// file cannot be opened or written.
+bool AppendReportVars(std::string_view text);
+
+/// Passes a warning or error to the report (command-line mode) or a box, while MessagesEnabled is true.
+void ShowMessage(const std::string& text);
+
+/// Tells the user something that the run is about: a box, or a line on standard error for a run with /OP.
+void tell_user(const std::string& text, platform::BoxIcon icon = platform::BoxIcon::none);
+
+/// Asks OK or Cancel in a box. A run with /OP opens none: the question goes to standard error and counts as cancelled.
+bool ask_user(const std::string& text, const std::string& title);
+
+/// Asks for a line of text in the same way; empty for Cancel.
+std::string ask_line(const std::string& prompt, const std::string& title, const std::string& default_answer);
+
+/// Adds `count` to the exit code as a signed 16-bit number; a sum out of range leaves the code as it is.
+void add_to_exit_code(std::int64_t count);
+
+/// Ends the process with the exit code, widened with its sign to 32 bits. Never returns.
+[[noreturn]] void ExitProgram();
+
+/// Shows what the command line takes, in a box.
+void MyUsage();

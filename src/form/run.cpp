@@ -1,0 +1,3 @@
+#include "form/run.h"
+
+Run run;
