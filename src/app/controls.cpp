@@ -16,8 +16,8 @@ constexpr const char* kDriveTip = "Select the desired disk (as detected by Windo
 
 // A row for drive button `number`; only the first carries the tool tip.
 Control drive_button(const char* name, const char* caption, std::size_t drive, void (*on_click)()) {
-  return {name,     ControlKind::option, caption, drive == 0 ? kDriveTip : "", &form1.Options.at(drive),
-          on_click, nullptr,             WhileBusy::stays};
+  return {name,    ControlKind::option, caption, drive == 0 ? kDriveTip : "", &form1.Options.at(drive), on_click,
+          nullptr, WhileBusy::stays};
 }
 
 Control button(const char* name, const char* caption, const char* tool_tip, void (*on_click)(),

@@ -91,9 +91,8 @@ bool DeviceIoControl(Handle device, std::uint32_t code, const void* in, std::uin
                      std::uint32_t out_bytes, std::uint32_t* returned) {
   *returned = 0;
   if (virtualdisk::owns(device)) {
-    return virtual_call("DeviceIoControl", device, [&] {
-      return virtualdisk::control(device, code, in, in_bytes, out, out_bytes, returned);
-    });
+    return virtual_call("DeviceIoControl", device,
+                        [&] { return virtualdisk::control(device, code, in, in_bytes, out, out_bytes, returned); });
   }
   return keep_system(platform::DeviceIoControl(device, code, in, in_bytes, out, out_bytes, returned));
 }

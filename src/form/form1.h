@@ -23,11 +23,13 @@ struct Form1 {
   platform::Field LblStart{platform::Field::with_text("Start Block (0-n)")};
   std::array<platform::Field, kDriveCount> Options;  // Option1 to Option8: drive 0 to 7
 
-  bool MyCancel = false;        // every loop of transfers stops at its next test of it
-  bool Exit_Requested = false;  // the user asked to leave: an operation's end prints nothing
-  bool RangeEdited = false;     // the user touched the range: a drive selection keeps it
+  bool MyCancel = false;         // every loop of transfers stops at its next test of it
+  bool Exit_Requested = false;   // the user asked to leave: an operation's end prints nothing
+  bool RangeEdited = false;      // the user touched the range: a drive selection keeps it
   int SelectedDrive = kNoDrive;  // 0 to 7, or kNoDrive
   bool CommandLineMode = false;  // "/D:" was on the command line: no questions, report output is written
+  bool OsIsNT = false;           // what the system said it is; nothing is gated on it
+  std::uint32_t OsMajorVersion = 0;
   bool CommandRunning = false;
   int PendingDrive = kNoDrive;  // pressed while a command ran; selected when it has ended
 };

@@ -29,8 +29,8 @@ void tell_on_stderr(std::string line) {
 std::string open_report(const std::string& file) {
   output.report_handle = kernel32::kInvalidHandle;
   if (file != "-") {
-    output.report_handle = kernel32::CreateFileA(file.c_str(), platform::kGenericWrite, platform::kShareRead,
-                                                 platform::kCreateAlways, 0);
+    output.report_handle =
+        kernel32::CreateFileA(file.c_str(), platform::kGenericWrite, platform::kShareRead, platform::kCreateAlways, 0);
     if (output.report_handle == kernel32::kInvalidHandle) {
       return "The report file \"" + file + "\" cannot be made: error " + std::to_string(kernel32::GetLastError()) + ".";
     }

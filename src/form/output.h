@@ -8,11 +8,12 @@
 
 /// Where results go: the report, the report variables, message boxes and the exit code.
 struct Output {
-  bool MessagesEnabled = false;        // nothing sets it: messages passed to ShowMessage are dropped, so that none blocks a batch run
-  std::int16_t ReportFileNumber = 0;   // 1 while a report is open
-  std::string ReportFileName;          // file to which report variables are appended; "-" is standard output
-  std::int16_t ExitCode = 0;           // what the process ends with
-  std::int64_t report_handle = -1;     // the open report; -1 while it goes to standard output
+  bool MessagesEnabled =
+      false;  // nothing sets it: messages passed to ShowMessage are dropped, so that none blocks a batch run
+  std::int16_t ReportFileNumber = 0;      // 1 while a report is open
+  std::string ReportFileName;             // file to which report variables are appended; "-" is standard output
+  std::int16_t ExitCode = 0;              // what the process ends with
+  std::int64_t report_handle = -1;        // the open report; -1 while it goes to standard output
   bool InDevelopmentEnvironment = false;  // true ends the process without an exit code
   bool report_failure_told = false;
   bool access_denied_told = false;

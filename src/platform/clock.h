@@ -4,8 +4,8 @@
 
 namespace platform {
 
-/// Local time of day in seconds since midnight, with fractions: the performance counter, anchored once to local time, so
-/// that a clock set meanwhile moves no measurement. Starts again from 0 at midnight.
+/// Local time of day in seconds since midnight, with fractions: the performance counter, anchored once to local time,
+/// so that a clock set meanwhile moves no measurement. Starts again from 0 at midnight.
 double seconds_since_midnight();
 
 /// Seconds from an arbitrary start; never goes back.

@@ -53,7 +53,8 @@ class Field {
   /// Grows by one at every change.
   std::uint64_t revision() const { return revision_; }
 
-  /// The revision of the last change that was no append: who has shown this revision or a later one needs only the rest.
+  /// The revision of the last change that was no append: who has shown this revision or a later one needs only the
+  /// rest.
   std::uint64_t replaced() const { return replaced_; }
 
  private:

@@ -15,13 +15,13 @@ enum class WhileBusy : std::uint8_t { stays, disabled, read_only };
 
 /// One row of the table of controls. The order of the rows is the tab order.
 struct Control {
-  const char* name;            // the control's name in the program, also its window's accessible name where it has no caption
+  const char* name;  // the control's name in the program, also its window's accessible name where it has no caption
   ControlKind kind;
-  const char* caption;         // "&" marks the access key; empty for edits
-  const char* tool_tip;        // empty for none
-  Field* field;                // text of an edit, memo or changing label, state of an option; null where nothing changes
-  void (*on_click)();          // button pressed, option chosen, edit clicked into; null for none
-  void (*on_typed)();          // the user changed the text by typing, pasting or cutting; null for none
+  const char* caption;   // "&" marks the access key; empty for edits
+  const char* tool_tip;  // empty for none
+  Field* field;          // text of an edit, memo or changing label, state of an option; null where nothing changes
+  void (*on_click)();    // button pressed, option chosen, edit clicked into; null for none
+  void (*on_typed)();    // the user changed the text by typing, pasting or cutting; null for none
   WhileBusy while_busy;
 };
 

@@ -7,14 +7,14 @@
 
 #include "platform/system.h"
 
-/// Drives made from an image or a disk file (docs/disk-files.md), attached under a drive number 0 to 7. Once attached, a
-/// disk answers "\\.\PhysicalDriveN", "\\.\ScsiN:" and its volumes' "\\.\X:" as a drive of that number would.
+/// Drives made from an image or a disk file (docs/disk-files.md), attached under a drive number 0 to 7. Once attached,
+/// a disk answers "\\.\PhysicalDriveN", "\\.\ScsiN:" and its volumes' "\\.\X:" as a drive of that number would.
 ///
 /// Calls give a system error code, 0 for success. Sizes are bytes unless a name says sectors (512 bytes).
 namespace virtualdisk {
 
-/// Attaches `file` (a disk file, a bare image by its ending, or DEMO) as drive `drive`. Gives an empty text, or one line
-/// that says what is wrong: file, line and reason. A disk attached there before is gone.
+/// Attaches `file` (a disk file, a bare image by its ending, or DEMO) as drive `drive`. Gives an empty text, or one
+/// line that says what is wrong: file, line and reason. A disk attached there before is gone.
 std::string attach(int drive, const std::string& file);
 
 /// Detaches every disk and closes their images.

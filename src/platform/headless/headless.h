@@ -37,7 +37,7 @@ struct WmiAnswer {
 
 struct Desktop {
   // Script.
-  std::deque<std::string> answers;  // to boxes, in order: "OK", "CANCEL", or the line typed; none left throws
+  std::deque<std::string> answers;   // to boxes, in order: "OK", "CANCEL", or the line typed; none left throws
   std::function<void(int)> at_pump;  // called with the pump's number, from 1: events of the user
   bool has_display = false;
   std::string command_line = "sectorix";

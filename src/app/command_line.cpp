@@ -1,0 +1,192 @@
+#include "app/command_line.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <limits>
+#include <vector>
+
+#include "form/form1.h"
+#include "form/number_text.h"
+
+namespace {
+
+/// One piece of the command line, quotes taken off.
+struct Token {
+  std::string text;
+  std::string upper;
+};
+
+std::vector<Token> split(std::string_view line) {
+  std::vector<Token> tokens;
+  std::string text;
+  bool quoted = false;
+  bool open = false;
+  const auto finish = [&] {
+    if (open) tokens.push_back({text, upper_case(text)});
+    text.clear();
+    open = false;
+  };
+  for (const char c : line) {
+    if (c == '"') {
+      quoted = !quoted;
+      open = true;
+    } else if (!quoted && (c == ' ' || c == '\t')) {
+      finish();
+    } else {
+      text += c;
+      open = true;
+    }
+  }
+  finish();
+  return tokens;
+}
+
+/// A decimal number of `least` to `most`; false for anything else.
+bool take_number(std::string_view text, std::int64_t least, std::int64_t most, std::int64_t* value) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), *value);
+  return error == std::errc() && end == text.data() + text.size() && *value >= least && *value <= most;
+}
+
+bool take_operation(const std::string& value, Run* asked) {
+  if (upper_case(value) != "READ") return false;
+  asked->op = Operation::read;
+  return true;
+}
+
+bool take_virtual_disk(const std::string& value, Run* asked) {
+  const bool shaped = value.size() >= 3 && value[0] >= '0' && value[0] < '0' + kDriveCount && value[1] == '=';
+  if (!shaped) return false;
+  std::string& file = asked->virtual_disks.at(static_cast<std::size_t>(value[0] - '0'));
+  if (!file.empty()) return false;
+  file = value.substr(2);
+  return true;
+}
+
+bool take_start(const std::string& value, Run* asked) {
+  return take_number(value, 0, std::numeric_limits<std::int64_t>::max(), &asked->start_lba);
+}
+
+bool take_count(const std::string& value, Run* asked) {
+  return take_number(value, 1, std::numeric_limits<std::int64_t>::max(), &asked->count);
+}
+
+bool take_slow(const std::string& value, Run* asked) {
+  asked->slow = value;
+  const bool only_number = value.find_first_not_of("0123456789.") == std::string::npos;
+  return upper_case(value) == "AUTO" || (only_number && leading_number(value) > 0.0);
+}
+
+bool take_text(const std::string& value, std::optional<std::string>* text) {
+  *text = value;
+  return !value.empty();
+}
+
+/// A switch of our own: how it is taken from its value, and its line of help.
+struct Switch {
+  const char* name;
+  bool has_value;
+  bool repeats;
+  bool (*take)(const std::string& value, Run* asked);
+  const char* help;
+};
+
+constexpr std::array kSwitches = {
+    Switch{"/VDISK", true, true, take_virtual_disk,
+           "/VDISK:n=FILE     attach a virtual disk as drive n: a disk file (.vd), an image (.img .raw .bin .dd),\r\n"
+           "                  or DEMO, the practice disk"},
+    Switch{"/OP", true, false, take_operation, "/OP:READ          read the range, report, and end with the exit code"},
+    Switch{"/LIST", false, false, [](const std::string&, Run* asked) { return asked->list = true; },
+           "/LIST             list the drives that answer: number, model, serial, firmware, sectors, size"},
+    Switch{"/START", true, false, take_start, "/START:lba        first LBA of the run"},
+    Switch{"/COUNT", true, false, take_count, "/COUNT:n          number of sectors"},
+    Switch{"/SLOW", true, false, take_slow, "/SLOW:n           report transfers slower than n MB/s; AUTO: half the average"},
+    Switch{"/REPORT", true, false, [](const std::string& value, Run* asked) { return take_text(value, &asked->report); },
+           "/REPORT:FILE      write the report to FILE; - is standard output, the default with /OP"},
+    Switch{"/VARS", true, false, [](const std::string& value, Run* asked) { return take_text(value, &asked->vars); },
+           "/VARS:FILE        append the report variables to FILE; - likewise"},
+    Switch{"/QUIET", false, false, [](const std::string&, Run* asked) { return asked->quiet = true; },
+           "/QUIET            no progress on standard error"},
+    Switch{"/?", false, false, [](const std::string&, Run* asked) { return asked->usage = true; },
+           "/?                this text"},
+};
+
+/// The switch that `token` gives, or null: its whole text, or its name up to a colon.
+const Switch* switch_of(const Token& token) {
+  const std::string name = token.upper.substr(0, token.upper.find(':'));
+  const auto* const row =
+      std::find_if(kSwitches.begin(), kSwitches.end(), [&](const Switch& candidate) { return name == candidate.name; });
+  return row == kSwitches.end() ? nullptr : row;
+}
+
+bool gives_drive(const Token& token) {
+  return token.upper.size() == 4 && token.upper.rfind("/D:", 0) == 0 && token.upper[3] >= '0' &&
+         token.upper[3] < '0' + kDriveCount;
+}
+
+/// What tokens leave to be judged when all have been read.
+struct Tally {
+  int drives = 0;
+  std::string stray;  // the first text that is no switch
+};
+
+std::string judge(const Run& asked, const Tally& tally) {
+  if (asked.usage) return {};
+  if (asked.op && asked.list) return "/OP and /LIST exclude each other.";
+  if ((asked.op || asked.list) && !tally.stray.empty()) return "\"" + tally.stray + "\" is not understood; /? lists all switches.";
+  if (asked.op && tally.drives != 1) return "/OP needs exactly one /D:n, n from 0 to 7.";
+  if (asked.report && tally.drives == 0) return "/REPORT needs /D:n, n from 0 to 7.";
+  if (asked.vars && tally.drives == 0) return "/VARS needs /D:n, n from 0 to 7.";
+  return {};
+}
+
+std::string take_switch(const Switch& row, const Token& token, std::vector<const Switch*>* seen, Run* asked) {
+  const std::string shown = "\"" + token.text + "\"";
+  if (!row.repeats && std::find(seen->begin(), seen->end(), &row) != seen->end()) {
+    return shown + " repeats a switch.";
+  }
+  seen->push_back(&row);
+  const std::size_t colon = token.text.find(':');
+  const bool has_value = colon != std::string::npos;
+  if (row.has_value != has_value || !row.take(has_value ? token.text.substr(colon + 1) : std::string(), asked)) {
+    return shown + " has a bad value; /? lists all switches.";
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string parse_command_line(std::string_view line, Run* asked) {
+  *asked = {};
+  asked->command_line = line;
+  std::vector<Token> tokens = split(line);
+  if (!tokens.empty()) tokens.erase(tokens.begin());  // the program's own path
+  Tally tally;
+  std::vector<const Switch*> seen;
+  for (const Token& token : tokens) {
+    if (const Switch* const row = switch_of(token)) {
+      std::string error = take_switch(*row, token, &seen, asked);
+      if (!error.empty()) return error;
+      continue;
+    }
+    asked->searched += asked->searched.empty() ? token.upper : " " + token.upper;
+    if (gives_drive(token)) {
+      ++tally.drives;
+    } else if (tally.stray.empty()) {
+      tally.stray = token.text;
+    }
+  }
+  asked->wants_drive = asked->op || !asked->searched.empty();
+  return judge(*asked, tally);
+}
+
+std::string switch_help() {
+  std::string text =
+      "Sectorix reads, writes, searches and tests whole disks.\r\n"
+      "\r\n"
+      "sectorix [/D:n] [switches]\r\n"
+      "\r\n"
+      "/D:n              initial drive, 0 to 7, and command-line mode: no questions, report output\r\n";
+  for (const Switch& row : kSwitches) text += std::string(row.help) + "\r\n";
+  return text;
+}

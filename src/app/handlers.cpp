@@ -1,0 +1,119 @@
+#include "app/handlers.h"
+
+#include "app/command.h"
+#include "disk/drive.h"
+#include "disk/progress.h"
+#include "form/form1.h"
+#include "form/output.h"
+#include "ops/select_drive.h"
+#include "ops/sequential.h"
+#include "platform/window.h"
+
+namespace {
+
+constexpr std::uint32_t kLeaveAfter = 1000;  // milliseconds
+constexpr std::int16_t kLeft = 1;
+constexpr std::int16_t kCancelled = 3;
+
+void request_exit() {
+  form1.Exit_Requested = true;
+  form1.MyCancel = true;
+}
+
+}  // namespace
+
+void TxtStartLBA_Click() {
+  form1.RangeEdited = true;
+}
+
+void TxtNoSecs_Click() {
+  form1.RangeEdited = true;
+}
+
+void range_typed() {
+  form1.RangeEdited = true;
+}
+
+void option_click(int drive) {
+  form1.MyCancel = true;
+  form1.RangeEdited = false;
+  show_option(drive);
+  platform::DoEvents();
+  if (form1.CommandRunning) {
+    form1.PendingDrive = drive;
+  } else {
+    SelectDrive();
+  }
+}
+
+void Option1_Click() {
+  option_click(0);
+}
+
+void Option2_Click() {
+  option_click(1);
+}
+
+void Option3_Click() {
+  option_click(2);
+}
+
+void Option4_Click() {
+  option_click(3);
+}
+
+void Option5_Click() {
+  option_click(4);
+}
+
+void Option6_Click() {
+  option_click(5);
+}
+
+void Option7_Click() {
+  option_click(6);
+}
+
+void Option8_Click() {
+  option_click(7);
+}
+
+void CmdRead_Click() {
+  run_command(read_command);
+}
+
+void slow_rate_click() {
+  CmdSlowRate_Click();
+}
+
+void CmdHelp_Click() {
+  MyUsage();
+}
+
+void cmdCancel_Click() {
+  form1.MyCancel = true;
+  form1.CommandLineMode = false;
+  form1.Text1.caret_to_end();
+  output.ExitCode = kCancelled;
+}
+
+void CmdExit_Click() {
+  request_exit();
+  output.ExitCode = kLeft;
+  kernel32::Sleep(kLeaveAfter);
+  ExitProgram();
+}
+
+void Form_Unload() {
+  CloseDrive();
+  close_report();
+  request_exit();
+  kernel32::Sleep(kLeaveAfter);
+  output.ExitCode = kLeft;
+  ExitProgram();
+}
+
+void console_cancel() {
+  form1.MyCancel = true;
+  output.ExitCode = kCancelled;
+}

@@ -1,0 +1,76 @@
+#include "app/program.h"
+
+#include <string>
+
+#include "app/command_line.h"
+#include "app/controls.h"
+#include "app/drive_list.h"
+#include "app/handlers.h"
+#include "app/startup.h"
+#include "disk/progress.h"
+#include "form/form1.h"
+#include "form/output.h"
+#include "form/run.h"
+#include "platform/console.h"
+#include "platform/window.h"
+#include "virtualdisk/virtualdisk.h"
+
+namespace {
+
+constexpr int kRefused = 1;
+
+int refuse(const std::string& line) {
+  platform::write_err(line + "\r\n");
+  return kRefused;
+}
+
+/// Gives an empty text, or what is wrong with the first disk that cannot be attached.
+std::string attach_virtual_disks() {
+  for (int drive = 0; drive < kDriveCount; ++drive) {
+    const std::string& file = run.virtual_disks.at(static_cast<std::size_t>(drive));
+    std::string error = file.empty() ? std::string() : virtualdisk::attach(drive, file);
+    if (!error.empty()) return error;
+  }
+  return {};
+}
+
+/// Opens the report and names the variables file; both are standard output for a run with /OP unless it says otherwise.
+std::string open_outputs() {
+  output.ReportFileName = run.vars.value_or(run.op ? "-" : "");
+  const std::string report = run.report.value_or(run.op ? "-" : "");
+  return report.empty() ? std::string() : open_report(report);
+}
+
+void run_operation() {
+  CmdRead_Click();
+}
+
+}  // namespace
+
+int run_program() {
+  const std::string mistake = parse_command_line(platform::command_line(), &run);
+  if (!mistake.empty()) return refuse(mistake);
+  if (run.usage) {
+    platform::write_out(switch_help());
+    return 0;
+  }
+  if (!run.op && !run.list) platform::release_lone_console();
+  std::string error = attach_virtual_disks();
+  if (error.empty() && run.list) return list_drives();
+  if (error.empty()) error = open_outputs();
+  if (!error.empty()) return refuse(error);
+  platform::watch_console(console_cancel, CmdExit_Click);
+  const bool has_window = platform::open_window(main_window());
+  if (run.slow) set_slow_rate(*run.slow);
+  Form_Load();
+  if (run.op) {
+    run_operation();
+    // The Cancel button took the run out of command-line mode: the window stays for interactive use.
+    if (form1.CommandLineMode || !has_window) ExitProgram();
+    run.op.reset();
+    close_report();
+  }
+  if (!has_window) return refuse("No window can be made here; /OP runs a command without one, /? lists all switches.");
+  platform::run_window();
+  return output.ExitCode;
+}

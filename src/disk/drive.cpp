@@ -1,0 +1,111 @@
+#include "disk/drive.h"
+
+#include <limits>
+#include <string>
+
+#include "disk/error_text.h"
+#include "form/form1.h"
+#include "form/output.h"
+#include "platform/console.h"
+
+Disk disk;
+
+namespace {
+
+constexpr std::uint32_t kAccessDenied = 5;        // winerror.h: ERROR_ACCESS_DENIED
+constexpr std::uint32_t kEndOfFile = 38;          // ERROR_HANDLE_EOF
+constexpr std::uint32_t kDiskFull = 112;          // ERROR_DISK_FULL
+constexpr std::int64_t kMostSectors = 4'194'303;  // the most whose bytes fit a signed 32-bit number
+
+bool may_transfer(std::int64_t lba, std::int64_t count) {
+  constexpr std::int64_t kLastLba = std::numeric_limits<std::int64_t>::max() / kSectorSize;
+  return lba >= 0 && lba <= kLastLba && count >= 0 && count <= kMostSectors &&
+         count * kSectorSize <= disk.Sec_Buf.size();
+}
+
+bool seek(std::int64_t lba) {
+  std::int64_t position = 0;
+  return kernel32::SetFilePointerEx(disk.hDrive, lba * kSectorSize, &position, platform::kFileBegin);
+}
+
+bool failed(std::uint32_t code) {
+  disk.Errno = code;
+  return false;
+}
+
+/// The two words of a range lock's length. The byte count is split at 16 bits and the low half widened with its sign,
+/// not at 32 bits; kept, since lock and unlock must name the same range to drivers that saw it so.
+struct LockLength {
+  std::uint32_t low;
+  std::uint32_t high;
+};
+LockLength lock_length(std::uint32_t bytes) {
+  constexpr unsigned kHalf = 16;
+  const auto low = static_cast<std::int16_t>(bytes & 0xFFFF);
+  return {static_cast<std::uint32_t>(std::int32_t{low}), bytes >> kHalf};
+}
+
+void report_open_failure(int n, const std::string& path, std::uint32_t code) {
+  ShowMessage("Handle for " + path + " not obtained!");
+  PrintReport("Disk " + std::to_string(n) + " Err=" + std::to_string(code) + "  Desc=" + open_error_text(code) +
+              " Source=Sectorix");
+  if (code == kAccessDenied && !output.access_denied_told) {
+    output.access_denied_told = true;
+    platform::write_err("Access is denied: run as administrator.\r\n");
+  }
+}
+
+}  // namespace
+
+void OpenDrive(int n) {
+  CloseDrive();
+  const std::string path = "\\\\.\\PhysicalDrive" + std::to_string(n);
+  disk.hDrive = kernel32::CreateFileA(path.c_str(), platform::kGenericRead | platform::kGenericWrite,
+                                      platform::kShareRead | platform::kShareWrite, platform::kOpenExisting, 0);
+  if (disk.hDrive == kernel32::kInvalidHandle) report_open_failure(n, path, kernel32::GetLastError());
+}
+
+void GetandOpenDrive() {
+  OpenDrive(form1.SelectedDrive);
+}
+
+void CloseDrive() {
+  if (disk.hDrive != kernel32::kInvalidHandle) kernel32::CloseHandle(disk.hDrive);
+  disk.hDrive = kernel32::kInvalidHandle;
+}
+
+bool ReadAt(std::int64_t lba, std::int64_t count) {
+  disk.Buf_LBA = lba;
+  disk.Buf_Secs = 0;
+  if (!may_transfer(lba, count)) return failed(kRefusedTransfer);
+  if (!seek(lba)) return failed(kernel32::GetLastError());
+  const auto bytes = static_cast<std::uint32_t>(count * kSectorSize);
+  std::uint32_t moved = 0;
+  const bool read = kernel32::ReadFile(disk.hDrive, disk.Sec_Buf.data(), bytes, &moved);
+  disk.Errno = kernel32::GetLastError();
+  if (!read) return false;
+  if (moved < bytes) return failed(disk.Errno != 0 ? disk.Errno : kEndOfFile);
+  disk.Buf_Secs = moved / kSectorSize;
+  return true;
+}
+
+bool WriteAt(std::int64_t lba, std::int64_t count) {
+  disk.Buf_LBA = lba;
+  if (!may_transfer(lba, count)) return failed(kRefusedTransfer);
+  if (!seek(lba)) return failed(kernel32::GetLastError());
+  const auto bytes = static_cast<std::uint32_t>(count * kSectorSize);
+  const auto offset = static_cast<std::uint64_t>(lba * kSectorSize);
+  const auto offset_low = static_cast<std::uint32_t>(offset);
+  const auto offset_high = static_cast<std::uint32_t>(offset >> 32U);
+  const LockLength length = lock_length(bytes);
+  kernel32::LockFile(disk.hDrive, offset_low, offset_high, length.low, length.high);
+  std::uint32_t moved = 0;
+  const bool written = kernel32::WriteFile(disk.hDrive, disk.Sec_Buf.data(), bytes, &moved);
+  disk.Errno = kernel32::GetLastError();
+  if (!written) return false;
+  if (moved < bytes) return failed(disk.Errno != 0 ? disk.Errno : kDiskFull);
+  disk.Buf_Secs = moved / kSectorSize;
+  kernel32::FlushFileBuffers(disk.hDrive);
+  kernel32::UnlockFile(disk.hDrive, offset_low, offset_high, length.low, length.high);
+  return true;
+}

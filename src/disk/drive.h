@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+
+#include "device/kernel32.h"
+#include "disk/sector_buffer.h"
+
+/// The selected drive's handle, the sector buffer and what the last transfer did.
+struct Disk {
+  kernel32::Handle hDrive = kernel32::kInvalidHandle;
+  SectorBuffer Sec_Buf;
+  std::int64_t Buf_LBA = 0;   // first LBA of the last transfer asked for
+  std::int64_t Buf_Secs = 0;  // sectors that the last transfer moved; 0 after a failed read
+  std::uint32_t Errno = 0;    // system error code of the last transfer
+};
+
+extern Disk disk;
+
+/// What a transfer that the program itself refuses fails with: ERROR_INVALID_DATA (winerror.h).
+inline constexpr std::uint32_t kRefusedTransfer = 13;
+
+/// Opens drive `n` (0 to 7) for reading and writing in place of the one before; disk.hDrive is invalid on failure,
+/// which is told through ShowMessage and in the report.
+void OpenDrive(int n);
+
+/// Opens the selected drive.
+void GetandOpenDrive();
+
+/// Closes the drive; disk.hDrive is invalid afterwards.
+void CloseDrive();
+
+/// Reads `count` sectors from `lba` into the start of Sec_Buf with one system call. False on failure, also when fewer
+/// bytes came than asked; disk.Errno has the code (38 where the system gave none), disk.Buf_Secs is 0 then. A transfer
+/// larger than Sec_Buf or than 4,194,303 sectors, or with a negative number, makes no call and fails with 13.
+bool ReadAt(std::int64_t lba, std::int64_t count);
+
+/// Writes `count` sectors from the start of Sec_Buf to `lba` and flushes them. Fails like ReadAt, a short write with
+/// 112 where the system gave no code; disk.Buf_Secs changes only on success.
+bool WriteAt(std::int64_t lba, std::int64_t count);

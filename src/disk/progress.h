@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/// One megabyte of the rates: 2048 sectors, 1,048,576 bytes.
+inline constexpr std::int64_t kSectorsPerMb = 2048;
+
+inline constexpr double kDefaultSlowRate = 10.0;
+inline constexpr double kLowRateStart = 999999.0;
+
+/// Transfer rates of the running operation, in MB/s, and the limit below which a transfer is slow.
+struct Progress {
+  double SlowRate = kDefaultSlowRate;
+  bool AutoSlowRate = false;  // the limit follows half the average
+  double XferStart = 0.0;     // time of day in seconds before and after the last transfer
+  double XferEnd = 0.0;
+  double HighRate = 0.0;
+  double LowRate = kLowRateStart;
+  double MaxRateJump = 0.0;  // largest difference between a transfer's rate and HighRate
+  std::int64_t AverageRate = 0;
+  std::int64_t SlowXfers = 0;
+};
+
+extern Progress progress;
+
+/// Sets the statistics to their start values; the slow limit too while it is AUTO, a number that the user set stays.
+void clear_progress();
+
+/// Updates rates, slow transfers and the status line after a transfer of `sectors` sectors that began at `lba`;
+/// progress.XferStart and XferEnd say when.
+void Display_Progress(std::int64_t sectors, std::int64_t lba);
+
+/// Takes an answer to the question for the slow limit: AUTO, or a leading number in MB/s. 0 or no number keeps the
+/// limit and ends AUTO; an empty answer changes nothing.
+void set_slow_rate(const std::string& answer);
+
+/// Asks for the slow limit.
+void CmdSlowRate_Click();

@@ -1,0 +1,97 @@
+#include "disk/transfer.h"
+
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include "disk/counters.h"
+#include "disk/drive.h"
+#include "disk/error_text.h"
+#include "disk/progress.h"
+#include "form/form1.h"
+#include "form/output.h"
+#include "platform/clock.h"
+#include "platform/window.h"
+
+namespace {
+
+/// How reading and writing differ.
+struct Direction {
+  bool (*transfer)(std::int64_t lba, std::int64_t count);
+  void (*report_failure)(std::int64_t lba, std::int64_t sectors);
+  const char* doing;
+};
+
+struct PositionFacts {
+  std::int64_t lba;
+  std::int64_t sectors;
+  const char* doing;
+};
+
+std::string position_text(const PositionFacts& facts) {
+  return "At sector " + std::to_string(facts.lba) + " and " + facts.doing + " " + std::to_string(facts.sectors) +
+         " sectors";
+}
+
+std::string lba_text(const std::int64_t& lba) {
+  return std::to_string(lba);
+}
+
+void report_failure(std::string_view what, std::int64_t lba, std::int64_t sectors) {
+  const std::string text = "Error " + std::string(what) + " Sector " + std::to_string(lba) + " for " +
+                           std::to_string(sectors) + " sectors.\r\nERROR: " + std::to_string(disk.Errno) + " - " +
+                           GetErrMsg(disk.Errno) + "\r\n";
+  PrintReport(text);
+  form1.Text1.append(text);
+}
+
+void report_write_failure(std::int64_t lba, std::int64_t sectors) {
+  // The write count ends one above the total, the read count equal to it; kept, since batch files know these figures.
+  ++counters.TotalErrors;
+  counters.TotalWErrors = counters.TotalErrors + 1;
+  report_failure("Writing", lba, sectors);
+}
+
+std::int64_t advanced(std::int64_t lba, std::int64_t sectors) {
+  constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
+  return lba > kLast - sectors ? kLast : lba + sectors;
+}
+
+bool transfer_all(const Direction& direction, std::int64_t* lba, std::int64_t total, std::int64_t per_transfer) {
+  if (per_transfer <= 0) return true;
+  bool all_done = true;
+  const std::int64_t transfers = total / per_transfer;
+  for (std::int64_t i = 0; i < transfers; ++i) {
+    platform::DoEvents();
+    if (form1.MyCancel) break;
+    form1.TxtStatus.set_deferred<position_text>(PositionFacts{*lba, per_transfer, direction.doing});
+    form1.TxtCurrent.set_deferred<lba_text>(*lba);
+    progress.XferStart = platform::seconds_since_midnight();
+    const bool done = direction.transfer(*lba, per_transfer);
+    progress.XferEnd = platform::seconds_since_midnight();
+    if (!done) {
+      direction.report_failure(*lba, per_transfer);
+      all_done = false;
+    }
+    counters.Sectors_Done += per_transfer;
+    Display_Progress(per_transfer, *lba);
+    *lba = advanced(*lba, per_transfer);
+  }
+  return all_done;
+}
+
+}  // namespace
+
+void report_read_failure(std::int64_t lba, std::int64_t sectors) {
+  counters.TotalRErrors = counters.TotalErrors + 1;
+  ++counters.TotalErrors;
+  report_failure("Reading", lba, sectors);
+}
+
+bool Read_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer) {
+  return transfer_all({ReadAt, report_read_failure, "reading"}, lba, total, per_transfer);
+}
+
+bool Write_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer) {
+  return transfer_all({WriteAt, report_write_failure, "writing"}, lba, total, per_transfer);
+}

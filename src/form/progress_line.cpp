@@ -1,0 +1,56 @@
+#include "form/progress_line.h"
+
+#include <algorithm>
+#include <string>
+
+#include "form/form1.h"
+#include "form/run.h"
+#include "platform/clock.h"
+#include "platform/console.h"
+
+namespace {
+
+constexpr double kTerminalPause = 0.1;  // seconds
+constexpr double kPlainPause = 10.0;
+
+struct ProgressLine {
+  double due = 0.0;
+  bool on_terminal = false;
+  std::size_t width = 0;  // of the line that stands there
+};
+ProgressLine line;
+
+bool wanted() {
+  return run.op && !run.quiet;
+}
+
+}  // namespace
+
+void begin_progress_line() {
+  if (!wanted()) return;
+  line = {};
+  line.on_terminal = platform::err_is_terminal();
+  line.due = platform::steady_seconds() + (line.on_terminal ? 0.0 : kPlainPause);
+}
+
+void show_progress_line() {
+  if (!wanted()) return;
+  const double now = platform::steady_seconds();
+  if (now < line.due) return;
+  line.due = now + (line.on_terminal ? kTerminalPause : kPlainPause);
+  const std::string& status = form1.TxtStatus.text();
+  if (!line.on_terminal) {
+    platform::write_err(status + "\r\n");
+    return;
+  }
+  std::string shown = "\r" + status;
+  shown.resize(std::max(shown.size(), line.width + 1), ' ');
+  line.width = status.size();
+  platform::write_err(shown);
+}
+
+void end_progress_line() {
+  if (!wanted() || !line.on_terminal || line.width == 0) return;
+  platform::write_err("\r" + std::string(line.width, ' ') + "\r" + form1.TxtStatus.text() + "\r\n");
+  line.width = 0;
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+/// The progress of a command-line run on standard error: the status line, rewritten in place on a terminal, a line of
+/// its own every 10 seconds elsewhere. Nothing without /OP or with /QUIET.
+
+/// Starts the ten seconds anew.
+void begin_progress_line();
+
+/// Shows the status line when it is due.
+void show_progress_line();
+
+/// Ends the line on a terminal, so that what follows stands below it.
+void end_progress_line();

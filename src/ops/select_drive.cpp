@@ -1,0 +1,40 @@
+#include "ops/select_drive.h"
+
+#include <algorithm>
+#include <string>
+
+#include "disk/drive.h"
+#include "disk/progress.h"
+#include "form/form1.h"
+#include "smart/identification.h"
+
+void select_drive_keeping_text() {
+  identification.Drive_Sectors = 0;
+  const auto chosen = std::find_if(form1.Options.begin(), form1.Options.end(),
+                                   [](const platform::Field& option) { return option.on(); });
+  if (chosen != form1.Options.end()) form1.SelectedDrive = static_cast<int>(chosen - form1.Options.begin());
+  GetandOpenDrive();
+  const bool found = Check_drv(form1.SelectedDrive);
+  const std::int64_t sectors = identification.Drive_Sectors;
+  const std::string drive = "Drive " + std::to_string(form1.SelectedDrive);
+  if (found) {
+    if (!form1.RangeEdited) {
+      form1.TxtNoSecs.set_text(std::to_string(sectors));
+      form1.TxtStartLBA.set_text("0");
+    }
+    form1.TxtStatus.set_text(drive + "  - " + identification.Disk_Model + "  " +
+                             std::to_string(sectors / kSectorsPerMb) + "Mb");
+  } else {
+    form1.TxtStatus.set_text(drive + " not found!");
+  }
+  form1.LblStart.set_text("Start (0-" + std::to_string(sectors - 1) + ")");
+}
+
+void SelectDrive() {
+  select_drive_keeping_text();
+  form1.Text1.set_text(form1.TxtStatus.text());
+}
+
+void show_option(int drive) {
+  for (int i = 0; i < kDriveCount; ++i) form1.Options.at(static_cast<std::size_t>(i)).set_on(i == drive);
+}

@@ -1,0 +1,31 @@
+#include "ops/totals.h"
+
+#include <string>
+
+#include "disk/counters.h"
+#include "disk/progress.h"
+#include "form/form1.h"
+#include "form/output.h"
+
+void Clear_Counters() {
+  counters = {};
+  clear_progress();
+}
+
+void Do_errors() {
+  const std::string total = std::to_string(counters.TotalErrors);
+  const std::string reads = std::to_string(counters.TotalRErrors);
+  const std::string writes = std::to_string(counters.TotalWErrors);
+  const std::string compares = std::to_string(counters.TotalCErrors);
+  PrintReport("\r\nTotal Errors = " + total + "\r\nTotal Read errors = " + reads +
+              "\r\nTotal Write errors = " + writes + "\r\nTotal Compare errors = " + compares + "\r\n");
+  const std::string variables = "\r\nSET QV_D_TOTERR=" + total + "\r\nSET QV_D_READERR=" + reads +
+                                "\r\nSET QV_D_WRITEERR=" + writes + "\r\nSET QV_D_CMPERR=" + compares + "\r\n";
+  AppendReportVars(variables);
+  form1.Text1.append(variables);
+  add_to_exit_code(counters.TotalErrors);
+}
+
+float elapsed_seconds() {
+  return static_cast<float>(counters.OpEndTime) - static_cast<float>(counters.OpStartTime);
+}

@@ -1,0 +1,201 @@
+#include "smart/identification.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <string_view>
+
+#include "disk/drive.h"
+#include "disk/progress.h"
+#include "form/form1.h"
+#include "form/output.h"
+#include "platform/bytes.h"
+#include "smart/drive_command.h"
+#include "smart/identify_data.h"
+
+Identification identification;
+
+namespace {
+
+// Windows SDK: winioctl.h and ntddscsi.h.
+constexpr std::uint32_t kGetDriveGeometry = 0x70000;   // IOCTL_DISK_GET_DRIVE_GEOMETRY
+constexpr std::uint32_t kGetLengthInfo = 0x7405C;      // IOCTL_DISK_GET_LENGTH_INFO
+constexpr std::uint32_t kScsiMiniport = 0x4D008;       // IOCTL_SCSI_MINIPORT
+constexpr std::uint32_t kMiniportIdentify = 0x1B0501;  // IOCTL_SCSI_MINIPORT_IDENTIFY
+constexpr std::uint32_t kScsiPassThrough = 0x4D004;    // IOCTL_SCSI_PASS_THROUGH
+
+constexpr std::int64_t kMostSectors = std::numeric_limits<std::int64_t>::max() / kSectorSize;
+
+std::string megabytes(std::int64_t sectors) {
+  return std::to_string(sectors / kSectorsPerMb);
+}
+
+kernel32::Handle open_device(const std::string& name) {
+  return kernel32::CreateFileA(name.c_str(), platform::kGenericRead | platform::kGenericWrite,
+                               platform::kShareRead | platform::kShareWrite, platform::kOpenExisting, 0);
+}
+
+void Clean_Id_Strings() {
+  identification.Disk_Model = clean_id(identification.Model_No);
+  identification.Disk_Serial = clean_id(identification.Serial_No);
+  identification.Disk_Firmware = clean_id(identification.Firmware_Rev);
+}
+
+void take_identity(const IdentifyData& data) {
+  identification.Model_No = data.model;
+  identification.Serial_No = data.serial;
+  identification.Firmware_Rev = data.firmware;
+  identification.Num_Cyls = data.cylinders;
+  identification.Num_Heads = data.heads;
+  identification.Sectors_Per_Track = data.sectors_per_track;
+  identification.Id_Total_Sectors = data.sectors;
+  identification.Drive_Sectors = data.sectors;
+}
+
+/// The product of three counts; 0 where one is not positive or the product is no disk's size.
+std::int64_t credible_product(std::int64_t cylinders, std::int64_t tracks, std::int64_t sectors) {
+  if (cylinders <= 0 || tracks <= 0 || sectors <= 0 || tracks > kMostSectors / sectors) return 0;
+  const std::int64_t per_cylinder = tracks * sectors;
+  return cylinders > kMostSectors / per_cylinder ? 0 : cylinders * per_cylinder;
+}
+
+/// SCSI_PASS_THROUGH (32-bit layout) with sense data and data behind it, asking for READ CAPACITY (SBC-3, 5.15).
+constexpr std::size_t kPassThroughBytes = 585;
+constexpr std::size_t kPassThroughData = 76;
+std::array<std::uint8_t, kPassThroughBytes> read_capacity_request() {
+  constexpr std::uint16_t kHeader = 44;
+  constexpr std::uint8_t kSense = 24;
+  constexpr std::uint8_t kData = 192;
+  std::array<std::uint8_t, kPassThroughBytes> request{};
+  bytes::put_le16(request, 0, kHeader);
+  request[4] = 1;  // target id
+  request[6] = 6;  // CDB length: 6 for a command of 10 bytes; kept, drivers go by the operation code
+  request[7] = kSense;
+  request[8] = 1;  // data come from the device
+  bytes::put_le32(request, 12, kData);
+  bytes::put_le32(request, 16, 2);  // seconds
+  bytes::put_le32(request, 20, kPassThroughData);
+  bytes::put_le32(request, 24, kHeader);
+  request[28] = 0x25;  // READ CAPACITY (10)
+  request[29] = 8;
+  request[32] = kData;
+  return request;
+}
+
+std::int64_t capacity_in(std::span<const std::uint8_t> data) {
+  const double blocks = static_cast<double>(bytes::be32(data, 0)) + 1.0;
+  const double sectors = blocks * static_cast<double>(bytes::be32(data, 4)) / static_cast<double>(kSectorSize);
+  return sectors < static_cast<double>(kMostSectors) ? static_cast<std::int64_t>(sectors) : 0;
+}
+
+/// SRB_IO_CONTROL (ntddscsi.h) with SENDCMDINPARAMS behind it.
+constexpr std::size_t kSrbHeader = 28;
+constexpr std::size_t kMiniportBytes = 576;
+std::array<std::uint8_t, kMiniportBytes> miniport_request() {
+  constexpr std::string_view kSignature = "SCSIDISK";
+  std::array<std::uint8_t, kMiniportBytes> request{};
+  bytes::put_le32(request, 0, kSrbHeader);
+  std::copy(kSignature.begin(), kSignature.end(), request.begin() + 4);
+  bytes::put_le32(request, 12, 2);  // seconds
+  bytes::put_le32(request, 16, kMiniportIdentify);
+  bytes::put_le32(request, 24, kMiniportBytes - kSrbHeader);
+  put_command({.data_bytes = kPageBytes, .command = kIdentifyDevice}, std::span(request).subspan(kSrbHeader));
+  return request;
+}
+
+}  // namespace
+
+bool Check_drv(std::int32_t drive) {
+  identification = {};
+  const std::string number = std::to_string(drive);
+  std::int64_t& sectors = identification.Drive_Sectors;
+  PrintReport("Check_drv " + number + " was called");
+  Get_IDE_params(disk.hDrive, kIdentifyDevice, drive);
+  // No blank before this parenthesis, one in the lines below; kept, scripts cut these lines.
+  PrintReport("IDE disk " + number + " Size=" + std::to_string(sectors) + "(" + megabytes(sectors) + " Mb)");
+  const std::int64_t by_geometry = Get_Disk_Geometry_Size();
+  PrintReport("IDE disk geometry " + number + " Size=" + std::to_string(by_geometry) + " (" + megabytes(by_geometry) +
+              " Mb)");
+  sectors = std::max(sectors, by_geometry);
+  if (sectors == 0) {
+    Get_Scsi_Identify(drive);
+    PrintReport("SCSI disk " + number + " Size=" + std::to_string(sectors) + " (" + megabytes(sectors) + " Mb)");
+  }
+  sectors = std::max(sectors, Get_Capacity_PassThrough(drive));
+  if (sectors == 0) return false;
+  PrintReport("Check_drv " + number + " returned OK.");
+  return true;
+}
+
+bool Get_IDE_params(kernel32::Handle drive, std::uint8_t command, std::int32_t drive_number) {
+  if (drive == kernel32::kInvalidHandle) return false;
+  CommandReply reply{};
+  const DriveCommand request{
+      .data_bytes = kPageBytes, .command = command, .drive_number = static_cast<std::uint8_t>(drive_number)};
+  if (!send_command(drive, kSmartRcvDriveData, request, static_cast<std::uint32_t>(reply.size()), &reply)) return false;
+  const IdentifyData data = decode_identify(std::span(reply).subspan(kReplyHeader));
+  take_identity(data);
+  // The current translation's sectors per track stay, not the default's; kept for drives translated by their BIOS.
+  identification.Sectors_Per_Track = data.current_sectors_per_track;
+  Clean_Id_Strings();
+  return true;
+}
+
+std::int64_t Get_Disk_Geometry_Size() {
+  if (disk.hDrive == kernel32::kInvalidHandle) return 0;
+  std::array<std::uint8_t, 24> geometry{};  // DISK_GEOMETRY
+  std::uint32_t returned = 0;
+  if (!kernel32::DeviceIoControl(disk.hDrive, kGetDriveGeometry, nullptr, 0, geometry.data(), geometry.size(),
+                                 &returned)) {
+    return 0;
+  }
+  return credible_product(static_cast<std::int64_t>(bytes::le64(geometry, 0)), bytes::le32(geometry, 12),
+                          bytes::le32(geometry, 16));
+}
+
+void Get_Scsi_Identify(std::int32_t port) {
+  // The port's handle takes the drive's place even where it cannot transfer; kept, SMART requests go through it.
+  CloseDrive();
+  disk.hDrive = open_device("\\\\.\\Scsi" + std::to_string(port) + ":");
+  if (disk.hDrive == kernel32::kInvalidHandle) {
+    ShowMessage("SCSI invalid handle!");
+    return;
+  }
+  PrintReport("Handle for SCSI" + std::to_string(port) + " created");
+  std::array<std::uint8_t, kMiniportBytes> buffer = miniport_request();
+  std::uint32_t returned = 0;
+  if (!kernel32::DeviceIoControl(disk.hDrive, kScsiMiniport, buffer.data(), kMiniportBytes, buffer.data(),
+                                 kMiniportBytes, &returned)) {
+    ShowMessage("IOCTL_SCSI_MINIPORT call failed");
+    return;
+  }
+  take_identity(decode_identify(std::span(buffer).subspan(kSrbHeader + kReplyHeader)));
+  const Identification& id = identification;
+  PrintReport("IOCTL_SCSI_MINIPORT called OK  " + id.Model_No + " " + id.Firmware_Rev + " " + id.Serial_No + " " +
+              std::to_string(id.Num_Cyls) + " " + std::to_string(id.Num_Heads) + " " +
+              std::to_string(id.Sectors_Per_Track) + " " + std::to_string(id.Drive_Sectors));
+  Clean_Id_Strings();
+}
+
+std::int64_t Get_Capacity_PassThrough(std::int32_t drive) {
+  const kernel32::Handle handle = open_device("\\\\.\\PhysicalDrive" + std::to_string(drive));
+  if (handle == kernel32::kInvalidHandle) return 0;
+  std::array<std::uint8_t, kPassThroughBytes> buffer = read_capacity_request();
+  std::uint32_t returned = 0;
+  kernel32::DeviceIoControl(handle, kScsiPassThrough, buffer.data(), kPassThroughBytes, buffer.data(),
+                            kPassThroughBytes, &returned);
+  std::int64_t capacity = 0;
+  if (returned > 0) capacity = capacity_in(std::span(buffer).subspan(kPassThroughData));
+  capacity = std::max(capacity, Get_Length_Info(handle) / kSectorSize);
+  kernel32::CloseHandle(handle);
+  return capacity;
+}
+
+std::int64_t Get_Length_Info(kernel32::Handle drive) {
+  if (drive == kernel32::kInvalidHandle) return 0;
+  std::array<std::uint8_t, 8> length{};  // GET_LENGTH_INFORMATION
+  std::uint32_t returned = 0;
+  const bool answered =
+      kernel32::DeviceIoControl(drive, kGetLengthInfo, nullptr, 0, length.data(), length.size(), &returned);
+  return answered ? std::max<std::int64_t>(static_cast<std::int64_t>(bytes::le64(length, 0)), 0) : 0;
+}
