@@ -100,8 +100,10 @@ constexpr std::array kSwitches = {
            "/LIST             list the drives that answer: number, model, serial, firmware, sectors, size"},
     Switch{"/START", true, false, take_start, "/START:lba        first LBA of the run"},
     Switch{"/COUNT", true, false, take_count, "/COUNT:n          number of sectors"},
-    Switch{"/SLOW", true, false, take_slow, "/SLOW:n           report transfers slower than n MB/s; AUTO: half the average"},
-    Switch{"/REPORT", true, false, [](const std::string& value, Run* asked) { return take_text(value, &asked->report); },
+    Switch{"/SLOW", true, false, take_slow,
+           "/SLOW:n           report transfers slower than n MB/s; AUTO: half the average"},
+    Switch{"/REPORT", true, false,
+           [](const std::string& value, Run* asked) { return take_text(value, &asked->report); },
            "/REPORT:FILE      write the report to FILE; - is standard output, the default with /OP"},
     Switch{"/VARS", true, false, [](const std::string& value, Run* asked) { return take_text(value, &asked->vars); },
            "/VARS:FILE        append the report variables to FILE; - likewise"},
@@ -133,7 +135,8 @@ struct Tally {
 std::string judge(const Run& asked, const Tally& tally) {
   if (asked.usage) return {};
   if (asked.op && asked.list) return "/OP and /LIST exclude each other.";
-  if ((asked.op || asked.list) && !tally.stray.empty()) return "\"" + tally.stray + "\" is not understood; /? lists all switches.";
+  if ((asked.op || asked.list) && !tally.stray.empty())
+    return "\"" + tally.stray + "\" is not understood; /? lists all switches.";
   if (asked.op && tally.drives != 1) return "/OP needs exactly one /D:n, n from 0 to 7.";
   if (asked.report && tally.drives == 0) return "/REPORT needs /D:n, n from 0 to 7.";
   if (asked.vars && tally.drives == 0) return "/VARS needs /D:n, n from 0 to 7.";

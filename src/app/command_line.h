@@ -5,8 +5,9 @@
 
 #include "form/run.h"
 
-/// Reads a command line, the program's path first, into `asked`. Gives an empty text, or one line that says what is wrong.
-/// Values with blanks are quoted, as "/FIND:two words" or /FIND:"two words"; the case of switches does not matter.
+/// Reads a command line, the program's path first, into `asked`. Gives an empty text, or one line that says what is
+/// wrong. Values with blanks are quoted, as "/FIND:two words" or /FIND:"two words"; the case of switches does not
+/// matter.
 std::string parse_command_line(std::string_view line, Run* asked);
 
 /// All switches, as /? prints them; lines end in CR LF.
