@@ -1,0 +1,191 @@
+#include "app/program.h"
+
+#include <gmock/gmock.h>
+
+#include "app/handlers.h"
+#include "form/form1.h"
+#include "form/output.h"
+#include "tests/support/rig.h"
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+class Program : public Rig {
+ protected:
+  std::string disk_switch(int drive, const std::string& disk_file) {
+    return "/VDISK:" + std::to_string(drive) + "=" + write_file("d" + std::to_string(drive) + ".vd", disk_file) + " ";
+  }
+};
+
+TEST_F(Program, StartsOnDriveZeroWithTheInstructions) {
+  open(disk_switch(0, "sectors 1000000\nmodel Plain Disk\n"));
+  EXPECT_THAT(form1.Caption.text(), StartsWith("Sectorix v.1.0.0"));
+  EXPECT_EQ(form1.TxtStatus.text(), "Drive 0  - Plain Disk  488Mb");
+  EXPECT_THAT(form1.Text1.text(),
+              StartsWith("    WARNING: Drive 0  - Plain Disk  488Mb selected!\r\n\r\nINSTRUCTIONS"));
+  EXPECT_EQ(form1.TxtPattern.text(), "2C2CAA55");
+  EXPECT_EQ(form1.TxtNoSecs.text(), "1000000");
+  EXPECT_EQ(form1.LblStart.text(), "Start (0-999999)");
+  EXPECT_FALSE(form1.CommandLineMode);
+  EXPECT_TRUE(form1.Options[0].on());
+}
+
+TEST_F(Program, AMissingDriveIsNoErrorAtStartUp) {
+  open("/d:5");
+  EXPECT_THAT(form1.Text1.text(), StartsWith("    WARNING: Drive 5 not found! selected!"));
+  EXPECT_EQ(form1.LblStart.text(), "Start (0--1)");
+  EXPECT_TRUE(form1.CommandLineMode);
+}
+
+TEST_F(Program, TheHighestNamedDriveStaysAndOtherDigitsMeanDriveZero) {
+  open(disk_switch(1, "sectors 10\n") + disk_switch(3, "sectors 30\n") + "/D:3 /d:1");
+  EXPECT_EQ(form1.SelectedDrive, 3);
+  EXPECT_TRUE(form1.Options[3].on());
+  EXPECT_FALSE(form1.Options[1].on());
+}
+
+TEST_F(Program, AnUnknownDigitSelectsDriveZeroInCommandLineMode) {
+  open("/D:8");
+  EXPECT_EQ(form1.SelectedDrive, 0);
+  EXPECT_TRUE(form1.CommandLineMode);
+}
+
+TEST_F(Program, NeitherItsOwnPathNorItsSwitchesNameADrive) {
+  open("/VDISK:0=" + write_file("x.vd", "sectors 5\n") + " /SLOW:20");
+  EXPECT_FALSE(form1.CommandLineMode);
+}
+
+TEST_F(Program, AnEditedRangeSurvivesARunAndADriveButtonRefillsIt) {
+  open(disk_switch(0, "sectors 1000\n") + "/D:0");
+  form1.TxtNoSecs.set_typed("10");
+  range_typed();
+  click(CmdRead_Click);
+  EXPECT_EQ(form1.TxtNoSecs.text(), "10");
+  click(Option1_Click);
+  EXPECT_EQ(form1.TxtNoSecs.text(), "1000");
+}
+
+TEST_F(Program, ARunReportsToStandardOutputAndEndsWithItsErrors) {
+  EXPECT_EQ(start(disk_switch(3, "sectors 1000\nfail read 50 1\n") + "/D:3 /OP:READ /START:5 /COUNT:100"), 1U);
+  EXPECT_THAT(out(), HasSubstr("Reading 100 sectors starting at LBA 5 on drive 3\r\n"));
+  EXPECT_THAT(out(), HasSubstr("Error Reading Sector 5 for 100 sectors.\r\nERROR: 23 - "));
+  EXPECT_THAT(out(), HasSubstr("\r\nTotal Errors = 1\r\nTotal Read errors = 1\r\n"));
+  EXPECT_THAT(out(), HasSubstr("\r\nSET QV_D_TOTERR=1\r\nSET QV_D_READERR=1\r\n"));
+  EXPECT_THAT(out(), HasSubstr("Last Status: 100 sectors in "));
+  EXPECT_TRUE(headless::desktop.boxes.empty());
+}
+
+TEST_F(Program, AStartAloneReadsToTheEndOfTheDisk) {
+  EXPECT_EQ(start(disk_switch(0, "sectors 1000\n") + "/D:0 /OP:READ /START:990"), 0U);
+  EXPECT_THAT(out(), HasSubstr("Reading 10 sectors starting at LBA 990"));
+}
+
+TEST_F(Program, ReportAndVariablesGoToTheirFiles) {
+  write_file("vars.txt", "kept\r\n");
+  EXPECT_EQ(start(disk_switch(0, "sectors 10\n") + "/D:0 /OP:read \"/REPORT:" + path("a report.txt") +
+                  "\" /VARS:" + path("vars.txt")),
+            0U);
+  EXPECT_EQ(out(), "");
+  EXPECT_THAT(read_file(path("a report.txt")), HasSubstr("Total Errors = 0\r\n"));
+  EXPECT_EQ(read_file(path("vars.txt")),
+            "kept\r\n\r\nSET QV_D_TOTERR=0\r\nSET QV_D_READERR=0\r\nSET QV_D_WRITEERR=0\r\nSET QV_D_CMPERR=0\r\n\r\n");
+}
+
+TEST_F(Program, AMissingDriveEndsARunWithOne) {
+  EXPECT_EQ(start("/D:4 /OP:READ"), 1U);
+  EXPECT_THAT(out(), HasSubstr("Drive 4 does not exist!\r\n"));
+}
+
+TEST_F(Program, ControlCEndsARunWithItsReport) {
+  headless::desktop.at_pump = [](int pump) {
+    if (pump == 4) headless::press_control_c();
+  };
+  EXPECT_EQ(start(disk_switch(0, "sectors 100000\nfail read 0 1\n") + "/D:0 /OP:READ"), 4U);
+  EXPECT_THAT(out(), HasSubstr("SET QV_D_TOTERR=1\r\n"));
+}
+
+TEST_F(Program, TheCancelButtonLeavesTheWindowOpen) {
+  headless::desktop.has_display = true;
+  headless::desktop.at_pump = [](int pump) {
+    if (pump == 4) cmdCancel_Click();
+  };
+  EXPECT_EQ(start(disk_switch(0, "sectors 100000\n") + "/D:0 /OP:READ"), 3U);
+  EXPECT_THAT(out(), Not(HasSubstr("Total Errors")));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("Finished!"));
+}
+
+TEST_F(Program, MistakesAreOneLineAndOpenNoDisk) {
+  const std::string disk = disk_switch(0, "sectors 10\n");
+  for (const std::string line : {"/OP:READ",
+                                 "/D:0 /D:1 /OP:READ",
+                                 "/D:0 /OP:FORMAT",
+                                 "/D:0 /OP:READ /OP:READ",
+                                 "/D:0 /OP:READ /FOO",
+                                 "/D:0 /OP:READ extra",
+                                 "/D:0 /OP:READ /START:-1",
+                                 "/D:0 /OP:READ /COUNT:0",
+                                 "/D:0 /OP:READ /COUNT:1x",
+                                 "/SLOW:fast",
+                                 "/SLOW:0",
+                                 "/REPORT:-",
+                                 "/VARS:v",
+                                 "/VDISK:9=a.img",
+                                 "/VDISK:0=a.img /VDISK:0=b.img",
+                                 "/VDISK:1=missing.vd",
+                                 "/LIST /D:0 /OP:READ",
+                                 "/LIST what",
+                                 "/QUIET:yes",
+                                 "/D:0 /REPORT:",
+                                 "/D:9 /OP:READ"}) {
+    headless::desktop = {};
+    EXPECT_EQ(start(line.find("/VDISK") == 0 ? line : disk + line), 1U) << line;
+    EXPECT_EQ(count_of(err(), "\n"), 1) << line << ": " << err();
+    EXPECT_EQ(out(), "") << line;
+  }
+}
+
+TEST_F(Program, AnUnwritableReportIsRefusedBeforeTheDiskIsOpened) {
+  EXPECT_EQ(start(disk_switch(0, "sectors 10\n") + "/D:0 /OP:READ /REPORT:" + path("no/such/folder")), 1U);
+  EXPECT_THAT(err(), HasSubstr("cannot be made: error "));
+}
+
+TEST_F(Program, HelpAndListEndWithoutAWindow) {
+  EXPECT_EQ(start("/? /OP"), 1U) << "a bad value is told even beside /?";
+  EXPECT_EQ(start("/?"), 0U);
+  EXPECT_THAT(out(), HasSubstr("/VDISK:n=FILE"));
+  headless::desktop.out.clear();
+  EXPECT_EQ(start("/list " + disk_switch(6, "sectors 4096\nmodel M\nserial S\nfirmware F\n")), 0U);
+  EXPECT_EQ(out(), "6\tM\tS\tF\t4096\t2Mb\r\n");
+}
+
+TEST_F(Program, WithoutAWindowOnlyARunCanStart) {
+  EXPECT_EQ(start(""), 1U);
+  EXPECT_THAT(err(), HasSubstr("No window can be made here"));
+}
+
+TEST_F(Program, ExitCodesAreSixteenBitAndKeepTheirSign) {
+  output.ExitCode = 30000;
+  add_to_exit_code(5000);
+  EXPECT_EQ(output.ExitCode, 30000);
+  add_to_exit_code(int64_t{1} << 40);
+  EXPECT_EQ(output.ExitCode, 30000);
+  output.ExitCode = -1;
+  try {
+    ExitProgram();
+  } catch (const headless::ProcessEnded& end) {
+    EXPECT_EQ(end.code, 4294967295U);
+  }
+}
+
+TEST_F(Program, CancelSetsThreeAlsoWhenNothingRuns) {
+  open(disk_switch(0, "sectors 10\n") + "/D:0");
+  cmdCancel_Click();
+  EXPECT_EQ(output.ExitCode, 3);
+  EXPECT_FALSE(form1.CommandLineMode);
+  EXPECT_EQ(form1.Text1.caret(), form1.Text1.text().size());
+}
+
+}  // namespace

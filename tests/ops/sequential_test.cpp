@@ -1,0 +1,135 @@
+#include "ops/sequential.h"
+
+#include <gmock/gmock.h>
+
+#include "app/handlers.h"
+#include "disk/counters.h"
+#include "disk/drive.h"
+#include "form/form1.h"
+#include "form/output.h"
+#include "tests/support/rig.h"
+#include "virtualdisk/virtualdisk.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+class SequentialRead : public Rig {
+ protected:
+  /// Opens the program on drive 0, made from `disk_file`.
+  void open_on(const std::string& disk_file) { open("/VDISK:0=" + write_file("d.vd", disk_file)); }
+  static void range(const std::string& start, const std::string& count) {
+    form1.TxtStartLBA.set_text(start);
+    form1.TxtNoSecs.set_text(count);
+  }
+};
+
+TEST_F(SequentialRead, ReadsTheWholeDiskAndEndsWithTotals) {
+  open_on("sectors 20000\nserial S1\n");
+  headless::desktop.seconds_per_look = 0.5;
+  click(CmdRead_Click);
+  EXPECT_EQ(form1.Text1.text(),
+            "Reading 20000 sectors starting at LBA 0 on drive 0\r\n"
+            "\r\nTime taken= 4.5 seconds for 20000 sectors.\r\n"
+            "\r\nSET QV_D_TOTERR=0\r\nSET QV_D_READERR=0\r\nSET QV_D_WRITEERR=0\r\nSET QV_D_CMPERR=0\r\n"
+            "\r\nFinished!\r\n");
+  EXPECT_EQ(output.ExitCode, 0);
+  EXPECT_EQ(disk.hDrive, -1);
+  EXPECT_EQ(virtualdisk::open_handles(), 0);
+  EXPECT_EQ(disk.Buf_LBA, 16065) << "16065 and 3935";
+  EXPECT_EQ(disk.Buf_Secs, 3935);
+}
+
+TEST_F(SequentialRead, ChunksHaveTwoSteps) {
+  EXPECT_EQ(read_chunk(16064), 16064);
+  EXPECT_EQ(read_chunk(16065), 16065);
+  EXPECT_EQ(read_chunk(20479), 16065);
+  EXPECT_EQ(read_chunk(100000), 20480);
+}
+
+TEST_F(SequentialRead, AFaultIsReportedAndTheRunGoesOn) {
+  open_on("sectors 100000\nfail read 50000 1 23\n");
+  click(CmdRead_Click);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("Error Reading Sector 40960 for 20480 sectors.\r\n"
+                                            "ERROR: 23 - Data error (cyclic redundancy check)\r\n"));
+  EXPECT_EQ(counters.Sectors_Done, 100000);
+  EXPECT_EQ(output.ExitCode, 1);
+}
+
+TEST_F(SequentialRead, FieldsAreNormalised) {
+  open_on("sectors 1000\n");
+  range(" 007 ", "none");
+  click(CmdRead_Click);
+  EXPECT_EQ(form1.TxtStartLBA.text(), "7");
+  EXPECT_EQ(form1.TxtNoSecs.text(), "1");
+  EXPECT_EQ(counters.Sectors_Done, 1);
+}
+
+TEST_F(SequentialRead, CancelStopsItAndStillPrintsTheTotals) {
+  open_on("sectors 100000\n");
+  headless::desktop.pumps = 0;
+  headless::desktop.at_pump = [](int pump) {
+    if (pump == 3) cmdCancel_Click();
+  };
+  click(CmdRead_Click);
+  EXPECT_EQ(counters.Sectors_Done, 40960);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr(" seconds for 100000 sectors."));
+  EXPECT_THAT(form1.Text1.text(), EndsWith("\r\nFinished!\r\n"));
+  EXPECT_EQ(output.ExitCode, 3);
+}
+
+TEST_F(SequentialRead, ExitEndsTheProcessAfterASecondAndPrintsNothing) {
+  open_on("sectors 100000\n");
+  headless::desktop.pumps = 0;
+  headless::desktop.at_pump = [](int pump) {
+    if (pump == 2) CmdExit_Click();
+  };
+  const double before = headless::desktop.steady;
+  EXPECT_TRUE(click(CmdRead_Click));
+  EXPECT_EQ(output.ExitCode, 1);
+  EXPECT_NEAR(headless::desktop.steady - before, 1.0, 0.01);
+  EXPECT_THAT(form1.Text1.text(), Not(HasSubstr("Time taken")));
+}
+
+TEST_F(SequentialRead, ADriveButtonDuringARunWaitsForItsEnd) {
+  attach(3, "sectors 777\n");
+  open_on("sectors 100000\n");
+  headless::desktop.pumps = 0;
+  headless::desktop.at_pump = [](int pump) {
+    if (pump == 2) Option4_Click();
+  };
+  click(CmdRead_Click);
+  EXPECT_EQ(counters.Sectors_Done, 20480);
+  EXPECT_EQ(form1.SelectedDrive, 3);
+  EXPECT_EQ(form1.LblStart.text(), "Start (0-776)");
+  EXPECT_EQ(form1.TxtNoSecs.text(), "777");
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("Reading 100000 sectors starting at LBA 0 on drive 0"));
+}
+
+TEST_F(SequentialRead, ASecondCommandDoesNotStartInsideTheFirst) {
+  open_on("sectors 100000\n");
+  headless::desktop.at_pump = [](int) { CmdRead_Click(); };
+  click(CmdRead_Click);
+  EXPECT_EQ(headless::desktop.commands_begun, 1);
+  EXPECT_EQ(count_of(form1.Text1.text(), "Finished!"), 1);
+}
+
+TEST_F(SequentialRead, AMissingDriveIsToldAndCountsItsFailures) {
+  open("");
+  range("0", "10");
+  click(CmdRead_Click);
+  EXPECT_EQ(lines_with(form1.Text1.text(), "ERROR"), std::vector<std::string>{"ERROR: 6 - Invalid Handle"});
+  EXPECT_EQ(output.ExitCode, 2) << "1 for the drive, 1 for the transfer";
+}
+
+TEST_F(SequentialRead, AcrossMidnightTheTimeIsNegative) {
+  open_on("sectors 10\nslow 0 10 2000\n");
+  headless::desktop.midnight_seconds = 86399.0;
+  click(CmdRead_Click);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("Time taken= -86398 seconds"));
+}
+
+}  // namespace

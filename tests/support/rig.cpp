@@ -1,0 +1,112 @@
+#include "tests/support/rig.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "app/program.h"
+#include "disk/counters.h"
+#include "disk/drive.h"
+#include "disk/progress.h"
+#include "form/form1.h"
+#include "form/output.h"
+#include "form/run.h"
+#include "smart/identification.h"
+#include "virtualdisk/virtualdisk.h"
+
+namespace {
+
+void forget_everything() {
+  form1 = {};
+  run = {};
+  output = {};
+  disk = {};
+  counters = {};
+  progress = {};
+  identification = {};
+  headless::desktop = {};
+}
+
+}  // namespace
+
+Rig::Rig() {
+  virtualdisk::detach_all();
+  forget_everything();
+  std::filesystem::create_directories(path(""));
+}
+
+Rig::~Rig() {
+  virtualdisk::detach_all();
+  std::filesystem::remove_all(path(""));
+}
+
+std::string Rig::path(const std::string& name) {
+  const auto* const test = ::testing::UnitTest::GetInstance()->current_test_info();
+  return ::testing::TempDir() + "sectorix-" + test->test_suite_name() + "-" + test->name() + "/" + name;
+}
+
+std::string Rig::write_file(const std::string& name, const std::string& contents) {
+  std::ofstream(path(name), std::ios::binary) << contents;
+  return path(name);
+}
+
+std::string Rig::write_image(const std::string& name, std::int64_t sectors) {
+  std::string contents;
+  for (std::int64_t lba = 0; lba < sectors; ++lba) {
+    std::string sector = std::to_string(lba) + " ";
+    while (sector.size() < 512) sector += sector;
+    contents += sector.substr(0, 512);
+  }
+  return write_file(name, contents);
+}
+
+std::string Rig::read_file(const std::string& path) {
+  std::ostringstream contents;
+  contents << std::ifstream(path, std::ios::binary).rdbuf();
+  return contents.str();
+}
+
+void Rig::attach(int drive, const std::string& disk_file) {
+  const std::string file = write_file("disk" + std::to_string(drive) + ".vd", disk_file);
+  ASSERT_EQ(virtualdisk::attach(drive, file), "");
+}
+
+std::uint32_t Rig::start(const std::string& switches) {
+  headless::desktop.command_line = "\"C:\\tools /D:7\\sectorix.exe\" " + switches;
+  try {
+    return static_cast<std::uint32_t>(run_program());
+  } catch (const headless::ProcessEnded& end) {
+    return end.code;
+  }
+}
+
+void Rig::open(const std::string& switches) {
+  headless::desktop.has_display = true;
+  EXPECT_EQ(start(switches), 0U);
+}
+
+bool Rig::click(void (*handler)()) {
+  try {
+    handler();
+    return false;
+  } catch (const headless::ProcessEnded&) {
+    return true;
+  }
+}
+
+std::vector<std::string> lines_with(const std::string& text, const std::string& word) {
+  std::vector<std::string> found;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.find(word) == std::string::npos) continue;
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    found.push_back(line);
+  }
+  return found;
+}
+
+int count_of(const std::string& text, const std::string& word) {
+  int count = 0;
+  for (std::size_t at = text.find(word); at != std::string::npos; at = text.find(word, at + word.size())) ++count;
+  return count;
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/headless/headless.h"
+
+/// A fresh program for each test, and the small vocabulary that tests drive it with.
+class Rig : public ::testing::Test {
+ protected:
+  Rig();
+  ~Rig() override;
+
+  /// Attaches a disk made from the text of a disk file.
+  void attach(int drive, const std::string& disk_file);
+
+  /// Writes a file into this test's folder and gives its path.
+  std::string write_file(const std::string& name, const std::string& contents);
+
+  /// A raw image of `sectors` sectors, each filled with its own LBA; gives its path.
+  std::string write_image(const std::string& name, std::int64_t sectors);
+
+  /// The path of a file in this test's folder.
+  static std::string path(const std::string& name);
+
+  static std::string read_file(const std::string& path);
+
+  /// Starts the program with `switches` and gives its exit code.
+  static std::uint32_t start(const std::string& switches);
+
+  /// Starts it in interactive use: with a window, without /OP, up to the moment when it waits for the user.
+  static void open(const std::string& switches);
+
+  /// Calls a handler as a click does; gives true when it ended the process.
+  static bool click(void (*handler)());
+
+  /// What was written to standard output and standard error.
+  static const std::string& out() { return headless::desktop.out; }
+  static const std::string& err() { return headless::desktop.err; }
+};
+
+/// The lines of `text` that contain `word`.
+std::vector<std::string> lines_with(const std::string& text, const std::string& word);
+
+/// How often `word` stands in `text`.
+int count_of(const std::string& text, const std::string& word);
