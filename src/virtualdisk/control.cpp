@@ -1,0 +1,246 @@
+#include "virtualdisk/control.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "virtualdisk/identify.h"
+
+namespace virtualdisk {
+namespace {
+
+using In = std::span<const std::uint8_t>;
+using Out = std::span<std::uint8_t>;
+
+// Control codes: Windows SDK, winioctl.h and ntddscsi.h.
+constexpr std::uint32_t kGetVersion = 0x74080;         // SMART_GET_VERSION
+constexpr std::uint32_t kSendCommand = 0x7C084;        // SMART_SEND_DRIVE_COMMAND
+constexpr std::uint32_t kReceiveData = 0x7C088;        // SMART_RCV_DRIVE_DATA
+constexpr std::uint32_t kGetGeometry = 0x70000;        // IOCTL_DISK_GET_DRIVE_GEOMETRY
+constexpr std::uint32_t kGetLength = 0x7405C;          // IOCTL_DISK_GET_LENGTH_INFO
+constexpr std::uint32_t kMiniport = 0x4D008;           // IOCTL_SCSI_MINIPORT
+constexpr std::uint32_t kMiniportIdentify = 0x1B0501;  // IOCTL_SCSI_MINIPORT_IDENTIFY
+constexpr std::uint32_t kPassThrough = 0x4D004;        // IOCTL_SCSI_PASS_THROUGH
+constexpr std::uint32_t kLockVolume = 0x90018;         // FSCTL_LOCK_VOLUME
+constexpr std::uint32_t kUnlockVolume = 0x9001C;       // FSCTL_UNLOCK_VOLUME
+constexpr std::uint32_t kDismountVolume = 0x90020;     // FSCTL_DISMOUNT_VOLUME
+
+// SENDCMDINPARAMS and SENDCMDOUTPARAMS without their first data byte.
+constexpr std::size_t kCommandBytes = 32;
+constexpr std::size_t kStatusBytes = 16;
+constexpr std::size_t kDataReplyBytes = kStatusBytes + 512;
+static_assert(kDataReplyBytes == 528);
+
+// SRB_IO_CONTROL, then a command and room for its reply.
+constexpr std::size_t kSrbBytes = 28;
+constexpr std::size_t kSrbDataBytes = 548;
+constexpr std::size_t kMiniportBytes = kSrbBytes + kSrbDataBytes;
+constexpr std::size_t kMiniportReplyData = kSrbBytes + kStatusBytes;
+static_assert(kMiniportBytes == 576 && kMiniportReplyData == 44);
+
+/// The part of a command that tells one from the other; the rest of its registers is the same in all.
+struct Command {
+  std::uint32_t buffer_bytes;
+  std::uint8_t features;
+  std::uint8_t cylinder_low;
+  std::uint8_t cylinder_high;
+  std::uint8_t command;
+};
+
+// ATA8-ACS: IDENTIFY DEVICE and the SMART feature set.
+constexpr Command kIdentify = {512, 0x00, 0x00, 0x00, 0xEC};
+constexpr Command kEnable = {0, 0xD8, 0x4F, 0xC2, 0xB0};
+constexpr Command kReadAttributes = {512, 0xD0, 0x4F, 0xC2, 0xB0};
+constexpr Command kReadThresholds = {512, 0xD1, 0x4F, 0xC2, 0xB0};
+
+/// True when the request's buffer size and registers are those of `command`.
+bool is_command(In request, const Command& command) {
+  constexpr std::uint8_t kDriveHead = 0xA0;
+  const std::array<std::uint8_t, 7> registers = {
+      command.features, 1, 1, command.cylinder_low, command.cylinder_high, kDriveHead, command.command};
+  return get_le(request, 0, 4) == command.buffer_bytes &&
+         std::equal(registers.begin(), registers.end(), request.begin() + 4);
+}
+
+bool is_for_drive(In request, int drive) {
+  constexpr std::size_t kDriveNumber = 12;
+  return request[kDriveNumber] == drive;
+}
+
+/// Clears `out` up to `bytes` and counts them as returned.
+void start_reply(Out out, std::size_t bytes, std::uint32_t* returned) {
+  std::fill_n(out.begin(), bytes, std::uint8_t{0});
+  *returned = static_cast<std::uint32_t>(bytes);
+}
+
+Page identity_of(const Disk& disk) {
+  if (disk.identify) return *disk.identify;
+  return identify_page({disk.file.model, disk.file.serial, disk.file.firmware, disk.sectors, disk.smart.enabled});
+}
+
+/// A status without an error, then the page.
+void put_page(Out out, const Page& page) {
+  put_le(out, 0, 4, page.size());
+  std::copy(page.begin(), page.end(), out.begin() + kStatusBytes);
+}
+
+/// The device map's byte: the drive's bit, and its ATAPI bit, which drives 4 to 7 have no room for.
+std::uint8_t device_map(const Disk& disk) {
+  unsigned map = disk.file.smart_nobit ? 0U : 1U << static_cast<unsigned>(disk.drive);
+  if (disk.file.smart_atapi) map |= 1U << static_cast<unsigned>(disk.drive + 4);
+  return static_cast<std::uint8_t>(map & 0xFF);
+}
+
+std::uint32_t get_version(const Disk& disk, Out out, std::uint32_t* returned) {
+  constexpr std::size_t kVersionBytes = 24;  // GETVERSIONINPARAMS
+  constexpr std::uint32_t kAtaAtapiSmart = 7;
+  if (disk.file.smart_off) return kInvalidFunction;
+  if (out.size() < kVersionBytes) return kInsufficientBuffer;
+  start_reply(out, kVersionBytes, returned);
+  out[0] = 1;  // version
+  out[1] = 1;  // revision
+  out[3] = device_map(disk);
+  put_le(out, 4, 4, kAtaAtapiSmart);
+  return 0;
+}
+
+std::uint32_t send_command(Disk& disk, In in, Out out, std::uint32_t* returned) {
+  if (in.size() < kCommandBytes || !is_command(in, kEnable) || !is_for_drive(in, disk.drive)) return kInvalidParameter;
+  if (out.size() < kStatusBytes) return kInsufficientBuffer;
+  if (disk.file.smart_disabled) return kIoDevice;
+  disk.smart.enabled = true;
+  start_reply(out, kStatusBytes, returned);
+  return 0;
+}
+
+std::uint32_t receive_data(Disk& disk, In in, Out out, std::uint32_t* returned) {
+  if (in.size() < kCommandBytes || !is_for_drive(in, disk.drive)) return kInvalidParameter;
+  const bool attributes = is_command(in, kReadAttributes);
+  const bool thresholds = is_command(in, kReadThresholds);
+  if (!attributes && !thresholds && !is_command(in, kIdentify)) return kInvalidParameter;
+  if (out.size() < kDataReplyBytes) return kInsufficientBuffer;
+  if ((attributes || thresholds) && !disk.smart.enabled) return kIoDevice;
+  if (attributes && disk.smart.page_asked) grow(disk.smart, Event::snapshot);
+  disk.smart.page_asked = disk.smart.page_asked || attributes;
+  start_reply(out, kDataReplyBytes, returned);
+  put_page(out, attributes ? disk.smart.attributes : thresholds ? disk.smart.thresholds : identity_of(disk));
+  return 0;
+}
+
+std::uint32_t get_geometry(const Disk& disk, Out out, std::uint32_t* returned) {
+  constexpr std::size_t kGeometryBytes = 24;  // DISK_GEOMETRY
+  constexpr std::uint32_t kFixedMedia = 12;
+  constexpr std::int64_t kHeads = 255;
+  constexpr std::int64_t kTrackSectors = 63;
+  if (disk.file.no_geometry) return kInvalidFunction;
+  if (out.size() < kGeometryBytes) return kInsufficientBuffer;
+  const Geometry geometry =
+      disk.file.geometry.value_or(Geometry{disk.sectors / (kHeads * kTrackSectors), kHeads, kTrackSectors});
+  start_reply(out, kGeometryBytes, returned);
+  put_le(out, 0, 8, static_cast<std::uint64_t>(geometry.cylinders));
+  put_le(out, 8, 4, kFixedMedia);
+  put_le(out, 12, 4, static_cast<std::uint64_t>(geometry.heads));
+  put_le(out, 16, 4, static_cast<std::uint64_t>(geometry.sectors));
+  put_le(out, 20, 4, kSectorBytes);
+  return 0;
+}
+
+std::uint32_t get_length(const Disk& disk, Out out, std::uint32_t* returned) {
+  constexpr std::size_t kLengthBytes = 8;  // GET_LENGTH_INFORMATION
+  if (disk.file.no_length) return kInvalidFunction;
+  if (out.size() < kLengthBytes) return kInsufficientBuffer;
+  // The largest disk of all is one sector longer than a signed length can say.
+  const std::int64_t sayable = std::min(disk.sectors, kMaxSectors - 1) * kSectorBytes;
+  start_reply(out, kLengthBytes, returned);
+  put_le(out, 0, 8, static_cast<std::uint64_t>(disk.file.length.value_or(sayable)));
+  return 0;
+}
+
+std::uint32_t read_capacity(const Disk& disk, In in, Out out, std::uint32_t* returned) {
+  // SCSI_PASS_THROUGH as 32-bit programs lay it out, with the sense bytes behind it and the data behind those; READ
+  // CAPACITY (10) of SBC-3 in a block of 6 bytes.
+  constexpr std::array<std::uint8_t, 44> kRequest = {44, 0, 0,   0, 1, 0,  6, 24, 1, 0,  0, 0, 192, 0,    0,
+                                                     0,  2, 0,   0, 0, 76, 0, 0,  0, 44, 0, 0, 0,   0x25, 8,
+                                                     0,  0, 192, 0, 0, 0,  0, 0,  0, 0,  0, 0, 0,   0};
+  constexpr std::size_t kData = 76;
+  constexpr std::size_t kDataRoom = 192;
+  constexpr std::size_t kCapacityBytes = 8;
+  constexpr std::int64_t kMostLast = 0xFFFFFFFF;
+  if (in.size() < kRequest.size() || !std::equal(kRequest.begin(), kRequest.end(), in.begin())) {
+    return kInvalidParameter;
+  }
+  if (out.size() < kData + kDataRoom) return kInsufficientBuffer;
+  start_reply(out, kData + kCapacityBytes, returned);
+  std::copy(kRequest.begin(), kRequest.end(), out.begin());
+  put_le(out, 12, 4, kCapacityBytes);
+  const auto last = static_cast<std::uint64_t>(std::min(disk.sectors - 1, kMostLast));
+  for (std::size_t i = 0; i < 4; ++i) {
+    out[kData + i] = static_cast<std::uint8_t>(last >> (24 - 8 * i) & 0xFF);
+    out[kData + 4 + i] = static_cast<std::uint8_t>(std::uint64_t{kSectorBytes} >> (24 - 8 * i) & 0xFF);
+  }
+  return 0;
+}
+
+}  // namespace
+
+std::uint32_t control_drive(Disk& disk, std::uint32_t code, In in, Out out, std::uint32_t* returned) {
+  const bool ata = disk.file.bus == Bus::ata;
+  switch (code) {
+    case kGetVersion:
+      return ata ? get_version(disk, out, returned) : kInvalidFunction;
+    case kSendCommand:
+      return ata ? send_command(disk, in, out, returned) : kInvalidFunction;
+    case kReceiveData:
+      return ata ? receive_data(disk, in, out, returned) : kInvalidFunction;
+    case kGetGeometry:
+      return get_geometry(disk, out, returned);
+    case kGetLength:
+      return get_length(disk, out, returned);
+    case kPassThrough:
+      return disk.file.bus == Bus::scsi ? read_capacity(disk, in, out, returned) : kInvalidFunction;
+    case kLockVolume:
+    case kUnlockVolume:
+    case kDismountVolume:
+      return 0;
+    default:
+      return kInvalidFunction;
+  }
+}
+
+std::uint32_t control_port(Disk& disk, std::uint32_t code, In in, Out out, std::uint32_t* returned) {
+  constexpr std::string_view kSignature = "SCSIDISK";
+  if (code != kMiniport) return kInvalidFunction;
+  const bool whole = in.size() >= kMiniportBytes && get_le(in, 0, 4) == kSrbBytes &&
+                     std::equal(kSignature.begin(), kSignature.end(), in.begin() + 4) &&
+                     get_le(in, 16, 4) == kMiniportIdentify && get_le(in, 24, 4) == kSrbDataBytes &&
+                     is_command(in.subspan(kSrbBytes), kIdentify);
+  if (!whole) return kInvalidParameter;
+  if (out.size() < kMiniportBytes) return kInsufficientBuffer;
+  std::array<std::uint8_t, kSrbBytes> header{};
+  std::copy_n(in.begin(), kSrbBytes, header.begin());
+  put_le(header, 20, 4, 0);  // the port driver's return code
+  start_reply(out, kMiniportBytes, returned);
+  std::copy(header.begin(), header.end(), out.begin());
+  put_page(out.subspan(kSrbBytes), identity_of(disk));
+  return 0;
+}
+
+std::uint32_t control_volume(Disk& disk, std::size_t volume, platform::Handle handle, std::uint32_t code) {
+  platform::Handle& lock = disk.locks[volume];
+  switch (code) {
+    case kLockVolume:
+      if (lock != platform::kInvalidHandle) return kAccessDenied;
+      lock = handle;
+      return 0;
+    case kUnlockVolume:
+      if (lock != handle) return kNotLocked;
+      lock = platform::kInvalidHandle;
+      return 0;
+    case kDismountVolume:
+      return 0;
+    default:
+      return kInvalidFunction;
+  }
+}
+
+}  // namespace virtualdisk

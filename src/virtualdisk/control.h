@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "virtualdisk/disk.h"
+
+/// What a disk answers to control requests. Each gives a system error code, 0 for success, and sets `returned` to the
+/// bytes that stand in `out`. `in` and `out` may be the same memory.
+///
+/// A request that is known but not made of the bytes it must have fails with 87, an output buffer too small for the
+/// answer with 122, anything else with 1.
+namespace virtualdisk {
+
+/// On the drive itself. Volume requests succeed and change nothing: no file system stands on the drive's own handle.
+std::uint32_t control_drive(Disk& disk, std::uint32_t code, std::span<const std::uint8_t> in,
+                            std::span<std::uint8_t> out, std::uint32_t* returned);
+
+/// On "\\.\ScsiN:".
+std::uint32_t control_port(Disk& disk, std::uint32_t code, std::span<const std::uint8_t> in,
+                           std::span<std::uint8_t> out, std::uint32_t* returned);
+
+/// On volume `volume` of the disk, through `handle`. A volume has one lock; the handle that holds it may not lock
+/// twice.
+std::uint32_t control_volume(Disk& disk, std::size_t volume, platform::Handle handle, std::uint32_t code);
+
+}  // namespace virtualdisk

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/system.h"
+#include "virtualdisk/content.h"
+#include "virtualdisk/disk_file.h"
+#include "virtualdisk/faults.h"
+#include "virtualdisk/smart.h"
+
+namespace virtualdisk {
+
+// System error codes (winerror.h) that a disk gives by itself.
+inline constexpr std::uint32_t kInvalidFunction = 1;
+inline constexpr std::uint32_t kFileNotFound = 2;
+inline constexpr std::uint32_t kAccessDenied = 5;
+inline constexpr std::uint32_t kInvalidHandleCode = 6;
+inline constexpr std::uint32_t kWriteProtect = 19;
+inline constexpr std::uint32_t kSectorNotFound = 27;
+inline constexpr std::uint32_t kSharingViolation = 32;
+inline constexpr std::uint32_t kInvalidParameter = 87;
+inline constexpr std::uint32_t kInsufficientBuffer = 122;
+inline constexpr std::uint32_t kNegativeSeek = 131;
+inline constexpr std::uint32_t kNotLocked = 158;
+inline constexpr std::uint32_t kIoDevice = 1117;
+inline constexpr std::uint32_t kNotConnected = 1167;
+
+/// One attached disk.
+struct Disk {
+  int drive = 0;
+  DiskFile file;  // what its file says, defaults filled in
+  std::int64_t sectors = 0;
+  bool readonly = false;
+  Content content;
+  Faults faults;
+  Smart smart;
+  std::optional<Page> identify;         // a real drive's page, answered as it stands
+  std::int64_t transfers = 0;           // made so far; counted only on a disk that vanishes
+  std::vector<platform::Handle> locks;  // per volume the handle that has it locked, or kInvalidHandle
+};
+
+/// True once the disk has made all its transfers.
+bool vanished(const Disk& disk);
+
+/// One transfer at byte `offset`. What a call gives: a system error code, 0 for success; `moved` is the bytes moved, 0
+/// on failure. A transfer that a directive fails leaves the buffer and the disk as they were.
+std::uint32_t read_disk(Disk& disk, std::uint64_t offset, void* buffer, std::uint32_t bytes, std::uint32_t* moved);
+std::uint32_t write_disk(Disk& disk, std::uint64_t offset, const void* buffer, std::uint32_t bytes,
+                         std::uint32_t* moved);
+
+}  // namespace virtualdisk

@@ -1,0 +1,62 @@
+#include "virtualdisk/identify.h"
+
+#include <algorithm>
+
+namespace virtualdisk {
+namespace {
+
+void put_word(Page& page, std::size_t word, std::uint64_t value) {
+  put_le(page, 2 * word, 2, value);
+}
+
+/// An ATA string: two characters a word, the first in the high byte, blanks at the end.
+void put_text(Page& page, std::size_t word, std::size_t words, const std::string& text) {
+  for (std::size_t i = 0; i < 2 * words; ++i) {
+    page[2 * word + (i ^ 1U)] = i < text.size() ? static_cast<std::uint8_t>(text[i]) : std::uint8_t{' '};
+  }
+}
+
+}  // namespace
+
+Page identify_page(const Identity& identity) {
+  constexpr std::int64_t kHeads = 16;
+  constexpr std::int64_t kTrackSectors = 63;
+  constexpr std::int64_t kMostCylinders = 16383;
+  constexpr std::int64_t kMost28Bit = 0x0FFFFFFF;
+  constexpr std::int64_t kMost48Bit = 0xFFFFFFFFFFFF;
+  const std::int64_t cylinders = std::min(kMostCylinders, identity.sectors / (kHeads * kTrackSectors));
+  const std::uint64_t smart_enabled = identity.smart_enabled ? 1 : 0;
+
+  Page page{};
+  put_word(page, 0, 0x0040);  // a fixed ATA device
+  put_word(page, 1, static_cast<std::uint64_t>(cylinders));
+  put_word(page, 3, kHeads);
+  put_word(page, 6, kTrackSectors);
+  put_text(page, 10, 10, identity.serial);
+  put_text(page, 23, 4, identity.firmware);
+  put_text(page, 27, 20, identity.model);
+  put_word(page, 49, 0x0F00);  // LBA, DMA, IORDY
+  put_word(page, 53, 0x0007);  // words 54 to 58, 64 to 70 and 88 are valid
+  put_word(page, 54, static_cast<std::uint64_t>(cylinders));
+  put_word(page, 55, kHeads);
+  put_word(page, 56, kTrackSectors);
+  put_le(page, 2 * 57, 4, static_cast<std::uint64_t>(cylinders * kHeads * kTrackSectors));
+  put_le(page, 2 * 60, 4, static_cast<std::uint64_t>(std::min(identity.sectors, kMost28Bit)));
+  put_word(page, 63, 0x0007);                                                 // multiword DMA 0 to 2
+  put_word(page, 64, 0x0003);                                                 // PIO 3 and 4
+  for (std::size_t word = 65; word <= 68; ++word) put_word(page, word, 120);  // cycle times, ns
+  put_word(page, 80, 0x01F0);                                                 // ATA/ATAPI-4 to ATA8-ACS
+  put_word(page, 82, 0x0061);                                                 // SMART, write cache, look-ahead
+  put_word(page, 83, 0x7400);                                                 // 48-bit addresses, flush cache
+  put_word(page, 84, 0x4000);                                                 // the word is valid
+  put_word(page, 85, 0x0060 | smart_enabled);                                 // what is enabled of words 82 to 84
+  put_word(page, 86, 0x3400);
+  put_word(page, 87, 0x4000);
+  put_word(page, 88, 0x007F);  // Ultra DMA 0 to 6
+  put_le(page, 2 * 100, 8, static_cast<std::uint64_t>(std::min(identity.sectors, kMost48Bit)));
+  page[510] = 0xA5;  // integrity word: signature, checksum
+  page[511] = page_checksum(page);
+  return page;
+}
+
+}  // namespace virtualdisk

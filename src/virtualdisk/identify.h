@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "virtualdisk/bytes.h"
+
+namespace virtualdisk {
+
+/// What an ATA drive says of itself.
+struct Identity {
+  std::string model;     // at most 40 characters
+  std::string serial;    // at most 20
+  std::string firmware;  // at most 8
+  std::int64_t sectors = 0;
+  bool smart_enabled = false;
+};
+
+/// The IDENTIFY DEVICE data of such a drive: ATA8-ACS (T13/1699-D), table of IDENTIFY DEVICE data.
+Page identify_page(const Identity& identity);
+
+}  // namespace virtualdisk

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "virtualdisk/bytes.h"
+#include "virtualdisk/disk_file.h"
+
+namespace virtualdisk {
+
+/// A drive's SMART memory: the two pages it answers and what makes its counters grow.
+struct Smart {
+  Page attributes{};
+  Page thresholds{};
+  std::vector<Growth> growth;
+  unsigned growing = 0;     // bit per Event that makes something grow
+  bool enabled = false;     // ENABLE OPERATIONS has succeeded
+  bool page_asked = false;  // READ ATTRIBUTE VALUES has been answered
+};
+
+/// The 512 bytes of READ ATTRIBUTE VALUES and READ THRESHOLDS: SFF-8035i, as ATA drives still answer them: 2 bytes of
+/// revision, 30 entries of 12 bytes, a checksum in the last byte. At most 30 attributes.
+Page attribute_page(std::span<const Attribute> attributes);
+Page threshold_page(std::span<const Attribute> attributes);
+
+bool has_attribute(const Page& attributes, std::uint8_t id);
+
+Smart make_smart(const DiskFile& disk, const Page& attributes, const Page& thresholds);
+
+/// `event` has happened: raw values grow.
+void grow(Smart& smart, Event event);
+
+}  // namespace virtualdisk

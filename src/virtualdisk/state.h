@@ -1,0 +1,42 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+
+#include "virtualdisk/disk.h"
+
+namespace virtualdisk {
+
+inline constexpr std::size_t kDrives = 8;
+
+/// Above every handle that the system gives out.
+inline constexpr platform::Handle kFirstHandle = platform::Handle{1} << 40;
+
+enum class Kind : std::uint8_t { drive, port, volume };
+
+/// What a device name means.
+struct Target {
+  int drive = -1;
+  Kind kind = Kind::drive;
+  std::size_t volume = 0;  // index into the disk's volumes
+};
+
+struct OpenHandle {
+  Target target;
+  std::uint32_t access = 0;
+  std::uint64_t position = 0;  // bytes
+};
+
+struct State {
+  std::array<std::unique_ptr<Disk>, kDrives> disks;
+  std::unordered_map<platform::Handle, OpenHandle> handles;
+  platform::Handle next_handle = kFirstHandle;
+};
+
+/// All attached disks. Assigning `{}` detaches them.
+extern State state;
+
+}  // namespace virtualdisk

@@ -1,0 +1,88 @@
+#include "platform/clock.h"
+#include "virtualdisk/disk.h"
+
+namespace virtualdisk {
+namespace {
+
+/// Turns bytes into sectors and makes the checks that come before the medium is asked.
+std::uint32_t begin_transfer(Disk& disk, std::uint64_t offset, std::uint32_t bytes, Range* range) {
+  if (vanished(disk)) return kNotConnected;
+  if (disk.file.vanish_after) ++disk.transfers;
+  if (offset % kSectorBytes != 0 || bytes % kSectorBytes != 0) return kInvalidParameter;
+  *range = {static_cast<std::int64_t>(offset / kSectorBytes), bytes / kSectorBytes};
+  return range->end() > disk.sectors ? kSectorNotFound : 0;
+}
+
+/// Lets the counters see what happened and the time pass that the disk takes, counted from `started`.
+void end_transfer(Disk& disk, const Range& range, Event event, double started) {
+  bool slow = false;
+  const double seconds = disk.faults.takes_time() ? disk.faults.seconds(range, &slow) : 0.0;
+  grow(disk.smart, event);
+  if (slow) grow(disk.smart, Event::slow);
+  if (seconds <= 0.0) return;
+  const double left = seconds - (platform::steady_seconds() - started);
+  if (left > 0.0) platform::wait(left);
+}
+
+double start_time(const Disk& disk) {
+  return disk.faults.takes_time() ? platform::steady_seconds() : 0.0;
+}
+
+/// Writes the parts of `range` that reach the disk to where they land.
+std::uint32_t write_pieces(Disk& disk, const Range& range, const std::uint8_t* bytes) {
+  for (const Faults::Piece& piece : disk.faults.landing(range)) {
+    std::uint32_t moved = 0;
+    const std::uint32_t code = disk.content.write(static_cast<std::uint64_t>(piece.lands_at) * kSectorBytes,
+                                                  bytes + (piece.range.first - range.first) * kSectorBytes,
+                                                  static_cast<std::uint32_t>(piece.range.count * kSectorBytes), &moved);
+    if (code != 0) return code;
+  }
+  return 0;
+}
+
+}  // namespace
+
+bool vanished(const Disk& disk) {
+  return disk.file.vanish_after && disk.transfers >= *disk.file.vanish_after;
+}
+
+std::uint32_t read_disk(Disk& disk, std::uint64_t offset, void* buffer, std::uint32_t bytes, std::uint32_t* moved) {
+  *moved = 0;
+  Range range;
+  const std::uint32_t refused = begin_transfer(disk, offset, bytes, &range);
+  if (refused != 0) return refused;
+  const double started = start_time(disk);
+  std::uint32_t code = disk.faults.failure(Op::read, range);
+  if (code == 0) {
+    const auto moving = static_cast<std::uint32_t>(disk.faults.sectors_moved(Op::read, range) * kSectorBytes);
+    code = disk.content.read(offset, buffer, moving, moved);
+  }
+  end_transfer(disk, range, code == 0 ? Event::read : Event::read_error, started);
+  return code;
+}
+
+std::uint32_t write_disk(Disk& disk, std::uint64_t offset, const void* buffer, std::uint32_t bytes,
+                         std::uint32_t* moved) {
+  *moved = 0;
+  Range range;
+  const std::uint32_t refused = begin_transfer(disk, offset, bytes, &range);
+  if (refused != 0) return refused;
+  if (disk.readonly) return kWriteProtect;
+  const double started = start_time(disk);
+  std::uint32_t code = disk.faults.failure(Op::write, range);
+  if (code == 0) {
+    const Range part = {range.first, disk.faults.sectors_moved(Op::write, range)};
+    const auto moving = static_cast<std::uint32_t>(part.count * kSectorBytes);
+    if (disk.faults.lands_in_place(part)) {
+      code = disk.content.write(offset, buffer, moving, moved);
+    } else {
+      code = write_pieces(disk, part, static_cast<const std::uint8_t*>(buffer));
+      if (code == 0) *moved = moving;
+    }
+    if (code == 0) disk.faults.heal(part);
+  }
+  end_transfer(disk, range, code == 0 ? Event::write : Event::write_error, started);
+  return code;
+}
+
+}  // namespace virtualdisk
