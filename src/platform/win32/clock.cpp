@@ -1,10 +1,10 @@
 #include "platform/clock.h"
 
-#include <windows.h>
-
 #include <array>
 #include <cmath>
 #include <cstdint>
+
+#include "platform/win32/win_api.h"
 
 namespace platform {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <oleauto.h>
-#include <windows.h>
-
 #include <string>
+#include <string_view>
 #include <utility>
+
+#include "platform/win32/win_api.h"
 
 namespace win32 {
 

@@ -1,7 +1,5 @@
 #include "platform/console.h"
 
-#include <windows.h>
-
 #include <array>
 #include <atomic>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include <commctrl.h>
+
 
 #include <string>
 

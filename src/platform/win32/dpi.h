@@ -1,7 +1,6 @@
 #pragma once
 
-#include <windows.h>
-
+#include "platform/win32/win_api.h"
 #include "platform/window.h"
 
 /// Scaling per monitor where the system has it (Windows 10 1607 and later), else the system's one scaling.

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <windows.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "platform/win32/win_api.h"
 #include "platform/window.h"
 
 namespace win32 {

@@ -1,6 +1,6 @@
 #include "platform/system.h"
 
-#include <windows.h>
+#include "platform/win32/win_api.h"
 
 namespace platform {
 

@@ -1,8 +1,5 @@
 #include "platform/window.h"
 
-#include <commctrl.h>
-#include <windows.h>
-
 #include <algorithm>
 
 #include "platform/scale.h"

@@ -1,13 +1,11 @@
 #include "platform/wmi.h"
 
-#include <oleauto.h>
-#include <windows.h>
-
 #include <array>
 #include <optional>
 #include <string_view>
 
 #include "platform/win32/com.h"
+#include "platform/win32/win_api.h"
 
 namespace win32 {
 
@@ -64,7 +62,7 @@ bool set_text(Variant* variant, std::string_view text) {
 }
 
 /// The value as text; a null, and what has no text (an array, an object), is empty.
-std::string text_of(const VARIANT& value) {
+std::string text_of(VARIANT& value) {
   Variant text;
   if (value.vt == VT_NULL || value.vt == VT_EMPTY) return {};
   if (FAILED(::VariantChangeType(&text, &value, VARIANT_ALPHABOOL, VT_BSTR)) || text.bstrVal == nullptr) return {};
