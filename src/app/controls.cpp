@@ -34,6 +34,10 @@ Control edit(const char* name, const char* tool_tip, platform::Field* field, voi
   return {name, ControlKind::edit, "", tool_tip, field, on_click, on_typed, WhileBusy::read_only};
 }
 
+Control display(const char* name, const char* tool_tip, platform::Field* field) {
+  return {name, ControlKind::display, "", tool_tip, field, nullptr, nullptr, WhileBusy::stays};
+}
+
 // The order is that of ControlId.
 const std::array<Control, kControlCount> kControls = {{
     drive_button("Option1", "Drive 0", 0, Option1_Click),
@@ -50,7 +54,7 @@ const std::array<Control, kControlCount> kControls = {{
     edit("TxtNoSecs", "Set the number of 512 byte sectors you wish to transfer", &form1.TxtNoSecs, TxtNoSecs_Click,
          range_typed),
     label("LblCurrent", "Current LBA"),
-    edit("TxtCurrent", "Displays the current LBA being operated on", &form1.TxtCurrent),
+    display("TxtCurrent", "Displays the current LBA being operated on", &form1.TxtCurrent),
     button("CmdRead", "Sequential &READ", "Read sectors from \"Start\" for \"No. Sectors\"", CmdRead_Click),
     button("CmdRndRD", "Rando&m READ", "Random Read over entire disk", nullptr),
     button("CmdFind", "&Search Disk", "Search disk for a pattern or string", nullptr),
@@ -70,13 +74,19 @@ const std::array<Control, kControlCount> kControls = {{
     button("CmdFillBuffer", "&Fill Buff", "Fill the sector buffer with a pattern", nullptr),
     button("CmdWrite", "Fill Buffer with &Pattern and WRITE",
            "Write data in buffer to disk (destructive - do not use on any disk containing valid data!)", nullptr),
-    edit("TxtStatus", "Current status is displayed here (some values may not be relevant for all tests)",
-         &form1.TxtStatus),
+    display("TxtStatus", "Current status is displayed here (some values may not be relevant for all tests)",
+            &form1.TxtStatus),
     {"Text1", ControlKind::memo, "", "", &form1.Text1, nullptr, nullptr, WhileBusy::read_only},
 }};
 
 }  // namespace
 
 platform::WindowTable main_window() {
-  return {&form1.Caption, kControls, place_controls, kFirstSize, kLeastSize, Form_Unload};
+  return {&form1.Caption,
+          kControls,
+          place_controls,
+          kFirstSize,
+          kLeastSize,
+          Form_Unload,
+          static_cast<std::size_t>(ControlId::cmdCancel)};
 }

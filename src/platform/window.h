@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -8,7 +9,8 @@
 
 namespace platform {
 
-enum class ControlKind : std::uint8_t { button, option, edit, memo, frame, label };
+/// A `display` is an edit that the user cannot change; it wraps onto as many lines as its place has.
+enum class ControlKind : std::uint8_t { button, option, edit, display, memo, frame, label };
 
 /// What a control does while a command runs.
 enum class WhileBusy : std::uint8_t { stays, disabled, read_only };
@@ -46,6 +48,7 @@ struct WindowTable {
   Size first;          // client size to open with, in pixels at 96 dpi
   Size least;          // smallest client size, in pixels at 96 dpi
   void (*on_close)();  // the user closes the window; does not return (it ends the process)
+  std::size_t cancel;  // the row of the button that has the focus while a command runs
 };
 
 /// Makes and shows the main window. False when the system has no place for one (no display); the program then runs on

@@ -1,0 +1,161 @@
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "platform/scale.h"
+#include "platform/win32/dpi.h"
+#include "platform/win32/main_window.h"
+#include "platform/window.h"
+
+namespace win32 {
+
+namespace {
+
+constexpr int kPromptId = 100;
+constexpr int kAnswerId = 101;
+
+/// What an input box asks, and what it was given.
+struct Question {
+  const std::string& prompt;
+  const std::string& title;
+  const std::string& default_answer;
+  std::string answer;
+  HFONT font = nullptr;
+};
+
+/// Measures, makes and places the controls of an input box from its prompt, at the main window's scale.
+class InputLayout {
+ public:
+  InputLayout(HWND box, const Question& question) : box_(box), question_(question), dpi_(main_window.dpi) {}
+
+  void build() {
+    const int margin = at(12);
+    const int button_width = at(88);
+    const int button_height = at(26);
+    const SIZE prompt = prompt_size();
+    const int width = std::max({static_cast<int>(prompt.cx), at(300), 2 * button_width + at(8)});
+    int y = margin;
+    add("STATIC", question_.prompt, SS_LEFT | SS_NOPREFIX, 0, kPromptId,
+        {margin, y, width, static_cast<int>(prompt.cy)});
+    y += static_cast<int>(prompt.cy) + at(10);
+    add("EDIT", question_.default_answer, WS_TABSTOP | ES_AUTOHSCROLL, WS_EX_CLIENTEDGE, kAnswerId,
+        {margin, y, width, at(23)});
+    y += at(23) + at(14);
+    const int cancel_x = margin + width - button_width;
+    add("BUTTON", "OK", WS_TABSTOP | BS_DEFPUSHBUTTON, 0, IDOK,
+        {cancel_x - at(8) - button_width, y, button_width, button_height});
+    add("BUTTON", "Cancel", WS_TABSTOP | BS_PUSHBUTTON, 0, IDCANCEL, {cancel_x, y, button_width, button_height});
+    place_box({width + 2 * margin, y + button_height + margin});
+  }
+
+ private:
+  int at(int pixels) const { return platform::scaled(pixels, dpi_); }
+
+  /// The prompt's size, its long lines broken at half the screen's width.
+  SIZE prompt_size() const {
+    const RECT work = work_area(main_window.window);
+    RECT text{0, 0, std::min<LONG>(at(480), (work.right - work.left) * 3 / 4), 0};
+    HDC const screen = ::GetDC(box_);
+    HGDIOBJ const before = ::SelectObject(screen, question_.font);
+    ::DrawTextA(screen, question_.prompt.c_str(), -1, &text, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX | DT_EXPANDTABS);
+    ::SelectObject(screen, before);
+    ::ReleaseDC(box_, screen);
+    return {text.right, text.bottom};
+  }
+
+  void add(const char* window_class, const std::string& text, DWORD style, DWORD extended, int id,
+           platform::Rect place) const {
+    HWND const control = ::CreateWindowExA(extended, window_class, text.c_str(), WS_CHILD | WS_VISIBLE | style, place.x,
+                                           place.y, place.width, place.height, box_,
+                                           reinterpret_cast<HMENU>(static_cast<std::intptr_t>(id)), nullptr, nullptr);
+    ::SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(question_.font), TRUE);
+  }
+
+  /// Over the main window's middle, but whole on its screen.
+  void place_box(platform::Size client) const {
+    const SIZE size = window_size(box_, client);
+    RECT owner{};
+    ::GetWindowRect(main_window.window, &owner);
+    const RECT work = work_area(main_window.window);
+    const LONG x = (owner.left + owner.right - size.cx) / 2;
+    const LONG y = (owner.top + owner.bottom - size.cy) / 3;
+    ::SetWindowPos(box_, nullptr, static_cast<int>(std::max(work.left, std::min(x, work.right - size.cx))),
+                   static_cast<int>(std::max(work.top, std::min(y, work.bottom - size.cy))), static_cast<int>(size.cx),
+                   static_cast<int>(size.cy), SWP_NOZORDER | SWP_NOACTIVATE);
+  }
+
+  HWND box_;
+  const Question& question_;
+  int dpi_;
+};
+
+void open_input(HWND box, Question* question) {
+  ::SetWindowLongPtrA(box, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(question));
+  ::SetWindowTextA(box, question->title.c_str());
+  question->font = make_gui_font(main_window.window, main_window.dpi);
+  InputLayout(box, *question).build();
+  ::SendDlgItemMessageA(box, kAnswerId, EM_SETSEL, 0, -1);
+  ::SetFocus(::GetDlgItem(box, kAnswerId));
+}
+
+void take_answer(HWND box, Question* question) {
+  HWND const edit = ::GetDlgItem(box, kAnswerId);
+  const int length = ::GetWindowTextLengthA(edit);
+  question->answer.resize(static_cast<std::size_t>(length) + 1);
+  question->answer.resize(static_cast<std::size_t>(::GetWindowTextA(edit, question->answer.data(), length + 1)));
+}
+
+INT_PTR CALLBACK input_procedure(HWND box, UINT message, WPARAM word, LPARAM long_word) {
+  if (message == WM_INITDIALOG) {
+    open_input(box, reinterpret_cast<Question*>(long_word));
+    return FALSE;  // the focus is set
+  }
+  if (message == WM_COMMAND && (LOWORD(word) == IDOK || LOWORD(word) == IDCANCEL)) {
+    auto* const question = reinterpret_cast<Question*>(::GetWindowLongPtrA(box, GWLP_USERDATA));
+    if (LOWORD(word) == IDOK) take_answer(box, question);
+    ::EndDialog(box, LOWORD(word));
+    return TRUE;
+  }
+  return FALSE;
+}
+
+/// Before a box opens everything is shown as it stands, since the command that asks waits for the answer.
+void before_box() {
+  take_typing();
+  show_fields();
+}
+
+}  // namespace
+}  // namespace win32
+
+namespace platform {
+
+bool MsgBox(const std::string& text, Buttons buttons, const std::string& title, BoxIcon icon) {
+  if (win32::main_window.window == nullptr) return false;
+  win32::before_box();
+  const UINT shape = buttons == Buttons::ok ? MB_OK : MB_OKCANCEL;
+  const UINT sign = icon == BoxIcon::information ? MB_ICONINFORMATION : 0;
+  const int pressed = ::MessageBoxA(win32::main_window.window, text.c_str(), title.c_str(), shape | sign);
+  win32::take_typing();
+  return pressed == IDOK;
+}
+
+std::string InputBox(const std::string& prompt, const std::string& title, const std::string& default_answer) {
+  if (win32::main_window.window == nullptr) return {};
+  win32::before_box();
+  win32::Question question{prompt, title, default_answer, {}};
+  // An empty dialog; its controls are made when it opens. The template is followed by no menu, no class and no title.
+  struct Template {
+    DLGTEMPLATE head;
+    std::array<WORD, 3> none;
+  };
+  Template blank{{WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | WS_VISIBLE, 0, 0, 0, 0, 10, 10}, {}};
+  ::DialogBoxIndirectParamA(::GetModuleHandleA(nullptr), &blank.head, win32::main_window.window, win32::input_procedure,
+                            reinterpret_cast<LPARAM>(&question));
+  if (question.font != nullptr) ::DeleteObject(question.font);
+  win32::take_typing();
+  return question.answer;
+}
+
+}  // namespace platform

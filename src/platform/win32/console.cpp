@@ -1,0 +1,112 @@
+#include "platform/console.h"
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+
+#include "platform/win32/interruption.h"
+#include "platform/win32/main_window.h"
+
+namespace win32 {
+
+namespace {
+
+// Set on the console's own thread, read on the program's.
+std::atomic<bool> cancel_pressed = false;
+std::atomic<bool> exit_pressed = false;
+std::atomic<bool> held = false;
+
+void (*cancel_watcher)() = nullptr;
+void (*exit_watcher)() = nullptr;
+
+void wake() {
+  if (main_window.window != nullptr) ::PostMessageA(main_window.window, kInterrupted, 0, 0);
+}
+
+BOOL WINAPI on_console_event(DWORD event) {
+  if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) {
+    cancel_pressed = true;
+    wake();
+    return TRUE;
+  }
+  exit_pressed = true;
+  wake();
+  // The process ends when this returns. The program ends it itself, once the disk has its contents back; a system that
+  // loses patience ends both.
+  ::Sleep(INFINITE);
+  return TRUE;
+}
+
+}  // namespace
+
+void turn_interruptions() {
+  if (cancel_pressed.exchange(false) && cancel_watcher != nullptr) cancel_watcher();
+  if (!held && exit_watcher != nullptr && exit_pressed.exchange(false)) exit_watcher();
+}
+
+void request_exit() {
+  exit_pressed = true;
+}
+
+bool shutdown_held() {
+  return held;
+}
+
+}  // namespace win32
+
+namespace platform {
+
+namespace {
+
+bool write_all(DWORD stream, std::string_view text) {
+  HANDLE const file = ::GetStdHandle(stream);
+  if (file == nullptr || file == INVALID_HANDLE_VALUE) return false;
+  while (!text.empty()) {
+    constexpr std::size_t kPiece = 1U << 20U;
+    DWORD put = 0;
+    const DWORD wanted = static_cast<DWORD>(text.size() < kPiece ? text.size() : kPiece);
+    if (::WriteFile(file, text.data(), wanted, &put, nullptr) == FALSE || put == 0) return false;
+    text.remove_prefix(put);
+  }
+  return true;
+}
+
+}  // namespace
+
+std::string command_line() {
+  return ::GetCommandLineA();
+}
+
+bool write_out(std::string_view text) {
+  return write_all(STD_OUTPUT_HANDLE, text);
+}
+
+bool write_err(std::string_view text) {
+  return write_all(STD_ERROR_HANDLE, text);
+}
+
+bool err_is_terminal() {
+  DWORD mode = 0;
+  return ::GetConsoleMode(::GetStdHandle(STD_ERROR_HANDLE), &mode) != FALSE;
+}
+
+void release_lone_console() {
+  std::array<DWORD, 2> processes{};
+  if (::GetConsoleProcessList(processes.data(), static_cast<DWORD>(processes.size())) == 1) ::FreeConsole();
+}
+
+void watch_console(void (*on_cancel)(), void (*on_exit)()) {
+  win32::cancel_watcher = on_cancel;
+  win32::exit_watcher = on_exit;
+  ::SetConsoleCtrlHandler(win32::on_console_event, TRUE);
+}
+
+void hold_shutdown() {
+  win32::held = true;
+}
+
+void allow_shutdown() {
+  win32::held = false;
+}
+
+}  // namespace platform

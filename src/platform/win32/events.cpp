@@ -1,0 +1,153 @@
+#include <algorithm>
+
+#include "platform/clock.h"
+#include "platform/win32/interruption.h"
+#include "platform/win32/main_window.h"
+
+namespace win32 {
+
+MainWindow main_window;
+
+namespace {
+
+/// When the fields are shown again while a command runs: 30 times a second, and with at most a twentieth of the time.
+double next_show = 0.0;
+
+void show_fields_when_due() {
+  const double start = platform::steady_seconds();
+  if (main_window.window == nullptr || start < next_show) return;
+  show_fields();
+  constexpr double kFrame = 1.0 / 30.0;
+  constexpr double kRest = 20.0;
+  const double end = platform::steady_seconds();
+  next_show = std::max(start + kFrame, end + kRest * (end - start));
+}
+
+/// Enter and Esc in the main window: Enter presses the button that has the focus, and neither does more. True when the
+/// message is used up.
+bool took_enter_or_escape(const MSG& message) {
+  if (message.message != WM_KEYDOWN || (message.wParam != VK_RETURN && message.wParam != VK_ESCAPE)) return false;
+  for (std::size_t row = 0; row < main_window.controls.size(); ++row) {
+    if (main_window.controls[row].window != message.hwnd) continue;
+    const platform::ControlKind kind = main_window.table.controls[row].kind;
+    if (message.wParam == VK_RETURN && kind == platform::ControlKind::memo) return false;
+    constexpr LPARAM kHeldDown = 1 << 30;
+    if (message.wParam == VK_RETURN && kind == platform::ControlKind::button && (message.lParam & kHeldDown) == 0) {
+      control_clicked(row);
+    }
+    return true;
+  }
+  return false;
+}
+
+void drain_queue() {
+  MSG message{};
+  while (::PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
+    if (message.message == WM_QUIT) {
+      ::PostQuitMessage(static_cast<int>(message.wParam));
+      return;
+    }
+    dispatch(&message);
+  }
+}
+
+}  // namespace
+
+void dispatch(MSG* message) {
+  HWND const main = main_window.window;
+  const bool ours = message->hwnd == main || ::IsChild(main, message->hwnd) != FALSE;
+  if (ours && (took_enter_or_escape(*message) || ::IsDialogMessageA(main, message) != FALSE)) return;
+  ::TranslateMessage(message);
+  ::DispatchMessageA(message);
+}
+
+void call_handler(void (*handler)()) {
+  take_typing();
+  handler();
+  take_typing();
+  if (!main_window.busy) show_fields();
+}
+
+void control_clicked(std::size_t row) {
+  MainWindow& main = main_window;
+  const platform::Control& control = main.table.controls[row];
+  if (control.on_click == nullptr) return;
+  if (main.busy && control.while_busy == platform::WhileBusy::disabled) return;
+  // The button has marked itself; its field decides, and is shown again whatever the handler does with it.
+  if (control.kind == platform::ControlKind::option) {
+    for (std::size_t i = 0; i < main.controls.size(); ++i) {
+      if (main.table.controls[i].kind == platform::ControlKind::option) main.controls[i].revision = UINT64_MAX;
+    }
+  }
+  call_handler(control.on_click);
+}
+
+void move_focus(HWND control) {
+  main_window.focus = control;
+  if (::GetActiveWindow() == main_window.window) ::SetFocus(control);
+}
+
+}  // namespace win32
+
+namespace platform {
+
+using win32::main_window;
+
+void run_window() {
+  MSG message{};
+  while (true) {
+    win32::turn_interruptions();
+    win32::take_typing();
+    win32::show_fields();
+    if (::GetMessageA(&message, nullptr, 0, 0) <= 0) return;
+    win32::dispatch(&message);
+  }
+}
+
+void DoEvents() {
+  // Asked after every transfer, tens of thousands of times a second: the clock alone decides whether there is more to
+  // do.
+  constexpr double kPause = 0.010;
+  static double next = 0.0;
+  if (steady_seconds() < next) return;
+  win32::turn_interruptions();
+  if (main_window.window != nullptr) {
+    win32::drain_queue();
+    win32::take_typing();
+    win32::show_fields_when_due();
+  }
+  next = steady_seconds() + kPause;
+}
+
+void begin_command() {
+  win32::MainWindow& main = main_window;
+  if (main.window == nullptr || main.busy) return;
+  win32::take_typing();
+  main.busy = true;
+  main.focus_before = main.focus;
+  // First the focus, then the buttons: a disabled control that has it swallows every key.
+  win32::move_focus(main.controls[main.table.cancel].window);
+  for (std::size_t i = 0; i < main.controls.size(); ++i) {
+    const WhileBusy what = main.table.controls[i].while_busy;
+    if (what == WhileBusy::disabled) ::EnableWindow(main.controls[i].window, FALSE);
+    if (what == WhileBusy::read_only) ::SendMessageA(main.controls[i].window, EM_SETREADONLY, TRUE, 0);
+  }
+}
+
+void end_command() {
+  win32::MainWindow& main = main_window;
+  if (main.window == nullptr || !main.busy) return;
+  win32::show_fields();
+  main.busy = false;
+  for (std::size_t i = 0; i < main.controls.size(); ++i) {
+    const Control& row = main.table.controls[i];
+    if (row.while_busy == WhileBusy::disabled && row.on_click != nullptr) {
+      ::EnableWindow(main.controls[i].window, TRUE);
+    }
+    if (row.while_busy == WhileBusy::read_only) ::SendMessageA(main.controls[i].window, EM_SETREADONLY, FALSE, 0);
+  }
+  const bool untouched = main.focus == main.controls[main.table.cancel].window;
+  if (untouched && main.focus_before != nullptr) win32::move_focus(main.focus_before);
+}
+
+}  // namespace platform

@@ -1,0 +1,15 @@
+#pragma once
+
+namespace win32 {
+
+/// Calls the handler of an interruption that came from the console or the session's end since the last call. An exit
+/// waits while the disk holds data that are not its own.
+void turn_interruptions();
+
+/// The session ends: the next turn_interruptions() exits.
+void request_exit();
+
+/// True between hold_shutdown() and allow_shutdown().
+bool shutdown_held();
+
+}  // namespace win32

@@ -1,0 +1,1 @@
+#define SECTORIX_ICON 1

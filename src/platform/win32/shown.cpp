@@ -1,0 +1,120 @@
+#include <algorithm>
+#include <string>
+
+#include "platform/win32/main_window.h"
+
+namespace win32 {
+
+namespace {
+
+using platform::Control;
+using platform::ControlKind;
+using platform::Field;
+
+constexpr WPARAM kEnd = 0x7FFFFFFE;  // past every text: an edit takes it as its end
+
+/// A control's text ends at its first zero byte; a report may hold one.
+std::string without_zeros(std::string text) {
+  std::replace(text.begin(), text.end(), '\0', ' ');
+  return text;
+}
+
+/// Adds to a memo's end. What the user sees and has marked stays, unless he follows the end of a text longer than the
+/// memo: then the end stays in view.
+void append_text(HWND memo, const std::string& more) {
+  const auto ask = [memo](UINT message, WPARAM word = 0, LPARAM long_word = 0) {
+    return ::SendMessageA(memo, message, word, long_word);
+  };
+  DWORD from = 0;
+  DWORD to = 0;
+  ask(EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
+  SCROLLINFO scroll{};
+  scroll.cbSize = sizeof(scroll);
+  scroll.fMask = SIF_ALL;
+  ::GetScrollInfo(memo, SB_VERT, &scroll);
+  const LRESULT first = ask(EM_GETFIRSTVISIBLELINE);
+  const bool follows = first > 0 && scroll.nPos + static_cast<int>(scroll.nPage) >= scroll.nMax;
+
+  ask(WM_SETREDRAW, FALSE);
+  ask(EM_SETSEL, kEnd, kEnd);
+  ask(EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(more.c_str()));
+  ask(EM_SETSEL, from, static_cast<LPARAM>(to));
+  if (!follows) ask(EM_LINESCROLL, 0, first - ask(EM_GETFIRSTVISIBLELINE));
+  ask(WM_SETREDRAW, TRUE);
+  ::InvalidateRect(memo, nullptr, FALSE);
+}
+
+void show_caret(const Control& row, ShownControl* shown) {
+  shown->caret = row.field->caret();
+  const WPARAM place = shown->caret >= shown->length ? kEnd : shown->caret;
+  ::SendMessageA(shown->window, EM_SETSEL, place, static_cast<LPARAM>(place));
+  ::SendMessageA(shown->window, EM_SCROLLCARET, 0, 0);
+}
+
+void show_text(const Control& row, ShownControl* shown) {
+  const std::string& text = row.field->text();
+  const bool only_more = row.kind == ControlKind::memo && row.field->replaced() <= shown->revision;
+  if (only_more) {
+    if (text.size() > shown->length) append_text(shown->window, without_zeros(text.substr(shown->length)));
+  } else {
+    ::SetWindowTextA(shown->window, without_zeros(text).c_str());
+    shown->caret = 0;
+  }
+  shown->length = text.size();
+  if (row.field->caret() != shown->caret) show_caret(row, shown);
+}
+
+void show_field(const Control& row, ShownControl* shown) {
+  if (row.field == nullptr || row.field->revision() == shown->revision) return;
+  if (row.kind == ControlKind::option) {
+    ::SendMessageA(shown->window, BM_SETCHECK, row.field->on() ? BST_CHECKED : BST_UNCHECKED, 0);
+  } else {
+    show_text(row, shown);
+  }
+  shown->revision = row.field->revision();
+}
+
+std::string text_of(HWND control) {
+  const int length = ::GetWindowTextLengthA(control);
+  std::string text(static_cast<std::size_t>(length) + 1, '\0');
+  text.resize(static_cast<std::size_t>(::GetWindowTextA(control, text.data(), length + 1)));
+  return text;
+}
+
+}  // namespace
+
+void show_fields() {
+  MainWindow& main = main_window;
+  if (main.window == nullptr) return;
+  main.pushing = true;
+  if (main.table.caption->revision() != main.caption_revision) {
+    ::SetWindowTextA(main.window, main.table.caption->text().c_str());
+    main.caption_revision = main.table.caption->revision();
+  }
+  for (std::size_t i = 0; i < main.controls.size(); ++i) show_field(main.table.controls[i], &main.controls[i]);
+  main.pushing = false;
+}
+
+void take_typing() {
+  MainWindow& main = main_window;
+  for (std::size_t i = 0; i < main.controls.size(); ++i) {
+    ShownControl& shown = main.controls[i];
+    if (!shown.typed) continue;
+    shown.typed = false;
+    Field& field = *main.table.controls[i].field;
+    field.set_typed(text_of(shown.window));
+    shown.revision = field.revision();
+    shown.length = field.text().size();
+    shown.caret = field.caret();
+  }
+}
+
+void text_changed(std::size_t row) {
+  MainWindow& main = main_window;
+  const Control& control = main.table.controls[row];
+  if (main.pushing || control.field == nullptr) return;
+  main.controls[row].typed = true;
+  if (control.on_typed != nullptr) call_handler(control.on_typed);
+}
+
+}  // namespace win32

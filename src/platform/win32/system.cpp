@@ -1,0 +1,124 @@
+#include "platform/system.h"
+
+#include "platform/win32/win_api.h"
+
+namespace platform {
+
+namespace {
+
+std::uint32_t last_error = 0;
+
+bool done(BOOL ok) {
+  last_error = ok != FALSE ? 0 : ::GetLastError();
+  return ok != FALSE;
+}
+
+HANDLE system_handle(Handle handle) {
+  return reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(handle));
+}
+
+}  // namespace
+
+Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_mode, std::uint32_t disposition,
+                   std::uint32_t flags) {
+  HANDLE const file = ::CreateFileA(name, access, share_mode, nullptr, disposition, flags, nullptr);
+  done(file != INVALID_HANDLE_VALUE ? TRUE : FALSE);
+  return static_cast<Handle>(reinterpret_cast<std::intptr_t>(file));
+}
+
+bool SetFilePointerEx(Handle file, std::int64_t distance, std::int64_t* new_position, std::uint32_t method) {
+  LARGE_INTEGER way{};
+  LARGE_INTEGER place{};
+  way.QuadPart = distance;
+  const bool ok = done(::SetFilePointerEx(system_handle(file), way, &place, method));
+  if (ok && new_position != nullptr) *new_position = place.QuadPart;
+  return ok;
+}
+
+bool ReadFile(Handle file, void* buffer, std::uint32_t bytes, std::uint32_t* moved) {
+  DWORD count = 0;
+  const bool ok = done(::ReadFile(system_handle(file), buffer, bytes, &count, nullptr));
+  *moved = count;
+  return ok;
+}
+
+bool WriteFile(Handle file, const void* buffer, std::uint32_t bytes, std::uint32_t* moved) {
+  DWORD count = 0;
+  const bool ok = done(::WriteFile(system_handle(file), buffer, bytes, &count, nullptr));
+  *moved = count;
+  return ok;
+}
+
+bool LockFile(Handle file, std::uint32_t offset_low, std::uint32_t offset_high, std::uint32_t bytes_low,
+              std::uint32_t bytes_high) {
+  return done(::LockFile(system_handle(file), offset_low, offset_high, bytes_low, bytes_high));
+}
+
+bool UnlockFile(Handle file, std::uint32_t offset_low, std::uint32_t offset_high, std::uint32_t bytes_low,
+                std::uint32_t bytes_high) {
+  return done(::UnlockFile(system_handle(file), offset_low, offset_high, bytes_low, bytes_high));
+}
+
+bool FlushFileBuffers(Handle file) {
+  return done(::FlushFileBuffers(system_handle(file)));
+}
+
+bool DeviceIoControl(Handle device, std::uint32_t code, const void* in, std::uint32_t in_bytes, void* out,
+                     std::uint32_t out_bytes, std::uint32_t* returned) {
+  DWORD count = 0;
+  // The system takes the request without const but does not write to it.
+  const bool ok = done(
+      ::DeviceIoControl(system_handle(device), code, const_cast<void*>(in), in_bytes, out, out_bytes, &count, nullptr));
+  *returned = count;
+  return ok;
+}
+
+bool CloseHandle(Handle handle) {
+  return done(::CloseHandle(system_handle(handle)));
+}
+
+std::uint32_t FormatMessageA(std::uint32_t flags, std::uint32_t code, char* text, std::uint32_t text_bytes) {
+  const DWORD length = ::FormatMessageA(flags, nullptr, code, 0, text, text_bytes, nullptr);
+  done(length != 0 ? TRUE : FALSE);
+  return length;
+}
+
+std::uint32_t GetTimeZoneInformation(TimeZone* zone) {
+  TIME_ZONE_INFORMATION facts{};
+  const DWORD id = ::GetTimeZoneInformation(&facts);
+  done(id != TIME_ZONE_ID_INVALID ? TRUE : FALSE);
+  *zone = {facts.Bias, facts.StandardBias, facts.DaylightBias};
+  return id;
+}
+
+bool GetVersionExA(OsVersion* version) {
+  OSVERSIONINFOA facts{};
+  static_assert(sizeof(facts) == 148);
+  facts.dwOSVersionInfoSize = version->info_size;
+  const bool ok = done(::GetVersionExA(&facts));
+  if (ok) {
+    version->major = facts.dwMajorVersion;
+    version->minor = facts.dwMinorVersion;
+    version->build = facts.dwBuildNumber;
+    version->platform_id = facts.dwPlatformId;
+  }
+  return ok;
+}
+
+void Sleep(std::uint32_t milliseconds) {
+  ::Sleep(milliseconds);
+}
+
+void ExitProcess(std::uint32_t code) {
+  ::ExitProcess(code);
+}
+
+std::uint32_t GetLastError() {
+  return last_error;
+}
+
+std::uint32_t rehearsed_failure(const char* /*call*/, Handle /*handle*/) {
+  return 0;
+}
+
+}  // namespace platform
