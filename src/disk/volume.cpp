@@ -1,0 +1,112 @@
+#include "disk/volume.h"
+
+#include <cstdint>
+#include <vector>
+
+#include "device/wmi.h"
+#include "platform/console.h"
+
+Volumes volumes;
+
+namespace {
+
+// Windows SDK winioctl.h.
+constexpr std::uint32_t kLockVolume = 0x00090018;      // FSCTL_LOCK_VOLUME
+constexpr std::uint32_t kUnlockVolume = 0x0009001C;    // FSCTL_UNLOCK_VOLUME
+constexpr std::uint32_t kDismountVolume = 0x00090020;  // FSCTL_DISMOUNT_VOLUME
+constexpr std::uint32_t kNoBuffering = 0x20000000;     // FILE_FLAG_NO_BUFFERING
+
+bool volume_request(kernel32::Handle handle, std::uint32_t code) {
+  std::uint32_t returned = 0;
+  return kernel32::DeviceIoControl(handle, code, nullptr, 0, nullptr, 0, &returned);
+}
+
+void trace(const std::string& text) {
+  platform::debug_text(text);
+}
+
+/// The device ids that a query gives; empty where it fails.
+std::vector<std::string> device_ids(wmi::WmiHandle service, const std::string& query) {
+  constexpr std::uint32_t kReturnAtOnceForwardOnly = 48;
+  std::vector<std::string> ids;
+  const wmi::WmiHandle rows = wmi::query(service, query, kReturnAtOnceForwardOnly);
+  if (rows == wmi::kNoWmi) return ids;
+  wmi::WmiRow row;
+  while (wmi::next(rows, {"DeviceID"}, &row) == wmi::WmiNext::row) ids.push_back(row["DeviceID"]);
+  wmi::close(rows);
+  return ids;
+}
+
+/// Opens, locks and dismounts one volume ("E:"). False when it cannot be opened.
+bool lock_volume(const std::string& volume) {
+  const std::string path = "\\\\.\\" + volume;
+  const kernel32::Handle handle =
+      kernel32::CreateFileA(path.c_str(), platform::kGenericRead | platform::kGenericWrite,
+                            platform::kShareRead | platform::kShareWrite, platform::kOpenExisting, kNoBuffering);
+  // Every volume goes into the first slot, so only the last one is unlocked by the unlock pass; kept: the others stay
+  // locked and dismounted until the process ends, and no file system comes back under a disk that was just written.
+  volumes.hVolumes[0] = handle;
+  if (handle == kernel32::kInvalidHandle) {
+    trace("Lock_Unlock_All_Volumes - Cannot open handle for " + volume + " to dismount.");
+    return false;
+  }
+  trace("Lock_Unlock_All_Volumes - Volume handle " + volume + " opened");
+  volume_request(handle, kLockVolume);
+  // Asked twice, since a file system that was busy at the first request often yields at the second.
+  const bool locked = volume_request(handle, kLockVolume);
+  trace(locked ? "Lock_Unlock_All_Volumes - FSCTL_LOCK_VOLUME Volume " + volume + " locked"
+               : "Lock_Unlock_All_Volumes - FSCTL_LOCK_VOLUME Cannot lock volume");
+  MY_DISMOUNT_VOLUME(handle);
+  return true;
+}
+
+void lock_pass(int drive) {
+  volumes.hVolumes.fill(0);
+  const wmi::WmiHandle service = wmi::open("winmgmts:{impersonationLevel=Impersonate}!//.");
+  if (service == wmi::kNoWmi) return;
+  const std::string device_id = R"(\\\\.\\PhysicalDrive)" + std::to_string(drive);
+  bool going = true;
+  for (const std::string& partition :
+       device_ids(service, "ASSOCIATORS OF {Win32_DiskDrive.DeviceID=\"" + device_id +
+                               "\"} WHERE AssocClass = Win32_DiskDriveToDiskPartition")) {
+    for (const std::string& volume :
+         device_ids(service, "ASSOCIATORS OF {Win32_DiskPartition.DeviceID=\"" + partition +
+                                 "\"} WHERE AssocClass = Win32_LogicalDiskToPartition")) {
+      going = going && lock_volume(volume);
+    }
+    if (!going) break;
+  }
+  wmi::close(service);
+}
+
+void unlock_pass() {
+  for (const kernel32::Handle handle : volumes.hVolumes) {
+    if (handle < 1) continue;
+    MY_UNLOCK_VOLUME(handle);
+    kernel32::CloseHandle(handle);
+  }
+}
+
+}  // namespace
+
+void Lock_Unlock_All_Volumes(int drive, const std::string& mode) {
+  if (mode == "LOCK") {
+    lock_pass(drive);
+  } else {
+    unlock_pass();
+  }
+  trace("Lock_Unlock_All_Volumes End");
+}
+
+bool MY_DISMOUNT_VOLUME(kernel32::Handle handle) {
+  const bool dismounted = volume_request(handle, kDismountVolume);
+  trace(dismounted ? "FSCTL_DISMOUNT_VOLUME - Dismounted volume " : "FSCTL_DISMOUNT_VOLUME - Cannot dismount volume");
+  return dismounted;
+}
+
+bool MY_UNLOCK_VOLUME(kernel32::Handle handle) {
+  const bool unlocked = volume_request(handle, kUnlockVolume);
+  trace(unlocked ? "MY_UNLOCK_VOLUME FSCTL_UNLOCK_VOLUME - Volume unlocked"
+                 : "FSCTL_UNLOCK_VOLUME - Cannot unlock volume");
+  return unlocked;
+}

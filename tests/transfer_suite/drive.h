@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+/// The drive that the suite works on: drive 1, 4096 sectors, backed by an image file. On the host a virtual disk, under
+/// Windows whatever answers to \\.\PhysicalDrive1.
+inline constexpr int kSuiteDrive = 1;
+inline constexpr int kSuiteSectors = 4096;
+
+/// Attaches the drive to the image where that is the suite's business.
+void attach_suite_drive(const std::string& image);
+
+/// Where the drive's image is.
+std::string suite_image();

@@ -1,0 +1,11 @@
+#include <cstdlib>
+
+#include "tests/transfer_suite/drive.h"
+
+// The system's own drive 1 is the image already.
+void attach_suite_drive(const std::string& /*image*/) {}
+
+std::string suite_image() {
+  const char* const image = std::getenv("SECTORIX_SUITE_IMAGE");
+  return image != nullptr ? image : "";
+}
