@@ -15,3 +15,7 @@ struct Counters {
 };
 
 extern Counters counters;
+
+/// The seconds between the operation's start and end as printed: the difference of two single-precision times of day,
+/// negative across midnight.
+float elapsed_seconds();

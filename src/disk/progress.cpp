@@ -9,7 +9,6 @@
 #include "form/progress_line.h"
 #include "platform/clock.h"
 
-Counters counters;
 Progress progress;
 
 namespace {

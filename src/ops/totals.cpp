@@ -25,7 +25,3 @@ void Do_errors() {
   form1.Text1.append(variables);
   add_to_exit_code(counters.TotalErrors);
 }
-
-float elapsed_seconds() {
-  return static_cast<float>(counters.OpEndTime) - static_cast<float>(counters.OpStartTime);
-}

@@ -12,6 +12,9 @@ std::string command_line();
 bool write_out(std::string_view text);
 bool write_err(std::string_view text);
 
+/// Hands a line to a debugger, if one listens.
+void debug_text(const std::string& text);
+
 /// True when standard error is a terminal, on which a line may be rewritten in place.
 bool err_is_terminal();
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 /// The system calls that the program makes, under their Windows names. `win32/` passes them to the system, `headless/`
 /// answers them on a host without Windows. Only `device/` and `virtualdisk/` call these; everyone above goes through
@@ -70,6 +71,9 @@ void Sleep(std::uint32_t milliseconds);
 [[noreturn]] void ExitProcess(std::uint32_t code);
 
 std::uint32_t GetLastError();
+
+/// The volume that Windows runs from, as "C:"; empty when the system does not tell.
+std::string system_volume();
 
 /// Asked before a call that an attached virtual disk is about to answer: the system error with which the call is to
 /// fail, or 0 to let the disk answer. On Windows always 0; the headless platform keeps the call and may fail it, as it

@@ -99,6 +99,10 @@ bool write_err(std::string_view text) {
   return true;
 }
 
+void debug_text(const std::string& text) {
+  desktop.debug += text + "\n";
+}
+
 bool err_is_terminal() {
   return desktop.err_is_terminal;
 }

@@ -42,6 +42,7 @@ struct Desktop {
   bool has_display = false;
   std::string command_line = "sectorix";
   bool err_is_terminal = false;
+  std::string system_volume;  // empty: the system does not tell
 
   // Clock.
   double midnight_seconds = 36000.0;  // seconds since midnight
@@ -55,7 +56,6 @@ struct Desktop {
   std::int64_t fail_first = 0;
   std::int64_t fail_last = 0;
   std::uint32_t fail_code = 1117;  // ERROR_IO_DEVICE
-  bool version_fails = false;
 
   // The management service.
   bool wmi_absent = false;
@@ -69,6 +69,7 @@ struct Desktop {
   int pumps = 0;
   std::string out;
   std::string err;
+  std::string debug;
   int open_files = 0;
   int commands_begun = 0;
   int commands_ended = 0;

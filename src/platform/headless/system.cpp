@@ -184,6 +184,10 @@ bool GetVersionExA(OsVersion* version) {
   return true;
 }
 
+std::string system_volume() {
+  return desktop.system_volume;
+}
+
 void Sleep(std::uint32_t milliseconds) {
   desktop.calls.emplace_back("Sleep");
   headless::pass_time(milliseconds / 1000.0);
