@@ -73,14 +73,14 @@ void read_bus(LineReader& line, int /*number*/, DiskFile& disk) {
 }
 
 void read_geometry(LineReader& line, int /*number*/, DiskFile& disk) {
-  constexpr std::int64_t kMost = 65535;
+  constexpr std::int64_t kMost = UINT32_MAX;
   disk.no_geometry = line.peek() == "none";
   if (disk.no_geometry) {
     line.word("geometry");
     return;
   }
   Geometry geometry;
-  geometry.cylinders = line.number("cylinders", 0, kMaxSectors);
+  geometry.cylinders = line.number("cylinders", 0, INT64_MAX);
   geometry.heads = line.number("heads", 0, kMost);
   geometry.sectors = line.number("sectors per track", 0, kMost);
   disk.geometry = geometry;

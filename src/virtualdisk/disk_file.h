@@ -80,28 +80,18 @@ struct NamedFile {
 
 struct DiskFile {
   std::int64_t sectors = 0;  // 0: the image's size
-  int sectors_line = 0;
   NamedFile image;
-  bool readonly = false;
   std::string model;
   std::string serial;
   std::string firmware;
-  Bus bus = Bus::ata;
-  std::optional<Geometry> geometry;
-  bool no_geometry = false;
-  std::optional<std::int64_t> length;  // bytes
-  bool no_length = false;
-  std::vector<Attribute> attributes;
-  bool smart_off = false;
-  bool smart_nobit = false;
-  bool smart_atapi = false;
-  bool smart_disabled = false;
   NamedFile identify;
+  std::optional<Geometry> geometry;
+  std::optional<std::int64_t> length;  // bytes
+  std::vector<Attribute> attributes;
   NamedFile attribute_page;
   NamedFile threshold_page;
   std::vector<Growth> growth;
   std::vector<FailLine> fails;
-  bool heal = false;
   std::vector<ShortLine> shorts;
   std::vector<SlowLine> slows;
   double outer_rate = 0.0;  // MB/s (1,048,576 bytes); 0: as fast as the machine
@@ -110,6 +100,16 @@ struct DiskFile {
   std::vector<Range> drops;
   std::optional<std::int64_t> vanish_after;  // transfers
   std::vector<Volume> volumes;
+  int sectors_line = 0;
+  Bus bus = Bus::ata;
+  bool readonly = false;
+  bool heal = false;
+  bool no_geometry = false;
+  bool no_length = false;
+  bool smart_off = false;
+  bool smart_nobit = false;
+  bool smart_atapi = false;
+  bool smart_disabled = false;
 };
 
 struct ParsedDisk {

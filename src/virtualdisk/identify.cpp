@@ -9,6 +9,10 @@ void put_word(Page& page, std::size_t word, std::uint64_t value) {
   put_le(page, 2 * word, 2, value);
 }
 
+void put_words(Page& page, std::size_t word, std::size_t words, std::int64_t value) {
+  put_le(page, 2 * word, 2 * words, static_cast<std::uint64_t>(value));
+}
+
 /// An ATA string: two characters a word, the first in the high byte, blanks at the end.
 void put_text(Page& page, std::size_t word, std::size_t words, const std::string& text) {
   for (std::size_t i = 0; i < 2 * words; ++i) {
@@ -40,8 +44,8 @@ Page identify_page(const Identity& identity) {
   put_word(page, 54, static_cast<std::uint64_t>(cylinders));
   put_word(page, 55, kHeads);
   put_word(page, 56, kTrackSectors);
-  put_le(page, 2 * 57, 4, static_cast<std::uint64_t>(cylinders * kHeads * kTrackSectors));
-  put_le(page, 2 * 60, 4, static_cast<std::uint64_t>(std::min(identity.sectors, kMost28Bit)));
+  put_words(page, 57, 2, cylinders * kHeads * kTrackSectors);
+  put_words(page, 60, 2, std::min(identity.sectors, kMost28Bit));
   put_word(page, 63, 0x0007);                                                 // multiword DMA 0 to 2
   put_word(page, 64, 0x0003);                                                 // PIO 3 and 4
   for (std::size_t word = 65; word <= 68; ++word) put_word(page, word, 120);  // cycle times, ns
@@ -53,7 +57,7 @@ Page identify_page(const Identity& identity) {
   put_word(page, 86, 0x3400);
   put_word(page, 87, 0x4000);
   put_word(page, 88, 0x007F);  // Ultra DMA 0 to 6
-  put_le(page, 2 * 100, 8, static_cast<std::uint64_t>(std::min(identity.sectors, kMost48Bit)));
+  put_words(page, 100, 4, std::min(identity.sectors, kMost48Bit));
   page[510] = 0xA5;  // integrity word: signature, checksum
   page[511] = page_checksum(page);
   return page;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -35,9 +36,19 @@ class BenchTest : public testing::Test {
     headless::desktop = {};
     state = {};
   }
-  void TearDown() override { state = {}; }
+  void TearDown() override {
+    state = {};
+    std::filesystem::remove_all(path(""));
+  }
 
-  static std::string path(const std::string& name) { return testing::TempDir() + name; }
+  /// A name of this test's own, since tests run side by side.
+  static std::string path(const std::string& name) {
+    const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+    const std::filesystem::path folder = std::filesystem::path(testing::TempDir()) /
+                                         ("disks-" + std::string(test.test_suite_name()) + "-" + test.name());
+    std::filesystem::create_directories(folder);
+    return (folder / name).string();
+  }
 
   static std::string make_file(const std::string& name, const std::string& contents) {
     std::ofstream(path(name), std::ios::binary) << contents;
