@@ -2,15 +2,53 @@
 
 #include <string>
 
+#include "device/system_disk.h"
 #include "disk/drive.h"
+#include "disk/volume.h"
+#include "eventlog/event_log.h"
 #include "form/form1.h"
 #include "form/output.h"
 #include "form/progress_line.h"
 #include "form/run.h"
 #include "ops/select_drive.h"
+#include "platform/clock.h"
+#include "platform/console.h"
+#include "smart/compare.h"
 #include "smart/identification.h"
+#include "smart/snapshot.h"
 
 namespace {
+
+/// What the running operation's frame keeps between its start and its end.
+struct Frame {
+  std::string Smart_Text;  // both SMART listings
+  Snapshot before;
+  platform::DateTime Op_Start_Date;
+};
+Frame frame;
+
+/// Ends a run with /OP whose drive is not the one that it may work on.
+void refuse_wrong_drive(const std::string& why) {
+  platform::write_err(why + "\r\n");
+  output.ExitCode = 1;
+  CloseDrive();
+  ExitProgram();
+}
+
+/// Nothing has gone to the drive but identification when this decides.
+void check_drive_of_run() {
+  if (!run.op) return;
+  if (run.serial && identification.Disk_Serial != *run.serial) {
+    refuse_wrong_drive("Drive " + std::to_string(form1.SelectedDrive) + " has the serial number \"" +
+                       identification.Disk_Serial + "\", not \"" + *run.serial + "\": nothing was done.");
+  }
+  if (*run.op != Operation::write && *run.op != Operation::random_write) return;
+  const SystemDisk system = holds_windows(form1.SelectedDrive);
+  if (system == SystemDisk::yes) refuse_wrong_drive("Windows runs from this disk: it is not written to.");
+  if (system == SystemDisk::unknown) {
+    refuse_wrong_drive("It cannot be learned which disk Windows runs from: no real disk is written to.");
+  }
+}
 
 void refuse_missing_drive() {
   const std::string text = "Drive " + std::to_string(form1.SelectedDrive) + " does not exist!";
@@ -34,21 +72,49 @@ void fill_remembered_range() {
 
 void Start_Operation() {
   output.ExitCode = 0;
+  frame = {.Smart_Text = "SMART DATA BEFORE OPERATION\r\n", .before = {}, .Op_Start_Date = platform::local_time()};
   GetandOpenDrive();
   if (!Check_drv(form1.SelectedDrive)) {
     refuse_missing_drive();
     return;
   }
+  check_drive_of_run();
   // The selection copies the status into Text1 after it was cleared; kept, a command-line report begins with the drive.
   if (form1.CommandLineMode) SelectDrive();
   form1.MyCancel = false;
+  frame.before = Get_Smart_Data(form1.SelectedDrive);
+  // No line end behind this heading, so the listing's first line follows on it; kept, scripts cut at this line.
+  frame.Smart_Text += smart.Smart_List + "\r\n\r\nSMART DATA AFTER OPERATION";
   fill_remembered_range();
+  frame.Op_Start_Date = platform::local_time();
   begin_progress_line();
 }
 
 void End_Operation() {
   end_progress_line();
   if (form1.Exit_Requested) return;
-  if (form1.CommandLineMode) PrintReport("Last Status: " + form1.TxtStatus.text());
+  Get_Smart_Data(form1.SelectedDrive);
+  frame.Smart_Text += smart.Smart_List;
+  Compare_smart_info(frame.before);
+  Query_System_Event_Log(frame.Op_Start_Date);
+  PrintReport("Last Status: " + form1.TxtStatus.text());
+  PrintReport(frame.Smart_Text + "\r\n\r\n");
+  form1.Text1.append("\r\n" + frame.Smart_Text);
   CloseDrive();
+}
+
+void run_writing(void (*operation)()) {
+  form1.Text1.set_text({});
+  Start_Operation();
+  Lock_Unlock_All_Volumes(form1.SelectedDrive, "LOCK");
+  MY_DISMOUNT_VOLUME(disk.hDrive);
+  operation();
+  Lock_Unlock_All_Volumes(form1.SelectedDrive, "UNLOCK");
+  End_Operation();
+}
+
+bool confirm_write(const std::string& title) {
+  return form1.CommandLineMode || ask_user("Warning: This Disk " + std::to_string(form1.SelectedDrive) +
+                                               " Write operation will overwrite all existing data!",
+                                           title);
 }
