@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "buffer/hex_text.h"
+#include "disk/progress.h"
 #include "form/form1.h"
 
 namespace {
@@ -16,7 +17,6 @@ constexpr std::size_t kHyphenColumn = 31;  // between the eighth and the ninth b
 constexpr std::size_t kCharactersColumn = 58;
 constexpr std::size_t kLineLength = 75;
 
-constexpr std::int64_t kSectorsPerMB = 2048;
 constexpr std::size_t kHeaderReserve = 64;  // line ends, LBA and position of "[Sector ...]"
 
 /// Only the codes 0 to 13 are masked; the text box shows the others its own way.
@@ -63,7 +63,7 @@ std::string hex_view(std::span<const std::uint8_t> bytes, std::int64_t first_lba
   text += "\r\n";
   for (std::size_t sector = 0; sector < shown_sectors; ++sector) {
     const std::int64_t lba = first_lba + static_cast<std::int64_t>(sector);
-    text += "\r\n\r\n[Sector " + std::to_string(lba) + "]  " + std::to_string(lba / kSectorsPerMB) + "MB";
+    text += "\r\n\r\n[Sector " + std::to_string(lba) + "]  " + std::to_string(lba / kSectorsPerMb) + "MB";
     for (std::size_t line = 0; line < kBytes; line += kLineBytes) append_line(text, bytes, sector * kBytes + line);
   }
   text += "\r\n\r\n========= END OF SECTOR DATA ================\r\n";

@@ -6,6 +6,7 @@
 
 #include "buffer/hex_text.h"
 #include "form/number_text.h"
+#include "platform/bytes.h"
 
 namespace {
 
@@ -45,12 +46,6 @@ constexpr std::array<std::string_view, 16> kTypeNames{"",
 
 using Entry = std::span<const std::uint8_t, kEntrySize>;
 
-std::uint32_t little_endian_32(Entry entry, std::size_t at) {
-  std::uint32_t value = 0;
-  for (std::size_t i = 4; i > 0; --i) value = value << 8 | entry[at + i - 1];
-  return value;
-}
-
 std::string position_text(Entry entry, std::size_t at) {
   const unsigned cylinder = entry[at + 2] + (entry[at + 1] & kCylinderBits) * 4;
   return "CYL:" + std::to_string(cylinder) + " HD:" + std::to_string(unsigned{entry[at]}) +
@@ -63,14 +58,14 @@ std::string sectors_text(std::uint32_t sectors) {
 
 std::string entry_text(std::size_t number, Entry entry) {
   const std::uint8_t type = entry[kType];
-  const std::uint32_t size = little_endian_32(entry, kSize);
+  const std::uint32_t size = bytes::le32(entry, kSize);
   std::string text = "\r\n\r\nPartition " + std::to_string(number) + " (SIZE=" + fixed_text(size / kSectorsPerGB, 3) +
                      "GB)  Type: " + hex_padded(type, 1) + " ";
   if (type < kTypeNames.size()) text += kTypeNames[type];
   text += (entry[kStatus] & kActive) != 0 ? " ACTIVE" : "       ";
   text += "\r\nSTART POS = " + position_text(entry, kStart) + "  END POS = " + position_text(entry, kEnd);
   text +=
-      "\r\nSTART (LBA) = " + sectors_text(little_endian_32(entry, kStartLba)) + "   SIZE (LBA) = " + sectors_text(size);
+      "\r\nSTART (LBA) = " + sectors_text(bytes::le32(entry, kStartLba)) + "   SIZE (LBA) = " + sectors_text(size);
   return text;
 }
 
