@@ -10,7 +10,7 @@
 #include "buffer/hex_view.h"
 #include "disk/drive.h"
 #include "form/form1.h"
-#include "platform/headless/headless.h"
+#include "tests/support/rig.h"
 
 namespace {
 
@@ -19,15 +19,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 /// A buffer of zeros as a read left it, and a user before the edit view.
-struct EditTest : testing::Test {
-  void SetUp() override { start_fresh(); }
-  void TearDown() override { start_fresh(); }
-  static void start_fresh() {
-    desktop = {};
-    form1 = {};
-    disk = {};
-    editor = {};
-  }
+struct EditTest : Rig {
   static void read(std::int64_t lba, std::int64_t sectors) {
     disk.Sec_Buf.resize(sectors * 512);
     std::ranges::fill(disk.Sec_Buf.bytes(), std::uint8_t{0});
