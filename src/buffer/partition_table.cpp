@@ -64,8 +64,7 @@ std::string entry_text(std::size_t number, Entry entry) {
   if (type < kTypeNames.size()) text += kTypeNames[type];
   text += (entry[kStatus] & kActive) != 0 ? " ACTIVE" : "       ";
   text += "\r\nSTART POS = " + position_text(entry, kStart) + "  END POS = " + position_text(entry, kEnd);
-  text +=
-      "\r\nSTART (LBA) = " + sectors_text(bytes::le32(entry, kStartLba)) + "   SIZE (LBA) = " + sectors_text(size);
+  text += "\r\nSTART (LBA) = " + sectors_text(bytes::le32(entry, kStartLba)) + "   SIZE (LBA) = " + sectors_text(size);
   return text;
 }
 

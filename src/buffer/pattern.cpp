@@ -42,7 +42,7 @@ void fill_pattern(std::span<std::uint8_t> bytes, std::span<const std::uint8_t> p
   // Every length from 1 to 4 divides three vectors.
   std::array<std::uint8_t, 3 * kVector> block;
   for (std::size_t i = 0; i < block.size(); ++i) block[i] = pattern[i % pattern.size()];
-  const __m128i v0 = load(&block[0]);
+  const __m128i v0 = load(block.data());
   const __m128i v1 = load(&block[kVector]);
   const __m128i v2 = load(&block[2 * kVector]);
 

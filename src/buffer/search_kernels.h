@@ -191,7 +191,7 @@ std::size_t find(Bytes memory, Bytes pattern) {
   if (pattern.empty() || memory.size() < pattern.size()) return kNotFound;
   const std::size_t starts = memory.size() - pattern.size() + 1;
   // What is rare changes along a disk, so each window picks its own probes.
-  const std::size_t window = std::max<std::size_t>(256 * 1024, 8 * pattern.size());
+  const std::size_t window = std::max<std::size_t>(std::size_t{256} * 1024, 8 * pattern.size());
   for (std::size_t at = 0; at < starts; at += window) {
     const std::size_t count = std::min(window, starts - at);
     const std::size_t found = find_in_window<Case>(memory.subspan(at, count + pattern.size() - 1), count, pattern);
