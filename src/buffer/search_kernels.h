@@ -101,7 +101,8 @@ struct Positions {
 /// The two positions of `pattern` whose bytes are rarest in a sample of `memory`; the same one twice when there is one.
 template <class Case>
 Positions rarest_positions(Bytes memory, Bytes pattern) {
-  constexpr std::size_t kPieces = 16;
+  // No power of two, so that the pieces do not all lie at the starts of sectors and records.
+  constexpr std::size_t kPieces = 17;
   constexpr std::size_t kPiece = 64;
   std::array<std::uint16_t, 256> seen{};
   const std::size_t stride = std::max(memory.size() / kPieces, kPiece);
