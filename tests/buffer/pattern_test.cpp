@@ -41,7 +41,7 @@ TEST(Pattern, FillsEveryLengthAndNothingBeyond) {
 }
 
 TEST(Pattern, CountsEveryByteThatDiffers) {
-  // More than 255 vectors, so that no lane may overflow.
+  // The longest takes several rounds, so that a lane that overflows shows.
   for (const std::size_t size : {0, 1, 15, 16, 100, 4080, 4096, 10'000}) {
     const std::vector<std::uint8_t> zeros(size);
     std::vector<std::uint8_t> other(size);
