@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "app/program.h"
+#include "buffer/edit.h"
 #include "disk/counters.h"
 #include "disk/drive.h"
 #include "disk/progress.h"
@@ -21,6 +22,7 @@ void forget_everything() {
   run = {};
   output = {};
   disk = {};
+  editor = {};
   counters = {};
   progress = {};
   identification = {};

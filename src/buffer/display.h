@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+/// The sector buffer in the large text box. All of these append to it.
+
+/// Shows Sec_Buf, up to 20 of the sectors that the last transfer moved, and the partition table when it begins at LBA
+/// 0.
+void Display_Sec_Buf();
+
+/// The same for `buffer`, with the title by which the edit view is known; the box scrolls to its end.
+void Display_Buf(std::span<const std::uint8_t> buffer);
+
+/// Describes the partition table in Sec_Buf's first sector.
+void ShowMBRParams();
+
+/// Shows Sec_Buf for editing in place of what the box held; nothing while there is no buffer.
+void CmdDisplay_Click();
