@@ -1,6 +1,8 @@
 #include "app/handlers.h"
 
 #include "app/command.h"
+#include "buffer/display.h"
+#include "buffer/fill.h"
 #include "disk/drive.h"
 #include "disk/progress.h"
 #include "form/form1.h"
@@ -80,6 +82,22 @@ void Option8_Click() {
 
 void CmdRead_Click() {
   run_command(read_command);
+}
+
+void CmdWrite_Click() {
+  run_command(write_command);
+}
+
+void cmdWriteBuffer_Click() {
+  run_command(write_buffer_command);
+}
+
+void display_click() {
+  run_command(CmdDisplay_Click);
+}
+
+void fill_click() {
+  run_command(CmdFillBuffer_Click);
 }
 
 void slow_rate_click() {

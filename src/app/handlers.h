@@ -20,6 +20,12 @@ void Option8_Click();
 void option_click(int drive);
 
 void CmdRead_Click();
+void CmdWrite_Click();
+void cmdWriteBuffer_Click();
+
+/// Shows the buffer for editing, or fills it with the pattern; neither touches a disk. Nothing while a command runs.
+void display_click();
+void fill_click();
 
 /// Asks for the slow-transfer limit.
 void slow_rate_click();

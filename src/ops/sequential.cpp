@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string>
 
+#include "buffer/edit.h"
+#include "buffer/fill.h"
 #include "disk/counters.h"
 #include "disk/drive.h"
 #include "disk/progress.h"
@@ -70,6 +72,33 @@ void Seq_Read() {
   disk.Sec_Buf.data()[0] = 0;
   transfer_range(Read_sectors, start, chunk);
   report_end("\r\n");
+}
+
+void Seq_Write() {
+  Clear_Counters();
+  const std::int64_t start = take_range();
+  announce("Writing");
+  // One step, unlike the read's two; kept, so that rates compare with earlier runs.
+  constexpr std::int64_t kChunk = 16065;
+  transfer_range(Write_sectors, start, std::min(counters.No_Secs, kChunk));
+  report_end("");
+}
+
+void write_command() {
+  CmdFillBuffer_Click();
+  ShowMessage("Started HDD - WRITETOEND");
+  if (confirm_write("WIPE DRIVE?")) run_writing(Seq_Write);
+}
+
+void write_buffer_command() {
+  if (take_edits()) Write_Buffer_To_End();
+}
+
+void Write_Buffer_To_End() {
+  ShowMessage("Started HDD - WRITEBUFFTOEND");
+  const std::string title = "Write " + form1.TxtNoSecs.text() + " sectors starting at sector " +
+                            form1.TxtStartLBA.text() + " from the buffer?";
+  if (confirm_write(title)) run_writing(Seq_Write);
 }
 
 void read_command() {
