@@ -45,6 +45,12 @@ void report_failure(std::string_view what, std::int64_t lba, std::int64_t sector
   form1.Text1.append(text);
 }
 
+void report_read_failure(std::int64_t lba, std::int64_t sectors) {
+  counters.TotalRErrors = counters.TotalErrors + 1;
+  ++counters.TotalErrors;
+  report_failure("Reading", lba, sectors);
+}
+
 void report_write_failure(std::int64_t lba, std::int64_t sectors) {
   // The write count ends one above the total, the read count equal to it; kept, since batch files know these figures.
   ++counters.TotalErrors;
@@ -52,46 +58,52 @@ void report_write_failure(std::int64_t lba, std::int64_t sectors) {
   report_failure("Writing", lba, sectors);
 }
 
-std::int64_t advanced(std::int64_t lba, std::int64_t sectors) {
-  constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
-  return lba > kLast - sectors ? kLast : lba + sectors;
+bool transfer_once(const Direction& direction, std::int64_t lba, std::int64_t sectors) {
+  form1.TxtStatus.set_deferred<position_text>(PositionFacts{lba, sectors, direction.doing});
+  form1.TxtCurrent.set_deferred<lba_text>(lba);
+  progress.XferStart = platform::seconds_since_midnight();
+  const bool done = direction.transfer(lba, sectors);
+  progress.XferEnd = platform::seconds_since_midnight();
+  if (!done) direction.report_failure(lba, sectors);
+  counters.Sectors_Done += sectors;
+  return done;
 }
 
-bool transfer_all(const Direction& direction, std::int64_t* lba, std::int64_t total, std::int64_t per_transfer) {
+bool transfer_all(const Direction& direction, std::int64_t* lba, std::int64_t total, std::int64_t per_transfer,
+                  Events events) {
   if (per_transfer <= 0) return true;
   bool all_done = true;
   const std::int64_t transfers = total / per_transfer;
   for (std::int64_t i = 0; i < transfers; ++i) {
-    platform::DoEvents();
-    if (form1.MyCancel) break;
-    form1.TxtStatus.set_deferred<position_text>(PositionFacts{*lba, per_transfer, direction.doing});
-    form1.TxtCurrent.set_deferred<lba_text>(*lba);
-    progress.XferStart = platform::seconds_since_midnight();
-    const bool done = direction.transfer(*lba, per_transfer);
-    progress.XferEnd = platform::seconds_since_midnight();
-    if (!done) {
-      direction.report_failure(*lba, per_transfer);
-      all_done = false;
+    if (events == Events::run) {
+      platform::DoEvents();
+      if (form1.MyCancel) break;
     }
-    counters.Sectors_Done += per_transfer;
+    all_done = transfer_once(direction, *lba, per_transfer) && all_done;
     Display_Progress(per_transfer, *lba);
-    *lba = advanced(*lba, per_transfer);
+    *lba = lba_after(*lba, per_transfer);
   }
   return all_done;
 }
 
+constexpr Direction kReading{ReadAt, report_read_failure, "reading"};
+constexpr Direction kWriting{WriteAt, report_write_failure, "writing"};
+
 }  // namespace
 
-void report_read_failure(std::int64_t lba, std::int64_t sectors) {
-  counters.TotalRErrors = counters.TotalErrors + 1;
-  ++counters.TotalErrors;
-  report_failure("Reading", lba, sectors);
+std::int64_t lba_after(std::int64_t lba, std::int64_t sectors) {
+  constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
+  return lba > kLast - sectors ? kLast : lba + sectors;
 }
 
-bool Read_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer) {
-  return transfer_all({ReadAt, report_read_failure, "reading"}, lba, total, per_transfer);
+bool read_once(std::int64_t lba, std::int64_t sectors) {
+  return transfer_once(kReading, lba, sectors);
 }
 
-bool Write_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer) {
-  return transfer_all({WriteAt, report_write_failure, "writing"}, lba, total, per_transfer);
+bool Read_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer, Events events) {
+  return transfer_all(kReading, lba, total, per_transfer, events);
+}
+
+bool Write_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer, Events events) {
+  return transfer_all(kWriting, lba, total, per_transfer, events);
 }

@@ -2,14 +2,22 @@
 
 #include <cstdint>
 
+/// Whether pending events run, and MyCancel is tested, before each transfer. They wait while a disk holds data that are
+/// not its own.
+enum class Events : std::uint8_t { run, wait };
+
 /// Reads `total` sectors from `*lba` in whole transfers of `per_transfer` sectors; a remainder smaller than one
 /// transfer is not read. Before each transfer pending events run and MyCancel is tested. Each transfer adds to
 /// Sectors_Done and advances `*lba`, failed ones too; a failed one is counted and reported, never retried. True when
 /// all succeeded.
-bool Read_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer);
+bool Read_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer, Events events = Events::run);
 
 /// The same for writing from the start of Sec_Buf.
-bool Write_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer);
+bool Write_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer, Events events = Events::run);
 
-/// Counts and reports a failed read; the system's code is disk.Errno.
-void report_read_failure(std::int64_t lba, std::int64_t sectors);
+/// The LBA `sectors` sectors behind `lba`; never wraps.
+std::int64_t lba_after(std::int64_t lba, std::int64_t sectors);
+
+/// One timed read of `sectors` sectors from `lba`, shown in the status line, its failure counted and reported, added to
+/// Sectors_Done. False when it failed.
+bool read_once(std::int64_t lba, std::int64_t sectors);

@@ -62,21 +62,9 @@ bool lock_volume(const std::string& volume) {
 
 void lock_pass(int drive) {
   volumes.hVolumes.fill(0);
-  const wmi::WmiHandle service = wmi::open("winmgmts:{impersonationLevel=Impersonate}!//.");
-  if (service == wmi::kNoWmi) return;
-  const std::string device_id = R"(\\\\.\\PhysicalDrive)" + std::to_string(drive);
-  bool going = true;
-  for (const std::string& partition :
-       device_ids(service, "ASSOCIATORS OF {Win32_DiskDrive.DeviceID=\"" + device_id +
-                               "\"} WHERE AssocClass = Win32_DiskDriveToDiskPartition")) {
-    for (const std::string& volume :
-         device_ids(service, "ASSOCIATORS OF {Win32_DiskPartition.DeviceID=\"" + partition +
-                                 "\"} WHERE AssocClass = Win32_LogicalDiskToPartition")) {
-      going = going && lock_volume(volume);
-    }
-    if (!going) break;
+  for (const std::string& volume : volumes_on(drive)) {
+    if (!lock_volume(volume)) return;
   }
-  wmi::close(service);
 }
 
 void unlock_pass() {
@@ -88,6 +76,23 @@ void unlock_pass() {
 }
 
 }  // namespace
+
+std::vector<std::string> volumes_on(int drive) {
+  std::vector<std::string> found;
+  const wmi::WmiHandle service = wmi::open("winmgmts:{impersonationLevel=Impersonate}!//.");
+  if (service == wmi::kNoWmi) return found;
+  const std::string device_id = R"(\\\\.\\PhysicalDrive)" + std::to_string(drive);
+  for (const std::string& partition :
+       device_ids(service, "ASSOCIATORS OF {Win32_DiskDrive.DeviceID=\"" + device_id +
+                               "\"} WHERE AssocClass = Win32_DiskDriveToDiskPartition")) {
+    for (std::string& volume : device_ids(service, "ASSOCIATORS OF {Win32_DiskPartition.DeviceID=\"" + partition +
+                                                       "\"} WHERE AssocClass = Win32_LogicalDiskToPartition")) {
+      found.push_back(std::move(volume));
+    }
+  }
+  wmi::close(service);
+  return found;
+}
 
 void Lock_Unlock_All_Volumes(int drive, const std::string& mode) {
   if (mode == "LOCK") {

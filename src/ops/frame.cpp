@@ -1,6 +1,7 @@
 #include "ops/frame.h"
 
 #include <string>
+#include <string_view>
 
 #include "device/system_disk.h"
 #include "disk/drive.h"
@@ -70,15 +71,27 @@ void fill_remembered_range() {
 
 }  // namespace
 
-void Start_Operation() {
+bool open_for_operation() {
   output.ExitCode = 0;
-  frame = {.Smart_Text = "SMART DATA BEFORE OPERATION\r\n", .before = {}, .Op_Start_Date = platform::local_time()};
   GetandOpenDrive();
-  if (!Check_drv(form1.SelectedDrive)) {
+  const bool found = Check_drv(form1.SelectedDrive);
+  if (found) {
+    check_drive_of_run();
+  } else {
     refuse_missing_drive();
-    return;
   }
-  check_drive_of_run();
+  return found;
+}
+
+void show_in_report(void (*show)()) {
+  const std::size_t before = form1.Text1.text().size();
+  show();
+  PrintReport(std::string_view(form1.Text1.text()).substr(before));
+}
+
+void Start_Operation() {
+  frame = {.Smart_Text = "SMART DATA BEFORE OPERATION\r\n", .before = {}, .Op_Start_Date = platform::local_time()};
+  if (!open_for_operation()) return;
   // The selection copies the status into Text1 after it was cleared; kept, a command-line report begins with the drive.
   if (form1.CommandLineMode) SelectDrive();
   form1.MyCancel = false;

@@ -12,6 +12,13 @@ void Start_Operation();
 /// nothing when the user asked to leave.
 void End_Operation();
 
+/// Sets the exit code to 0, opens and identifies the selected drive and, in a run with /OP, makes sure that it is the one
+/// that the run may work on. False when the drive is missing, which is told as for Start_Operation.
+bool open_for_operation();
+
+/// Lets `show` append to Text1 and writes what it appended to the report.
+void show_in_report(void (*show)());
+
 /// Runs `operation` in the frame of a command that writes: the drive's volumes are locked and dismounted around it.
 void run_writing(void (*operation)());
 

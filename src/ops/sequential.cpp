@@ -13,19 +13,11 @@
 #include "form/number_text.h"
 #include "form/output.h"
 #include "ops/frame.h"
+#include "ops/range.h"
 #include "ops/totals.h"
 #include "platform/clock.h"
 
 namespace {
-
-/// Takes the range from the fields, writes it back as plain numbers, and gives the first LBA.
-std::int64_t take_range() {
-  const std::int64_t start = number_in(form1.TxtStartLBA.text());
-  form1.TxtStartLBA.set_text(std::to_string(start));
-  counters.No_Secs = std::max<std::int64_t>(number_in(form1.TxtNoSecs.text()), 1);
-  form1.TxtNoSecs.set_text(std::to_string(counters.No_Secs));
-  return start;
-}
 
 void announce(const std::string& doing) {
   const std::string line = doing + " " + std::to_string(counters.No_Secs) + " sectors starting at LBA " +
@@ -35,11 +27,12 @@ void announce(const std::string& doing) {
 }
 
 /// Transfers the whole range: first the whole chunks, then what is left of it.
-void transfer_range(bool (*transfer)(std::int64_t*, std::int64_t, std::int64_t), std::int64_t lba, std::int64_t chunk) {
+void transfer_range(bool (*transfer)(std::int64_t*, std::int64_t, std::int64_t, Events), std::int64_t lba,
+                    std::int64_t chunk) {
   counters.OpStartTime = platform::seconds_since_midnight();
-  transfer(&lba, counters.No_Secs, chunk);
+  transfer(&lba, counters.No_Secs, chunk, Events::run);
   const std::int64_t left = counters.No_Secs - counters.Sectors_Done;
-  if (left > 0) transfer(&lba, left, left);
+  if (left > 0) transfer(&lba, left, left, Events::run);
   counters.OpEndTime = platform::seconds_since_midnight();
 }
 
@@ -54,14 +47,6 @@ void report_end(const std::string& before) {
 }
 
 }  // namespace
-
-std::int64_t read_chunk(std::int64_t sectors) {
-  // Two steps, the lower one odd: kept, so that rates compare with earlier runs.
-  constexpr std::int64_t kChunk = 16065;
-  constexpr std::int64_t kLargeChunk = 20480;
-  if (sectors >= kLargeChunk) return kLargeChunk;
-  return std::min(sectors, kChunk);
-}
 
 void Seq_Read() {
   Clear_Counters();
