@@ -34,7 +34,8 @@ SystemDisk holds_windows(int drive) {
   const std::uint32_t count = bytes::le32(extents, 0);
   if (!answered || count == 0 || count > kMostExtents) return SystemDisk::unknown;
   for (std::size_t i = 0; i < count; ++i) {
-    if (bytes::le32(extents, kFirstExtent + i * kExtentBytes) == static_cast<std::uint32_t>(drive)) return SystemDisk::yes;
+    if (bytes::le32(extents, kFirstExtent + i * kExtentBytes) == static_cast<std::uint32_t>(drive))
+      return SystemDisk::yes;
   }
   return SystemDisk::no;
 }

@@ -37,7 +37,7 @@ int digits_at(std::string_view text, std::size_t at, std::size_t length) {
 
 /// A CIM DATETIME's local date and time; fraction and offset are left out.
 platform::DateTime local_time_in(std::string_view text) {
-  return {digits_at(text, 0, 4),  digits_at(text, 4, 2),  digits_at(text, 6, 2),
+  return {digits_at(text, 0, 4), digits_at(text, 4, 2),  digits_at(text, 6, 2),
           digits_at(text, 8, 2), digits_at(text, 10, 2), digits_at(text, 12, 2)};
 }
 
@@ -109,8 +109,8 @@ void Query_System_Event_Log(const platform::DateTime& start) {
     AppendReportVars(variables);
     form1.Text1.append(variables);
     report(events.listed > 0 ? events.listing
-                             : "No system event log events occurred between " + platform::default_form(start) + " and " +
-                                   platform::default_form(now) + ".");
+                             : "No system event log events occurred between " + platform::default_form(start) +
+                                   " and " + platform::default_form(now) + ".");
     add_to_exit_code(events.listed);
   }
   if (!events.complete) report("\r\nSystem Event Log query failed (no event logging in this OS?)");

@@ -67,9 +67,9 @@ bool search_range(const Search& search, Place* place) {
 /// A search run from the command line adds its place to the variables; both empty when nothing was found.
 void report_place(bool found, const Place& place) {
   if (run.op != Operation::search) return;
-  const std::string variables =
-      "\r\nSET QV_D_FOUND_LBA=" + (found ? std::to_string(place.lba) : std::string()) +
-      "\r\nSET QV_D_FOUND_OFFSET=" + (found ? std::to_string(place.offset) : std::string()) + "\r\n";
+  const std::string variables = "\r\nSET QV_D_FOUND_LBA=" + (found ? std::to_string(place.lba) : std::string()) +
+                                "\r\nSET QV_D_FOUND_OFFSET=" + (found ? std::to_string(place.offset) : std::string()) +
+                                "\r\n";
   AppendReportVars(variables);
   form1.Text1.append(variables);
 }

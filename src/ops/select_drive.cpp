@@ -11,7 +11,7 @@
 void select_drive_keeping_text() {
   identification.Drive_Sectors = 0;
   auto* const chosen = std::find_if(form1.Options.begin(), form1.Options.end(),
-                                   [](const platform::Field& option) { return option.on(); });
+                                    [](const platform::Field& option) { return option.on(); });
   if (chosen != form1.Options.end()) form1.SelectedDrive = static_cast<int>(chosen - form1.Options.begin());
   GetandOpenDrive();
   const bool found = Check_drv(form1.SelectedDrive);

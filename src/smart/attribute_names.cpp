@@ -67,7 +67,8 @@ constexpr std::array<AttributeName, 49> kNames = {{
 
 std::string AttName(std::uint8_t id) {
   constexpr std::size_t kWidth = 29;
-  const auto* const row = std::find_if(kNames.begin(), kNames.end(), [id](const AttributeName& n) { return n.id == id; });
+  const auto* const row =
+      std::find_if(kNames.begin(), kNames.end(), [id](const AttributeName& n) { return n.id == id; });
   std::string name = row == kNames.end() ? "(unknown parameter)" : row->name;
   name.resize(kWidth, ' ');
   return name;

@@ -143,8 +143,7 @@ std::string size_variables() {
   constexpr std::int64_t kUnit = 15625;
   const std::int64_t decimal_mb = sectors / kUnit * 8 + sectors % kUnit * 8 / kUnit;
   constexpr std::int64_t kMbPerGb = 1024;
-  return line("SET QV_D_SECTORS=", std::to_string(sectors)) +
-         line("SET QV_D_SIZE_DECMB=", std::to_string(decimal_mb)) +
+  return line("SET QV_D_SECTORS=", std::to_string(sectors)) + line("SET QV_D_SIZE_DECMB=", std::to_string(decimal_mb)) +
          // Binary gigabytes beside decimal megabytes; kept, batch files know both figures.
          line("SET QV_D_SIZE_GB=", std::to_string(sectors / kSectorsPerMb / kMbPerGb));
 }
@@ -167,9 +166,8 @@ std::string smart_variables() {
          line("SET QV_S_FINAL_TEMP=", kept_text(c.final_temperature)) +
          line("SET QV_S_REALLOC_EVENTS=", kept_text(c.reallocation_events)) +
          line("SET QV_S_UNCORRECTABLE=", kept_text(c.uncorrectable_sectors)) +
-         line("SET QV_S_UDMA_CRC=", kept_text(c.udma_crc_errors)) +
-         line("SET QV_S_ERRORS=", std::to_string(c.errors)) + line("SET QV_S_WARNINGS=", std::to_string(c.warnings)) +
-         line("SET QV_S_INFO=", std::to_string(c.info));
+         line("SET QV_S_UDMA_CRC=", kept_text(c.udma_crc_errors)) + line("SET QV_S_ERRORS=", std::to_string(c.errors)) +
+         line("SET QV_S_WARNINGS=", std::to_string(c.warnings)) + line("SET QV_S_INFO=", std::to_string(c.info));
 }
 
 std::string identity_variables(std::string (*shown)(std::string)) {

@@ -1,5 +1,7 @@
 #include "tests/support/rig.h"
 
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -9,10 +11,13 @@
 #include "disk/counters.h"
 #include "disk/drive.h"
 #include "disk/progress.h"
+#include "disk/volume.h"
 #include "form/form1.h"
 #include "form/output.h"
 #include "form/run.h"
+#include "smart/compare.h"
 #include "smart/identification.h"
+#include "smart/snapshot.h"
 #include "virtualdisk/virtualdisk.h"
 
 namespace {
@@ -26,6 +31,9 @@ void forget_everything() {
   counters = {};
   progress = {};
   identification = {};
+  smart = {};
+  comparison = {};
+  volumes = {};
   headless::desktop = {};
 }
 
@@ -44,7 +52,8 @@ Rig::~Rig() {
 
 std::string Rig::path(const std::string& name) {
   const auto* const test = ::testing::UnitTest::GetInstance()->current_test_info();
-  return ::testing::TempDir() + "sectorix-" + test->test_suite_name() + "-" + test->name() + "/" + name;
+  return ::testing::TempDir() + "sectorix-" + std::to_string(getpid()) + "-" + test->test_suite_name() + "-" +
+         test->name() + "/" + name;
 }
 
 std::string Rig::write_file(const std::string& name, const std::string& contents) {

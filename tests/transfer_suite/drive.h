@@ -10,5 +10,8 @@ inline constexpr int kSuiteSectors = 4096;
 /// Attaches the drive to the image where that is the suite's business.
 void attach_suite_drive(const std::string& image);
 
+/// Undoes it.
+void detach_suite_drive();
+
 /// Where the drive's image is.
 std::string suite_image();

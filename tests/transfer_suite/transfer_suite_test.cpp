@@ -28,7 +28,10 @@ class TransferSuite : public ::testing::Test {
     disk.Sec_Buf.resize(100 * kSectorSize);
     counters.No_Secs = 100;
   }
-  ~TransferSuite() override { CloseDrive(); }
+  ~TransferSuite() override {
+    CloseDrive();
+    detach_suite_drive();
+  }
 
   static void write_image() {
     // In place, since a drive may hold the file open.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -44,8 +45,9 @@ class BenchTest : public testing::Test {
   /// A name of this test's own, since tests run side by side.
   static std::string path(const std::string& name) {
     const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
-    const std::filesystem::path folder = std::filesystem::path(testing::TempDir()) /
-                                         ("disks-" + std::string(test.test_suite_name()) + "-" + test.name());
+    const std::filesystem::path folder =
+        std::filesystem::path(testing::TempDir()) /
+        ("disks-" + std::to_string(getpid()) + "-" + std::string(test.test_suite_name()) + "-" + test.name());
     std::filesystem::create_directories(folder);
     return (folder / name).string();
   }
