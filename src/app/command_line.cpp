@@ -6,6 +6,7 @@
 #include <limits>
 #include <vector>
 
+#include "buffer/search.h"
 #include "form/form1.h"
 #include "form/number_text.h"
 
@@ -49,8 +50,12 @@ bool take_number(std::string_view text, std::int64_t least, std::int64_t most, s
 }
 
 bool take_operation(const std::string& value, Run* asked) {
-  if (upper_case(value) != "READ") return false;
-  asked->op = Operation::read;
+  // In the order of Operation.
+  constexpr std::array kNames = {"READ", "WRITE", "RANDOMREAD", "RANDOMWRITE", "SEARCH", "SHOW", "SMART"};
+  const std::string name = upper_case(value);
+  const auto* const row = std::find(kNames.begin(), kNames.end(), name);
+  if (row == kNames.end()) return false;
+  asked->op = static_cast<Operation>(row - kNames.begin());
   return true;
 }
 
@@ -77,6 +82,25 @@ bool take_slow(const std::string& value, Run* asked) {
   return upper_case(value) == "AUTO" || (only_number && leading_number(value) > 0.0);
 }
 
+bool take_passes(const std::string& value, Run* asked) {
+  std::int64_t passes = 0;
+  const bool taken = take_number(value, 1, std::numeric_limits<std::int32_t>::max(), &passes);
+  if (taken) asked->passes = static_cast<std::int32_t>(passes);
+  return taken;
+}
+
+/// 1 to 4 bytes, two digits each.
+bool take_pattern(const std::string& value, Run* asked) {
+  asked->pattern = value;
+  return !value.empty() && value.size() <= 8 && value.size() % 2 == 0 &&
+         value.find_first_not_of("0123456789ABCDEFabcdef") == std::string::npos;
+}
+
+bool take_find(const std::string& value, Run* asked) {
+  asked->find = value;
+  return parse_search(value).problem == SearchProblem::none;
+}
+
 bool take_text(const std::string& value, std::optional<std::string>* text) {
   *text = value;
   return !value.empty();
@@ -95,13 +119,23 @@ constexpr std::array kSwitches = {
     Switch{"/VDISK", true, true, take_virtual_disk,
            "/VDISK:n=FILE     attach a virtual disk as drive n: a disk file (.vd), an image (.img .raw .bin .dd),\r\n"
            "                  or DEMO, the practice disk"},
-    Switch{"/OP", true, false, take_operation, "/OP:READ          read the range, report, and end with the exit code"},
+    Switch{"/OP", true, false, take_operation,
+           "/OP:NAME          run one command and end with its exit code: READ, WRITE (pattern), RANDOMREAD,\r\n"
+           "                  RANDOMWRITE (non-destructive), SEARCH, SHOW (sectors in hex), SMART (listing)"},
     Switch{"/LIST", false, false, [](const std::string&, Run* asked) { return asked->list = true; },
            "/LIST             list the drives that answer: number, model, serial, firmware, sectors, size"},
     Switch{"/START", true, false, take_start, "/START:lba        first LBA of the run"},
-    Switch{"/COUNT", true, false, take_count, "/COUNT:n          number of sectors"},
+    Switch{"/COUNT", true, false, take_count,
+           "/COUNT:n          number of sectors; of a random test: sectors per visit, at most 16065"},
+    Switch{"/PASSES", true, false, take_passes, "/PASSES:n         passes of a random test"},
     Switch{"/SLOW", true, false, take_slow,
            "/SLOW:n           report transfers slower than n MB/s; AUTO: half the average"},
+    Switch{"/PATTERN", true, false, take_pattern, "/PATTERN:hex      fill pattern: 2, 4, 6 or 8 hex digits"},
+    Switch{"/FIND", true, false, take_find,
+           "/FIND:text        search string: tText, TText (any case), H0531 (bytes), !H2E (first other byte)"},
+    Switch{"/SERIAL", true, false,
+           [](const std::string& value, Run* asked) { return take_text(value, &asked->serial); },
+           "/SERIAL:text      serial number that the drive must carry; WRITE needs it"},
     Switch{"/REPORT", true, false,
            [](const std::string& value, Run* asked) { return take_text(value, &asked->report); },
            "/REPORT:FILE      write the report to FILE; - is standard output, the default with /OP"},
@@ -132,12 +166,26 @@ struct Tally {
   std::string stray;  // the first text that is no switch
 };
 
+/// What an operation needs, or what it cannot take.
+std::string judge_operation(const Run& asked) {
+  constexpr std::int64_t kMostPerVisit = 16065;
+  constexpr std::int64_t kMostShown = 20;
+  const bool random = asked.op == Operation::random_read || asked.op == Operation::random_write;
+  if (asked.op == Operation::write && !asked.serial) return "/OP:WRITE needs /SERIAL:text, the drive's serial number.";
+  if (asked.op == Operation::search && !asked.find) return "/OP:SEARCH needs /FIND:text.";
+  if (random && asked.count > kMostPerVisit) return "/COUNT of a random test is at most 16065.";
+  if (asked.op == Operation::show && asked.count > kMostShown) return "/OP:SHOW shows at most 20 sectors.";
+  return {};
+}
+
 std::string judge(const Run& asked, const Tally& tally) {
   if (asked.usage) return {};
   if (asked.op && asked.list) return "/OP and /LIST exclude each other.";
   if ((asked.op || asked.list) && !tally.stray.empty())
     return "\"" + tally.stray + "\" is not understood; /? lists all switches.";
   if (asked.op && tally.drives != 1) return "/OP needs exactly one /D:n, n from 0 to 7.";
+  std::string error = judge_operation(asked);
+  if (!error.empty()) return error;
   if (asked.report && tally.drives == 0) return "/REPORT needs /D:n, n from 0 to 7.";
   if (asked.vars && tally.drives == 0) return "/VARS needs /D:n, n from 0 to 7.";
   return {};

@@ -7,6 +7,8 @@
 #include "disk/progress.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "ops/random.h"
+#include "ops/search.h"
 #include "ops/select_drive.h"
 #include "ops/sequential.h"
 #include "platform/window.h"
@@ -98,6 +100,18 @@ void display_click() {
 
 void fill_click() {
   run_command(CmdFillBuffer_Click);
+}
+
+void CmdFind_Click() {
+  run_command(find_command);
+}
+
+void CmdRnd_Click() {
+  run_command(random_write_command);
+}
+
+void CmdRndRD_Click() {
+  run_command(random_read_command);
 }
 
 void slow_rate_click() {

@@ -27,6 +27,10 @@ void cmdWriteBuffer_Click();
 void display_click();
 void fill_click();
 
+void CmdFind_Click();
+void CmdRnd_Click();
+void CmdRndRD_Click();
+
 /// Asks for the slow-transfer limit.
 void slow_rate_click();
 

@@ -1,7 +1,9 @@
 #include "app/program.h"
 
+#include <array>
 #include <string>
 
+#include "app/command.h"
 #include "app/command_line.h"
 #include "app/controls.h"
 #include "app/drive_list.h"
@@ -11,6 +13,10 @@
 #include "form/form1.h"
 #include "form/output.h"
 #include "form/run.h"
+#include "ops/random.h"
+#include "ops/search.h"
+#include "ops/sequential.h"
+#include "ops/show.h"
 #include "platform/console.h"
 #include "platform/window.h"
 #include "virtualdisk/virtualdisk.h"
@@ -41,8 +47,13 @@ std::string open_outputs() {
   return report.empty() ? std::string() : open_report(report);
 }
 
+/// The command of each operation that /OP names, in the order of Operation.
+constexpr std::array<void (*)(), 7> kCommands = {read_command, write_command, random_read_command, random_write_command,
+                                                 find_command, show_command,  smart_command};
+
 void run_operation() {
-  CmdRead_Click();
+  if (run.pattern) form1.TxtPattern.set_text(*run.pattern);
+  run_command(kCommands.at(static_cast<std::size_t>(*run.op)));
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "form/progress_line.h"
 #include "form/run.h"
 #include "ops/select_drive.h"
+#include "ops/visit.h"
 #include "platform/clock.h"
 #include "platform/console.h"
 #include "smart/compare.h"
@@ -114,6 +115,7 @@ void End_Operation() {
   PrintReport(frame.Smart_Text + "\r\n\r\n");
   form1.Text1.append("\r\n" + frame.Smart_Text);
   CloseDrive();
+  report_lost_places();
 }
 
 void run_writing(void (*operation)()) {

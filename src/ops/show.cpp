@@ -6,6 +6,7 @@
 #include "disk/drive.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "form/run.h"
 #include "ops/frame.h"
 #include "ops/sequential.h"
 #include "smart/snapshot.h"
@@ -13,6 +14,7 @@
 void show_command() {
   form1.Text1.set_text({});
   Start_Operation();
+  if (run.count == 0) form1.TxtNoSecs.set_text("1");
   Seq_Read();
   if (form1.Exit_Requested) return;
   show_in_report(Display_Sec_Buf);

@@ -75,6 +75,9 @@ std::uint32_t GetLastError();
 /// The volume that Windows runs from, as "C:"; empty when the system does not tell.
 std::string system_volume();
 
+/// `name` as a whole path, as "C:\folder\file"; `name` itself where the system does not tell.
+std::string full_path(const std::string& name);
+
 /// Asked before a call that an attached virtual disk is about to answer: the system error with which the call is to
 /// fail, or 0 to let the disk answer. On Windows always 0; the headless platform keeps the call and may fail it, as it
 /// may fail its own, so that a test reaches every error path of a run.

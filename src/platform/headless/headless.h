@@ -42,7 +42,8 @@ struct Desktop {
   bool has_display = false;
   std::string command_line = "sectorix";
   bool err_is_terminal = false;
-  std::string system_volume;  // empty: the system does not tell
+  std::string current_volume;  // before every path, as "X:"
+  std::string system_volume;   // empty: the system does not tell
 
   // Clock.
   double midnight_seconds = 36000.0;  // seconds since midnight

@@ -188,6 +188,10 @@ std::string system_volume() {
   return desktop.system_volume;
 }
 
+std::string full_path(const std::string& name) {
+  return desktop.current_volume + name;
+}
+
 void Sleep(std::uint32_t milliseconds) {
   desktop.calls.emplace_back("Sleep");
   headless::pass_time(milliseconds / 1000.0);

@@ -1,0 +1,188 @@
+#include "ops/random.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <vector>
+
+#include "buffer/fill.h"
+#include "buffer/hex_text.h"
+#include "buffer/pattern.h"
+#include "disk/counters.h"
+#include "disk/drive.h"
+#include "disk/transfer.h"
+#include "form/form1.h"
+#include "form/number_text.h"
+#include "form/output.h"
+#include "ops/frame.h"
+#include "ops/random_numbers.h"
+#include "ops/random_parameters.h"
+#include "ops/totals.h"
+#include "ops/visit.h"
+#include "platform/clock.h"
+#include "smart/identification.h"
+
+RandomTest random_test;
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+void report(const std::string& text) {
+  PrintReport(text);
+  form1.Text1.append(text);
+}
+
+/// The bytes of a visit; the buffer has one more, which is never transferred or compared.
+std::span<std::uint8_t> visit_bytes() {
+  return disk.Sec_Buf.bytes().first(static_cast<std::size_t>(counters.No_Secs * kSectorSize));
+}
+
+void size_buffer() {
+  disk.Sec_Buf.resize(counters.No_Secs * kSectorSize + 1);
+}
+
+/// Takes the parameters into counters.No_Secs and random_test. False when the user leaves, or when the disk has no room
+/// for a visit, which is told.
+bool begin_test() {
+  Clear_Counters();
+  random_test = {};
+  if (!take_random_parameters(&random_test.passes, &counters.No_Secs)) return false;
+  if (identification.Drive_Sectors > counters.No_Secs) return true;
+  report("The disk has " + std::to_string(identification.Drive_Sectors) + " sectors, a visit " +
+         std::to_string(counters.No_Secs) + ": nothing was done.\r\n");
+  return false;
+}
+
+std::string what_is_done() {
+  return std::to_string(counters.No_Secs) + " sectors per operation, " + std::to_string(random_test.passes) +
+         " passes on drive " + std::to_string(form1.SelectedDrive) + "\r\n";
+}
+
+/// Makes the passes, each followed by its count and the test for a cancel.
+void make_visits(void (*visit)()) {
+  counters.OpStartTime = platform::seconds_since_midnight();
+  for (std::int32_t pass = 0; pass < random_test.passes; ++pass) {
+    visit();
+    ++random_test.Ops_Done;
+    if (form1.MyCancel) break;
+  }
+  counters.OpEndTime = platform::seconds_since_midnight();
+}
+
+void report_end(const std::string& operations, const std::string& moved) {
+  if (form1.Exit_Requested) return;
+  report("Time taken= " + single_text(elapsed_seconds()) + " seconds for " +
+         std::to_string(random_test.Ops_Done * counters.No_Secs) + " " + operations + " sector operations.\r\n" +
+         moved + std::to_string(counters.Sectors_Done));
+  Do_errors();
+  form1.Text1.append("\r\nFinished!\r\n");
+}
+
+void count_compare(std::span<const std::uint8_t> written, bool read_back) {
+  // One for the visit, however many bytes differ; what could not be read back differs.
+  if (!read_back || count_differing(visit_bytes(), written) > 0) ++counters.TotalCErrors;
+}
+
+void read_visit() {
+  std::int64_t lba = GetRandomSector(counters.No_Secs);
+  Read_sectors(&lba, counters.No_Secs, counters.No_Secs);
+}
+
+void write_visit() {
+  Visit visit(GetRandomSector(counters.No_Secs), counters.No_Secs);
+  if (!visit.take_former_contents()) return;
+  FillRandPatt();
+  const Bytes written(visit_bytes().begin(), visit_bytes().end());
+  visit.write();
+  count_compare(written, visit.read());
+  visit.give_back();
+}
+
+/// What a destructive test writes at every place.
+Bytes pattern_of_test;
+
+void destructive_visit() {
+  const std::int64_t lba = GetRandomSector(counters.No_Secs);
+  form1.TxtStartLBA.set_text(std::to_string(lba));
+  std::copy(pattern_of_test.begin(), pattern_of_test.end(), disk.Sec_Buf.data());
+  std::int64_t write_lba = lba;
+  Write_sectors(&write_lba, counters.No_Secs, counters.No_Secs);
+  if (form1.MyCancel) return;
+  std::int64_t read_lba = lba;
+  count_compare(pattern_of_test, Read_sectors(&read_lba, counters.No_Secs, counters.No_Secs, Events::wait));
+}
+
+}  // namespace
+
+std::int64_t GetRandomSector(std::int64_t sectors) {
+  const std::int64_t places = identification.Drive_Sectors - sectors;
+  return std::min(static_cast<std::int64_t>(static_cast<double>(places) * next_uniform()), places - 1);
+}
+
+void FillRandPatt() {
+  // Times 255 and cut: FF never comes; kept, so that runs give the patterns of earlier ones.
+  constexpr float kValues = 255.0F;
+  std::array<std::uint8_t, 4> pattern{};
+  std::string shown;
+  for (std::uint8_t& byte : pattern) {
+    byte = static_cast<std::uint8_t>(next_uniform_single() * kValues);
+    shown += hex_padded(byte, 1);
+  }
+  // Whole patterns as long as they begin four bytes before the last index: in a buffer of whole sectors the last four
+  // bytes stay as they are, in the tests' buffers, one byte longer, none of a sector's.
+  const std::int64_t last_start = disk.Sec_Buf.size() - 1 - std::ssize(pattern);
+  if (last_start < 0) return;
+  const std::int64_t filled = (last_start / std::ssize(pattern) + 1) * std::ssize(pattern);
+  fill_pattern(disk.Sec_Buf.bytes().first(static_cast<std::size_t>(filled)), pattern);
+  form1.TxtPattern.set_text(shown);
+}
+
+void Random_Read_Test() {
+  if (!begin_test()) return;
+  report("Random disk read " + what_is_done());
+  size_buffer();
+  make_visits(read_visit);
+  report_end("Read", "Total sectors read = ");
+}
+
+void Random_Write_Test() {
+  if (!begin_test()) return;
+  report("Random disk write " + what_is_done());
+  size_buffer();
+  make_visits(write_visit);
+  report_end("Read-Fill-Write-Read-Compare-Write", "Total sectors read/written = ");
+}
+
+void Destructive_Random_Write_Test() {
+  if (!begin_test()) return;
+  form1.TxtNoSecs.set_text(std::to_string(counters.No_Secs));
+  size_buffer();
+  CmdFillBuffer_Click();
+  pattern_of_test.assign(visit_bytes().begin(), visit_bytes().end());
+  report("Destructive Random Write test to whole disk with pattern " + form1.TxtPattern.text() + ", " +
+         std::to_string(random_test.passes) + " passes, " + std::to_string(counters.No_Secs) +
+         " sectors per operation on drive " + std::to_string(form1.SelectedDrive) + "\r\n");
+  make_visits(destructive_visit);
+  report_end("Write-Read-Compare", "Total sectors read/written = ");
+}
+
+void random_read_command() {
+  ShowMessage("Started HDD - RANDOMREAD");
+  form1.Text1.set_text({});
+  Start_Operation();
+  Random_Read_Test();
+  End_Operation();
+}
+
+void random_write_command() {
+  ShowMessage("Started HDD - RANDOMWRITE");
+  run_writing(Random_Write_Test);
+}
+
+void Cmd_Destructive_Random_Write() {
+  if (!confirm_write("WRITE TO DRIVE?")) return;
+  form1.Text1.set_text({});
+  ShowMessage("Started HDD - DESTRUCTIVE RANDOMWRITE");
+  run_writing(Destructive_Random_Write_Test);
+}

@@ -1,0 +1,62 @@
+#include "ops/visit.h"
+
+#include <algorithm>
+
+#include "disk/drive.h"
+#include "disk/transfer.h"
+#include "form/form1.h"
+#include "form/output.h"
+#include "form/run.h"
+#include "ops/rescue_file.h"
+#include "platform/console.h"
+
+LostPlaces lost_places;
+
+Visit::~Visit() {
+  platform::allow_shutdown();
+}
+
+bool Visit::take_former_contents() {
+  std::int64_t lba = lba_;
+  disk.Buf_Secs = 0;  // tells a read that a cancel kept from beginning
+  Read_sectors(&lba, sectors_, sectors_);
+  platform::hold_shutdown();
+  if (disk.Buf_Secs == sectors_) {
+    const auto bytes = disk.Sec_Buf.bytes().first(static_cast<std::size_t>(sectors_ * kSectorSize));
+    saved_.assign(bytes.begin(), bytes.end());
+    return true;
+  }
+  if (!form1.MyCancel) {
+    const std::string line = "Not written: the former contents could not be read.\r\n";
+    PrintReport(line);
+    form1.Text1.append(line);
+  }
+  return false;
+}
+
+bool Visit::write() {
+  std::int64_t lba = lba_;
+  return Write_sectors(&lba, sectors_, sectors_, Events::wait);
+}
+
+bool Visit::read() {
+  std::int64_t lba = lba_;
+  return Read_sectors(&lba, sectors_, sectors_, Events::wait);
+}
+
+void Visit::give_back() {
+  std::copy(saved_.begin(), saved_.end(), disk.Sec_Buf.data());
+  if (write()) return;
+  lost_places.lines.push_back("Former contents of " + std::to_string(sectors_) + " sectors at LBA " +
+                              std::to_string(lba_) + " could not be written back. " +
+                              save_to_rescue_file(lba_, saved_));
+}
+
+void report_lost_places() {
+  for (const std::string& line : lost_places.lines) {
+    PrintReport(line);
+    form1.Text1.append("\r\n" + line);
+    if (run.op) platform::write_err(line + "\r\n");
+  }
+  lost_places = {};
+}
