@@ -115,6 +115,7 @@ void End_Operation() {
   PrintReport(frame.Smart_Text + "\r\n\r\n");
   form1.Text1.append("\r\n" + frame.Smart_Text);
   CloseDrive();
+  if (!lost_places.lines.empty()) form1.Text1.append("\r\n");
   report_lost_places();
 }
 

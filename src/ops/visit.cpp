@@ -12,6 +12,15 @@
 
 LostPlaces lost_places;
 
+namespace {
+
+void tell(const std::string& line) {
+  PrintReport(line);
+  form1.Text1.append(line + "\r\n");
+}
+
+}  // namespace
+
 Visit::~Visit() {
   platform::allow_shutdown();
 }
@@ -26,11 +35,7 @@ bool Visit::take_former_contents() {
     saved_.assign(bytes.begin(), bytes.end());
     return true;
   }
-  if (!form1.MyCancel) {
-    const std::string line = "Not written: the former contents could not be read.\r\n";
-    PrintReport(line);
-    form1.Text1.append(line);
-  }
+  if (!form1.MyCancel) tell("Not written: the former contents could not be read.");
   return false;
 }
 
@@ -47,16 +52,15 @@ bool Visit::read() {
 void Visit::give_back() {
   std::copy(saved_.begin(), saved_.end(), disk.Sec_Buf.data());
   if (write()) return;
-  lost_places.lines.push_back("Former contents of " + std::to_string(sectors_) + " sectors at LBA " +
-                              std::to_string(lba_) + " could not be written back. " +
-                              save_to_rescue_file(lba_, saved_));
+  const std::string line = "Former contents of " + std::to_string(sectors_) + " sectors at LBA " +
+                           std::to_string(lba_) + " could not be written back. " + save_to_rescue_file(lba_, saved_);
+  lost_places.lines.push_back(line);
+  // At once, since the process may end before the report does.
+  tell(line);
+  if (run.op) platform::write_err(line + "\r\n");
 }
 
 void report_lost_places() {
-  for (const std::string& line : lost_places.lines) {
-    PrintReport(line);
-    form1.Text1.append("\r\n" + line);
-    if (run.op) platform::write_err(line + "\r\n");
-  }
+  for (const std::string& line : lost_places.lines) tell(line);
   lost_places = {};
 }

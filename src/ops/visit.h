@@ -39,5 +39,5 @@ struct LostPlaces {
 
 extern LostPlaces lost_places;
 
-/// Tells the lost places as the last lines of the report, in Text1 and on standard error of a run with /OP.
+/// Tells the lost places again, as the last lines of Text1 and the report.
 void report_lost_places();

@@ -15,6 +15,9 @@
 #include "form/form1.h"
 #include "form/output.h"
 #include "form/run.h"
+#include "ops/random.h"
+#include "ops/random_numbers.h"
+#include "ops/visit.h"
 #include "smart/compare.h"
 #include "smart/identification.h"
 #include "smart/snapshot.h"
@@ -32,6 +35,9 @@ void forget_everything() {
   progress = {};
   identification = {};
   smart = {};
+  random_numbers = {};
+  random_test = {};
+  lost_places = {};
   comparison = {};
   volumes = {};
   headless::desktop = {};
