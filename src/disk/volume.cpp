@@ -51,11 +51,12 @@ bool lock_volume(const std::string& volume) {
     return false;
   }
   trace("Lock_Unlock_All_Volumes - Volume handle " + volume + " opened");
-  volume_request(handle, kLockVolume);
-  // Asked twice, since a file system that was busy at the first request often yields at the second.
-  const bool locked = volume_request(handle, kLockVolume);
-  trace(locked ? "Lock_Unlock_All_Volumes - FSCTL_LOCK_VOLUME Volume " + volume + " locked"
-               : "Lock_Unlock_All_Volumes - FSCTL_LOCK_VOLUME Cannot lock volume");
+  // Asked twice, since a file system that was busy at the first request often yields at the second; kept also where the
+  // first one was granted.
+  const bool at_once = volume_request(handle, kLockVolume);
+  const bool again = volume_request(handle, kLockVolume);
+  trace(at_once || again ? "Lock_Unlock_All_Volumes - FSCTL_LOCK_VOLUME Volume " + volume + " locked"
+                         : "Lock_Unlock_All_Volumes - FSCTL_LOCK_VOLUME Cannot lock volume");
   MY_DISMOUNT_VOLUME(handle);
   return true;
 }

@@ -25,7 +25,8 @@
 
 namespace {
 
-void forget_everything() {
+/// As a new process begins.
+void forget_program() {
   form1 = {};
   run = {};
   output = {};
@@ -40,14 +41,14 @@ void forget_everything() {
   lost_places = {};
   comparison = {};
   volumes = {};
-  headless::desktop = {};
 }
 
 }  // namespace
 
 Rig::Rig() {
   virtualdisk::detach_all();
-  forget_everything();
+  forget_program();
+  headless::desktop = {};
   std::filesystem::create_directories(path(""));
 }
 
@@ -89,6 +90,7 @@ void Rig::attach(int drive, const std::string& disk_file) {
 }
 
 std::uint32_t Rig::start(const std::string& switches) {
+  forget_program();
   headless::desktop.command_line = "\"C:\\tools /D:7\\sectorix.exe\" " + switches;
   try {
     return static_cast<std::uint32_t>(run_program());
