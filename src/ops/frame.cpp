@@ -57,7 +57,9 @@ void refuse_missing_drive() {
   PrintReport(text);
   form1.TxtStatus.set_text(text);
   output.ExitCode = 1;
-  if (run.wants_drive) ExitProgram();
+  if (!run.wants_drive) return;
+  CloseDrive();
+  ExitProgram();
 }
 
 /// Puts the range that the command line gave into the fields. A start alone means: from there to the end of the disk.

@@ -1,0 +1,190 @@
+#include "ops/random.h"
+
+#include <gmock/gmock.h>
+
+#include <set>
+
+#include "app/handlers.h"
+#include "disk/counters.h"
+#include "disk/drive.h"
+#include "form/form1.h"
+#include "form/output.h"
+#include "form/run.h"
+#include "ops/off_track.h"
+#include "ops/random_numbers.h"
+#include "smart/identification.h"
+#include "tests/support/rig.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+class RandomTests : public Rig {
+ protected:
+  void open_on(const std::string& disk_file) { open("/VDISK:0=" + write_file("d.vd", disk_file)); }
+
+  /// Runs a test from its button, with these answers to its questions.
+  static void press(void (*handler)(), std::deque<std::string> answers) {
+    headless::desktop.answers = std::move(answers);
+    click(handler);
+  }
+};
+
+TEST_F(RandomTests, TheGeneratorGivesTheSameNumbersEverywhere) {
+  // From another implementation of the same generator.
+  EXPECT_EQ(next_uniform(), 0.43152799704850997);
+  EXPECT_EQ(next_uniform(), 0.026433771592597743);
+  random_numbers = {};
+  EXPECT_EQ(next_uniform_single(), 7239838 * 0x1p-24F);
+}
+
+TEST_F(RandomTests, EveryVisitStaysOnTheDisk) {
+  identification.Drive_Sectors = 1001;
+  for (int i = 0; i < 1000; ++i) EXPECT_EQ(GetRandomSector(1000), 0);
+  identification.Drive_Sectors = int64_t{1} << 48;
+  std::set<std::int64_t> low_bits;
+  for (int i = 0; i < 1000; ++i) {
+    const std::int64_t lba = GetRandomSector(8);
+    EXPECT_TRUE(lba >= 0 && lba < identification.Drive_Sectors - 8);
+    low_bits.insert(lba % 8);
+  }
+  EXPECT_EQ(low_bits.size(), 8U) << "odd sectors are reached on the largest disk";
+}
+
+TEST_F(RandomTests, TheRandomPatternLeavesTheEndOfWholeSectors) {
+  disk.Sec_Buf.resize(512);
+  std::fill(disk.Sec_Buf.bytes().begin(), disk.Sec_Buf.bytes().end(), std::uint8_t{0xFF});
+  FillRandPatt();
+  EXPECT_NE(disk.Sec_Buf.data()[507], 0xFF);
+  EXPECT_THAT(std::vector<int>(disk.Sec_Buf.data() + 508, disk.Sec_Buf.data() + 512), ElementsAre(255, 255, 255, 255));
+  disk.Sec_Buf.resize(513);
+  disk.Sec_Buf.data()[512] = 0xFF;
+  FillRandPatt();
+  EXPECT_NE(disk.Sec_Buf.data()[511], 0xFF);
+  EXPECT_EQ(disk.Sec_Buf.data()[512], 0xFF);
+}
+
+TEST_F(RandomTests, ARandomReadCountsItsVisits) {
+  open_on("sectors 1000000\n");
+  press(CmdRndRD_Click, {"100", "1000"});
+  EXPECT_THAT(
+      form1.Text1.text(),
+      StartsWith("Random disk read 1000 sectors per operation, 100 passes on drive 0\r\nTime taken= 0 seconds for "
+                 "100000 Read sector operations.\r\nTotal sectors read = 100000\r\nSET QV_D_TOTERR=0\r\n"));
+  EXPECT_EQ(counters.Sectors_Done, 100000);
+}
+
+TEST_F(RandomTests, AnswersAreAskedForUntilTheyAreNumbers) {
+  open_on("sectors 100000\n");
+  press(CmdRndRD_Click, {"0", "OK", "ten", "OK", "1", "20000"});
+  EXPECT_EQ(counters.No_Secs, 16065) << "cut to the most";
+  press(CmdRndRD_Click, {"1", "-1", "OK", "0"});
+  EXPECT_EQ(counters.No_Secs, 16065) << "0 is the most";
+  press(CmdRndRD_Click, {"CANCEL"});
+  EXPECT_EQ(counters.Sectors_Done, 0);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("SMART DATA")) << "the frame still ends";
+}
+
+TEST_F(RandomTests, TheCommandLineGivesPassesAndSectors) {
+  const std::string disk = "/VDISK:0=" + write_file("d.vd", "sectors 1000000\n") + " /D:0 ";
+  EXPECT_EQ(start(disk + "/OP:RANDOMREAD /PASSES:7 /COUNT:16065"), 0U);
+  EXPECT_THAT(out(), HasSubstr("Random disk read 16065 sectors per operation, 7 passes on drive 0\r\n"));
+  EXPECT_EQ(start(disk + "/OP:RANDOMWRITE"), 0U);
+  EXPECT_THAT(out(), HasSubstr("Random disk write 1000 sectors per operation, 100 passes on drive 0\r\n"));
+  EXPECT_THAT(out(), HasSubstr(" seconds for 100000 Read-Fill-Write-Read-Compare-Write sector operations.\r\n"
+                               "Total sectors read/written = 400000"));
+  EXPECT_EQ(start(disk + "/OP:RANDOMREAD /COUNT:16066"), 1U);
+}
+
+TEST_F(RandomTests, ADiskNoLargerThanAVisitIsLeftAlone) {
+  open_on("sectors 1000\n");
+  press(CmdRnd_Click, {"5", "1000"});
+  EXPECT_THAT(form1.Text1.text(), StartsWith("The disk has 1000 sectors, a visit 1000: nothing was done.\r\n"));
+  EXPECT_EQ(counters.Sectors_Done, 0);
+}
+
+TEST_F(RandomTests, StrayAndLostWritesAreCompareErrors) {
+  for (const std::string fault : {"stray 0 4096 16\n", "drop 0 4096\n"}) {
+    open_on("sectors 4096\n" + fault);
+    press(CmdRnd_Click, {"10", "8"});
+    EXPECT_EQ(counters.TotalCErrors, 10) << fault;
+    EXPECT_EQ(counters.TotalErrors, 0);
+    EXPECT_EQ(output.ExitCode, 0) << "compare errors are not added";
+  }
+}
+
+TEST_F(RandomTests, APlaceThatCannotBeReadIsNotWritten) {
+  open_on("sectors 4096\nfail read 0 4096\ngrow 5 1 on write\nsmart 5 0 1 1 0 0\n");
+  press(CmdRnd_Click, {"3", "8"});
+  EXPECT_EQ(count_of(form1.Text1.text(), "Not written: the former contents could not be read.\r\n"), 3);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("was 0          now 0          DIFFERENCE=0\r\n")) << "nothing was written";
+  EXPECT_EQ(counters.Sectors_Done, 24);
+  EXPECT_EQ(random_test.Ops_Done, 3);
+}
+
+TEST_F(RandomTests, WhatCannotBeWrittenBackIsSavedAndNamedLast) {
+  write_image("a.img", 4096);
+  write_file("d.vd", "image a.img\nserial A/7\nfail write 0 4096\n");
+  EXPECT_NE(start("/VDISK:0=" + path("d.vd") + " /D:0 /OP:RANDOMWRITE /PASSES:1 /COUNT:2 /REPORT:" + path("r.txt")),
+            0U);
+  const std::string report = read_file(path("r.txt"));
+  const std::string last = lines_with(report, "Former contents").back();
+  EXPECT_THAT(report, EndsWith(last + "\r\n"));
+  EXPECT_EQ(count_of(err(), "Former contents of 2 sectors at LBA "), 1);
+  const std::string name = last.substr(last.find("in the file ") + 12);
+  EXPECT_THAT(name, HasSubstr("sectorix-A_7-"));
+  EXPECT_EQ(read_file(name.substr(0, name.size() - 1)).size(), 1024U);
+  const std::string lba = last.substr(last.find("LBA ") + 4, last.find(" could") - last.find("LBA ") - 4);
+  EXPECT_THAT(read_file(name.substr(0, name.size() - 1)), StartsWith(lba + " "));
+}
+
+TEST_F(RandomTests, NoRescueFileGoesToTheDiskUnderTest) {
+  headless::desktop.current_volume = "x:";
+  open_on("sectors 4096\nfail write 0 4096\nvolume X:\n");
+  press(CmdRnd_Click, {"1", "8"});
+  EXPECT_THAT(form1.Text1.text(), EndsWith("the report's folder lies on the disk under test.\r\n"));
+}
+
+TEST_F(RandomTests, TheDestructiveTestWritesThePatternAtEveryPlace) {
+  open_on("sectors 100000\n");
+  form1.TxtPattern.set_text("A5");
+  press(Cmd_Destructive_Random_Write, {"CANCEL"});
+  EXPECT_EQ(headless::desktop.boxes.back().title, "WRITE TO DRIVE?");
+  EXPECT_EQ(counters.Sectors_Done, 0);
+  press(Cmd_Destructive_Random_Write, {"OK", "100", "1000"});
+  EXPECT_EQ(counters.Sectors_Done, 200000);
+  EXPECT_EQ(counters.TotalCErrors, 0);
+  EXPECT_EQ(disk.Sec_Buf.data()[0], 0xA5);
+  EXPECT_THAT(form1.Text1.text(),
+              HasSubstr("Destructive Random Write test to whole disk with pattern A5, 100 passes, 1000 "
+                        "sectors per operation on drive 0\r\n"));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("100000 Write-Read-Compare sector operations."));
+}
+
+TEST_F(RandomTests, TheOffTrackTestSweepsAfterEveryThousandPasses) {
+  headless::desktop.keeps_calls = false;
+  open_on("sectors 4000000\n");
+  press(Cmd_OffTrack_Write, {"999"});
+  EXPECT_EQ(counters.Sectors_Done, 999 * 92);
+  press(Cmd_OffTrack_Write, {"1000"});
+  EXPECT_EQ(counters.Sectors_Done, 522000);
+  EXPECT_EQ(counters.TotalErrors, 0);
+  EXPECT_THAT(form1.Text1.text(),
+              StartsWith("Non-Destructive Off-Track Write test - 1000 passes, 30 sectors per operation "
+                         "on drive 0\r\nFirst and Last 100MB not tested\r\nTime taken= 0 for 522000 "
+                         "sectors read/written."));
+}
+
+TEST_F(RandomTests, TheOffTrackTestNeedsItsRoomAndNothingMore) {
+  open_on("sectors 409599\n");
+  press(Cmd_OffTrack_Write, {"1"});
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("the test needs 409600: nothing was done."));
+  open_on("sectors 409600\n");
+  press(Cmd_OffTrack_Write, {"200"});
+  EXPECT_EQ(counters.TotalErrors, 0) << "no place lies outside the disk";
+}
+
+}  // namespace
