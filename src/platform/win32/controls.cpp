@@ -28,7 +28,7 @@ Look look_of(ControlKind kind) {
     case ControlKind::edit:
       return {"EDIT", ES_AUTOHSCROLL | WS_TABSTOP, WS_EX_CLIENTEDGE};
     case ControlKind::display:
-      return {"EDIT", ES_MULTILINE | ES_READONLY | WS_TABSTOP, WS_EX_STATICEDGE};
+      return {"EDIT", ES_MULTILINE | ES_READONLY | WS_TABSTOP, WS_EX_CLIENTEDGE};
     case ControlKind::memo:
       return {"EDIT",
               ES_MULTILINE | ES_WANTRETURN | ES_AUTOHSCROLL | ES_AUTOVSCROLL | ES_NOHIDESEL | WS_HSCROLL | WS_VSCROLL |
