@@ -42,13 +42,8 @@ void on_least_size(HWND window, MINMAXINFO* limits) {
 }
 
 void on_active(bool active) {
-  MainWindow& main = main_window;
-  if (active) {
-    if (main.focus != nullptr) ::SetFocus(main.focus);
-  } else {
-    HWND const focus = ::GetFocus();
-    if (focus != nullptr && ::IsChild(main.window, focus) != FALSE) main.focus = focus;
-  }
+  if (!active) note_focus();
+  if (active && main_window.focus != nullptr) ::SetFocus(main_window.focus);
 }
 
 /// Log-off and shutdown. While the disk holds data that are not its own the session is asked to wait: the system shows
