@@ -90,6 +90,17 @@ TEST(Drives, ArrowKeysSelectAndFocusAloneDoesNot) {
   EXPECT_EQ(text_of(program.edit(kStatus)), "Drive 1  - Small disk  488Mb");
 }
 
+TEST(Drives, ClickingIntoATextChangesNothing) {
+  const Program program(three_disks());
+  const auto before = program.contents();
+  for (const std::size_t edit : {kStart, kCount, kCurrent, kPattern, kStatus, kText}) {
+    ::PostMessageA(program.edit(edit), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(4, 4));
+    ::PostMessageA(program.edit(edit), WM_LBUTTONUP, 0, MAKELPARAM(4, 4));
+    EXPECT_TRUE(wait_until([&] { return program.focus() == program.edit(edit); }));
+  }
+  EXPECT_EQ(program.contents(), before);
+}
+
 TEST(Read, FromTheButtonToTheReport) {
   const Program program(kPractice);
   program.set_focus(program.edit(kStart));
