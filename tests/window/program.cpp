@@ -22,6 +22,13 @@ std::string folder() {
   return whole.substr(0, whole.find_last_of("\\/") + 1);
 }
 
+/// The caption as the system knows it, so that a program in the middle of a transfer need not be asked.
+std::string caption_of(HWND window) {
+  char text[256];
+  const int length = ::GetWindowTextA(window, text, 256);
+  return {text, static_cast<std::size_t>(length)};
+}
+
 struct Search {
   DWORD process;
   std::string window_class;
@@ -56,7 +63,8 @@ BOOL CALLBACK collect(HWND child, LPARAM data) {
 }  // namespace
 
 Program::Program(const std::string& arguments) {
-  std::string line = "\"" + folder() + "sectorix.exe\" " + arguments;
+  std::string line = "\"";
+  line.append(folder()).append("sectorix.exe\" ").append(arguments);
   STARTUPINFOA start{};
   start.cb = sizeof(start);
   if (!::CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process_)) {
@@ -85,7 +93,8 @@ std::vector<HWND> Program::children() const {
 
 HWND Program::find(const std::string& window_class, const std::string& caption) const {
   for (HWND child : children()) {
-    if (_stricmp(class_of(child).c_str(), window_class.c_str()) == 0 && without_ampersand(text_of(child)) == caption) {
+    if (_stricmp(class_of(child).c_str(), window_class.c_str()) == 0 &&
+        without_ampersand(caption_of(child)) == caption) {
       return child;
     }
   }

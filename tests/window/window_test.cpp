@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 
 #include "tests/window/program.h"
 
@@ -130,7 +131,7 @@ TEST(Read, CancelStopsItAndGivesTheButtonsBack) {
   EXPECT_TRUE(wait_until([&] { return idle(program); }));
   for (const std::size_t edit : {kStart, kCount, kPattern, kText}) EXPECT_FALSE(read_only(program.edit(edit)));
   EXPECT_EQ(program.focus(), program.button("Sequential READ"));
-  EXPECT_LT(std::stoll("0" + text_of(program.edit(kCurrent))), 4000000);
+  EXPECT_LT(std::atoll(text_of(program.edit(kCurrent)).c_str()), 4000000);
 }
 
 TEST(Read, TheWindowAnswersMeanwhile) {
