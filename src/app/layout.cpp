@@ -101,7 +101,7 @@ int place_sector_functions(Placing* placing, int y) {
   constexpr int kHeight = kFrameTitle + 2 * kRow + 2 * kApart + kFrameInset;
   constexpr int kLeft = kMargin + kFrameInset;
   constexpr int kLeftWidth = kFieldsRight - kLeft;
-  constexpr int kPatternLabel = 112;
+  constexpr int kPatternLabel = 120;
   constexpr int kPatternX = kCommands + kPatternLabel + kApart;
   constexpr int kFillX = kCommands + kCommandWidth + kApart;
   constexpr int kFillWidth = 96;

@@ -185,4 +185,11 @@ TEST(Exit, ClosingTheWindowDoesTheSame) {
   expect_end_after_a_second(busy_program, [&] { ::PostMessageA(busy_program.window(), WM_CLOSE, 0, 0); });
 }
 
+TEST(Exit, TheSessionsEndDoesTheSame) {
+  const Program program(kPractice);
+  EXPECT_NE(::SendMessageA(program.window(), WM_QUERYENDSESSION, 0, 0), 0);
+  EXPECT_TRUE(program.running());
+  expect_end_after_a_second(program, [&] { ::PostMessageA(program.window(), WM_ENDSESSION, TRUE, 0); });
+}
+
 }  // namespace
