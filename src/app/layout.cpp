@@ -1,10 +1,137 @@
 #include "app/layout.h"
 
-void place_controls(platform::Size client, int dpi, std::span<platform::Rect> places) {
-  constexpr int kDesignDpi = 96;
-  int y = 0;
-  for (platform::Rect& place : places) {
-    place = {0, y, client.width, 24 * dpi / kDesignDpi};
-    y += place.height;
+#include <algorithm>
+
+#include "app/controls.h"
+#include "platform/scale.h"
+
+namespace {
+
+using platform::Rect;
+using Id = ControlId;
+
+// All in pixels at 96 dpi. Three columns carry everything: fields, commands, and the buttons at the right edge.
+constexpr int kMargin = 14;
+constexpr int kRow = 26;       // a button's height
+constexpr int kField = 23;     // an edit's height
+constexpr int kPitch = 32;     // from row to row
+constexpr int kApart = 8;      // before a row that is set apart
+constexpr int kGroupGap = 12;  // between groups
+constexpr int kLabelWidth = 150;
+constexpr int kFieldsRight = 284;
+constexpr int kFieldWidth = 120;
+constexpr int kCommands = 312;  // the left edge of the commands
+constexpr int kCommandWidth = 240;
+constexpr int kSideWidth = 150;
+constexpr int kFrameInset = 14;
+constexpr int kFrameTitle = 24;
+
+/// Puts rectangles of the design grid into pixels. Edges are rounded, not sizes, so that neighbours never overlap.
+class Placing {
+ public:
+  Placing(platform::Size client, int dpi, std::span<Rect> places)
+      : dpi_(platform::fitting_dpi(client, kLeastSize, dpi)),
+        width_(client.width * kDesignDpi / dpi_),
+        height_(client.height * kDesignDpi / dpi_),
+        places_(places) {}
+
+  int right() const { return width_ - kMargin; }
+  int bottom() const { return height_ - kMargin; }
+
+  void put(Id id, int x, int y, int width, int height) {
+    const int left = platform::scaled(x, dpi_);
+    const int top = platform::scaled(y, dpi_);
+    places_[static_cast<std::size_t>(id)] = {left, top, std::max(platform::scaled(x + width, dpi_) - left, 0),
+                                             std::max(platform::scaled(y + height, dpi_) - top, 0)};
   }
+
+  /// A label and its field, centred on a row of buttons that begins at `y`.
+  void put_pair(Id label, int x, int label_width, Id field, int field_x, int field_width, int y) {
+    constexpr int kInset = (kRow - kField) / 2;
+    put(label, x, y, label_width, kRow);
+    put(field, field_x, y + kInset, field_width, kField);
+  }
+
+ private:
+  static constexpr int kDesignDpi = 96;
+  int dpi_;
+  int width_;
+  int height_;
+  std::span<Rect> places_;
+};
+
+/// The drive buttons in one row. Returns where the next group begins.
+int place_drives(Placing* placing, int y) {
+  constexpr int kDrives = 8;
+  constexpr int kHeight = 22;
+  constexpr int kWidest = 96;
+  const int step = std::min((placing->right() - kMargin) / kDrives, kWidest);
+  for (int drive = 0; drive < kDrives; ++drive) {
+    const auto id = static_cast<Id>(static_cast<int>(Id::Option1) + drive);
+    placing->put(id, kMargin + drive * step, y, step, kHeight);
+  }
+  return y + kHeight + kGroupGap;
+}
+
+/// The range, the commands over the whole disk and the side buttons; the command that writes and Exit stand apart.
+int place_commands(Placing* placing, int y) {
+  const int second = y + kPitch;
+  const int third = second + kPitch;
+  const int last = third + kPitch + kApart;
+  constexpr int kFieldX = kFieldsRight - kFieldWidth;
+  placing->put_pair(Id::LblStart, kMargin, kLabelWidth, Id::TxtStartLBA, kFieldX, kFieldWidth, y);
+  placing->put_pair(Id::LblNoSectors, kMargin, kLabelWidth, Id::TxtNoSecs, kFieldX, kFieldWidth, second);
+  placing->put_pair(Id::LblCurrent, kMargin, kLabelWidth, Id::TxtCurrent, kFieldX, kFieldWidth, third);
+
+  placing->put(Id::CmdRead, kCommands, y, kCommandWidth, kRow);
+  placing->put(Id::CmdRndRD, kCommands, second, kCommandWidth, kRow);
+  placing->put(Id::CmdFind, kCommands, third, kCommandWidth, kRow);
+  placing->put(Id::CmdRnd, kCommands, last, kCommandWidth, kRow);
+
+  const int side = placing->right() - kSideWidth;
+  placing->put(Id::CmdSlowRate, side, y, kSideWidth, kRow);
+  placing->put(Id::cmdCancel, side, second, kSideWidth, kRow);
+  placing->put(Id::CmdHelp, side, third, kSideWidth, kRow);
+  placing->put(Id::CmdExit, side, last, kSideWidth, kRow);
+  return last + kRow + kGroupGap;
+}
+
+/// The frame: what shows and fills the buffer above, what writes it to the disk set apart below.
+int place_sector_functions(Placing* placing, int y) {
+  constexpr int kHeight = kFrameTitle + 2 * kRow + 2 * kApart + kFrameInset;
+  constexpr int kLeft = kMargin + kFrameInset;
+  constexpr int kLeftWidth = kFieldsRight - kLeft;
+  constexpr int kPatternLabel = 120;
+  constexpr int kPatternX = kCommands + kPatternLabel + kApart;
+  constexpr int kFillX = kCommands + kCommandWidth + kApart;
+  constexpr int kFillWidth = 96;
+  const int upper = y + kFrameTitle;
+  const int lower = upper + kRow + 2 * kApart;
+  placing->put(Id::Frame1, kMargin, y, placing->right() - kMargin, kHeight);
+  placing->put(Id::CmdDisplay, kLeft, upper, kLeftWidth, kRow);
+  placing->put(Id::cmdWriteBuffer, kLeft, lower, kLeftWidth, kRow);
+  placing->put_pair(Id::LblPattern, kCommands, kPatternLabel, Id::TxtPattern, kPatternX,
+                    kCommands + kCommandWidth - kPatternX, upper);
+  placing->put(Id::CmdFillBuffer, kFillX, upper, kFillWidth, kRow);
+  placing->put(Id::CmdWrite, kCommands, lower, kCommandWidth, kRow);
+  return y + kHeight + kGroupGap;
+}
+
+/// The status of two lines, and the text with all the rest.
+void place_texts(Placing* placing, int y) {
+  constexpr int kStatusHeight = 38;
+  const int width = placing->right() - kMargin;
+  placing->put(Id::TxtStatus, kMargin, y, width, kStatusHeight);
+  const int text = y + kStatusHeight + kApart;
+  placing->put(Id::Text1, kMargin, text, width, placing->bottom() - text);
+}
+
+}  // namespace
+
+void place_controls(platform::Size client, int dpi, std::span<Rect> places) {
+  Placing placing(client, dpi, places);
+  int y = place_drives(&placing, kMargin);
+  y = place_commands(&placing, y);
+  y = place_sector_functions(&placing, y);
+  place_texts(&placing, y);
 }

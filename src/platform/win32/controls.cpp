@@ -28,7 +28,7 @@ Look look_of(ControlKind kind) {
     case ControlKind::edit:
       return {"EDIT", ES_AUTOHSCROLL | WS_TABSTOP, WS_EX_CLIENTEDGE};
     case ControlKind::display:
-      return {"EDIT", ES_MULTILINE | ES_READONLY | WS_TABSTOP, WS_EX_STATICEDGE};
+      return {"EDIT", ES_MULTILINE | ES_READONLY | WS_TABSTOP, WS_EX_CLIENTEDGE};
     case ControlKind::memo:
       return {"EDIT",
               ES_MULTILINE | ES_WANTRETURN | ES_AUTOHSCROLL | ES_AUTOVSCROLL | ES_NOHIDESEL | WS_HSCROLL | WS_VSCROLL |
@@ -55,8 +55,8 @@ HWND make_child(const Look& look, const char* caption, DWORD more_style, int id)
 
 /// What a text control does beyond the system's: tells a click into it, gives the Tab key away, marks all on Control-A,
 /// and notices texts that other programs set, of which a control of several lines says nothing.
-LRESULT CALLBACK text_procedure(HWND control, UINT message, WPARAM word, LPARAM long_word, UINT_PTR row_number,
-                                DWORD_PTR /*data*/) {
+LRESULT CALLBACK text_procedure(HWND control, UINT message, WPARAM word, LPARAM long_word, UINT_PTR /*id*/,
+                                DWORD_PTR row_number) {
   const auto row_index = static_cast<std::size_t>(row_number);
   const Control& row = main_window.table.controls[row_index];
   const bool memo = row.kind == ControlKind::memo;

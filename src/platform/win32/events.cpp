@@ -82,6 +82,11 @@ void control_clicked(std::size_t row) {
   call_handler(control.on_click);
 }
 
+void note_focus() {
+  HWND const focus = ::GetFocus();
+  if (focus != nullptr && ::IsChild(main_window.window, focus) != FALSE) main_window.focus = focus;
+}
+
 void move_focus(HWND control) {
   main_window.focus = control;
   if (::GetActiveWindow() == main_window.window) ::SetFocus(control);
@@ -97,7 +102,6 @@ void run_window() {
   MSG message{};
   while (true) {
     win32::turn_interruptions();
-    win32::take_typing();
     win32::show_fields();
     if (::GetMessageA(&message, nullptr, 0, 0) <= 0) return;
     win32::dispatch(&message);
@@ -124,6 +128,7 @@ void begin_command() {
   if (main.window == nullptr || main.busy) return;
   win32::take_typing();
   main.busy = true;
+  win32::note_focus();
   main.focus_before = main.focus;
   // First the focus, then the buttons: a disabled control that has it swallows every key.
   win32::move_focus(main.controls[main.table.cancel].window);
@@ -146,6 +151,7 @@ void end_command() {
     }
     if (row.while_busy == WhileBusy::read_only) ::SendMessageA(main.controls[i].window, EM_SETREADONLY, FALSE, 0);
   }
+  win32::note_focus();
   const bool untouched = main.focus == main.controls[main.table.cancel].window;
   if (untouched && main.focus_before != nullptr) win32::move_focus(main.focus_before);
 }

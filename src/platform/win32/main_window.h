@@ -68,6 +68,9 @@ void call_handler(void (*handler)());
 /// The user pressed or chose the control of `row`.
 void control_clicked(std::size_t row);
 
+/// Keeps in mind which control has the focus.
+void note_focus();
+
 /// Moves the focus, at once or when the window becomes active.
 void move_focus(HWND control);
 

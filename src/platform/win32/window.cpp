@@ -41,14 +41,20 @@ void on_least_size(HWND window, MINMAXINFO* limits) {
   limits->ptMinTrackSize.y = std::min(frame.cy, work.bottom - work.top);
 }
 
-void on_active(bool active) {
-  MainWindow& main = main_window;
-  if (active) {
-    if (main.focus != nullptr) ::SetFocus(main.focus);
-  } else {
-    HWND const focus = ::GetFocus();
-    if (focus != nullptr && ::IsChild(main.window, focus) != FALSE) main.focus = focus;
+/// A memo keeps the look of a text while it is read-only, so that a command's beginning and end flash nothing.
+LRESULT on_read_only_colors(HDC canvas, HWND control) {
+  const std::size_t row = row_of(control);
+  if (row >= main_window.controls.size() || main_window.table.controls[row].kind != platform::ControlKind::memo) {
+    return 0;
   }
+  ::SetTextColor(canvas, ::GetSysColor(COLOR_WINDOWTEXT));
+  ::SetBkColor(canvas, ::GetSysColor(COLOR_WINDOW));
+  return reinterpret_cast<LRESULT>(::GetSysColorBrush(COLOR_WINDOW));
+}
+
+void on_active(bool active) {
+  if (!active) note_focus();
+  if (active && main_window.focus != nullptr) ::SetFocus(main_window.focus);
 }
 
 /// Log-off and shutdown. While the disk holds data that are not its own the session is asked to wait: the system shows
@@ -84,6 +90,10 @@ LRESULT CALLBACK main_procedure(HWND window, UINT message, WPARAM word, LPARAM l
     case WM_GETMINMAXINFO:
       on_least_size(window, reinterpret_cast<MINMAXINFO*>(long_word));
       return 0;
+    case WM_CTLCOLORSTATIC: {
+      const LRESULT brush = on_read_only_colors(reinterpret_cast<HDC>(word), reinterpret_cast<HWND>(long_word));
+      return brush != 0 ? brush : ::DefWindowProcA(window, message, word, long_word);
+    }
     case WM_ACTIVATE:
       on_active(LOWORD(word) != WA_INACTIVE);
       return 0;

@@ -1,0 +1,147 @@
+#include "app/layout.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "app/controls.h"
+#include "platform/scale.h"
+
+namespace {
+
+using platform::Control;
+using platform::ControlKind;
+using platform::Rect;
+using platform::Size;
+using Id = ControlId;
+
+struct Placed {
+  Size client;
+  int dpi;
+  std::vector<Rect> places = std::vector<Rect>(kControlCount);
+
+  Placed(Size size, int dots) : client(size), dpi(dots) { place_controls(client, dpi, places); }
+
+  const Rect& of(Id id) const { return places[static_cast<std::size_t>(id)]; }
+};
+
+bool overlap(const Rect& a, const Rect& b) {
+  return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
+}
+
+bool inside(const Rect& inner, const Rect& outer) {
+  return inner.x >= outer.x && inner.y >= outer.y && inner.x + inner.width <= outer.x + outer.width &&
+         inner.y + inner.height <= outer.y + outer.height;
+}
+
+bool in_frame(std::size_t index) {
+  return index > static_cast<std::size_t>(Id::Frame1) && index <= static_cast<std::size_t>(Id::CmdWrite);
+}
+
+/// Every combination of a screen from 800x600 to 4K, less what its frame takes, with a scaling of 100 to 200 %.
+std::vector<Placed> many_windows() {
+  std::vector<Placed> windows;
+  for (const Size screen : {Size{800, 560}, Size{1024, 768}, Size{1280, 900}, Size{1366, 768}, Size{1920, 1080},
+                            Size{2560, 1440}, Size{3840, 2160}}) {
+    for (const int dpi : {96, 120, 144, 168, 192})
+      windows.emplace_back(Size{screen.width - 16, screen.height - 39}, dpi);
+  }
+  for (int width = 760; width < 1300; width += 37) windows.emplace_back(Size{width, 480 + width % 211}, 96);
+  return windows;
+}
+
+/// The width of a caption in the system's 9-point face, on the wide side: capitals 8 pixels, the rest 6.
+int caption_width(const char* caption) {
+  int width = 0;
+  for (const char* at = caption; *at != '\0'; ++at) {
+    if (*at != '&') width += std::isupper(static_cast<unsigned char>(*at)) != 0 ? 8 : 6;
+  }
+  return width;
+}
+
+TEST(Layout, NothingOverlapsOrLeavesTheWindow) {
+  for (const Placed& window : many_windows()) {
+    SCOPED_TRACE(std::to_string(window.client.width) + "x" + std::to_string(window.client.height) + " at " +
+                 std::to_string(window.dpi));
+    const Rect client{0, 0, window.client.width, window.client.height};
+    for (std::size_t i = 0; i < kControlCount; ++i) {
+      ASSERT_TRUE(inside(window.places[i], client)) << i;
+      ASSERT_GT(window.places[i].width, 0) << i;
+      ASSERT_GT(window.places[i].height, 0) << i;
+      for (std::size_t j = 0; j < i; ++j) {
+        if (j == static_cast<std::size_t>(Id::Frame1) && in_frame(i)) {
+          ASSERT_TRUE(inside(window.places[i], window.places[j])) << i;
+        } else {
+          ASSERT_FALSE(overlap(window.places[i], window.places[j])) << i << " and " << j;
+        }
+      }
+    }
+  }
+}
+
+TEST(Layout, CaptionsFitTheirControls) {
+  constexpr int kButtonEdges = 12;
+  constexpr int kOptionMark = 22;
+  const auto table = main_window();
+  for (const Placed& window : many_windows()) {
+    const int shown_dpi = platform::fitting_dpi(window.client, kLeastSize, window.dpi);
+    for (std::size_t i = 0; i < kControlCount; ++i) {
+      const Control& row = table.controls[i];
+      int needed = caption_width(row.caption);
+      if (row.kind == ControlKind::button) needed += kButtonEdges;
+      if (row.kind == ControlKind::option) needed += kOptionMark;
+      ASSERT_LE(platform::scaled(needed, shown_dpi), window.places[i].width + 1) << row.name;
+    }
+    ASSERT_LE(platform::scaled(caption_width("Start (0-1953525167999)"), shown_dpi), window.of(Id::LblStart).width);
+  }
+}
+
+TEST(Layout, ResizingGivesTheTextTheRoom) {
+  const Placed small({784, 561}, 96);
+  const Placed large({1600, 1000}, 96);
+  EXPECT_EQ(large.of(Id::Text1).height - small.of(Id::Text1).height, 1000 - 561);
+  EXPECT_EQ(large.of(Id::Text1).width - small.of(Id::Text1).width, 1600 - 784);
+  for (const Id id : {Id::CmdRead, Id::TxtNoSecs, Id::CmdWrite, Id::Option8}) {
+    EXPECT_EQ(large.of(id).y, small.of(id).y);
+    EXPECT_EQ(large.of(id).height, small.of(id).height);
+  }
+}
+
+TEST(Layout, CommandsThatWriteStandApart) {
+  const Placed window({1000, 760}, 96);
+  const auto gap = [&window](Id above, Id below) {
+    return window.of(below).y - window.of(above).y - window.of(above).height;
+  };
+  EXPECT_GE(gap(Id::CmdFind, Id::CmdRnd), 2 * gap(Id::CmdRndRD, Id::CmdFind));
+  EXPECT_GE(gap(Id::CmdDisplay, Id::cmdWriteBuffer), 2 * gap(Id::CmdRndRD, Id::CmdFind));
+  EXPECT_EQ(window.of(Id::cmdWriteBuffer).y, window.of(Id::CmdWrite).y);
+}
+
+TEST(Layout, TabOrderReadsEachGroupFromTopToBottom) {
+  const Placed window({1000, 760}, 96);
+  const std::vector<std::vector<Id>> groups = {{Id::TxtStartLBA, Id::TxtNoSecs, Id::TxtCurrent},
+                                               {Id::CmdRead, Id::CmdRndRD, Id::CmdFind, Id::CmdRnd},
+                                               {Id::CmdSlowRate, Id::cmdCancel, Id::CmdHelp, Id::CmdExit},
+                                               {Id::CmdDisplay, Id::cmdWriteBuffer},
+                                               {Id::TxtPattern, Id::CmdWrite},
+                                               {Id::Option1, Id::TxtStartLBA, Id::Frame1, Id::TxtStatus, Id::Text1}};
+  for (const auto& group : groups) {
+    for (std::size_t i = 1; i < group.size(); ++i) {
+      EXPECT_LT(group[i - 1], group[i]);
+      EXPECT_LT(window.of(group[i - 1]).y, window.of(group[i]).y);
+    }
+  }
+}
+
+TEST(Layout, AScalingTooLargeForTheScreenGivesWay) {
+  EXPECT_EQ(platform::fitting_dpi({760, 480}, kLeastSize, 192), 96);
+  EXPECT_EQ(platform::fitting_dpi({1520, 960}, kLeastSize, 192), 192);
+  EXPECT_EQ(platform::fitting_dpi({1520, 720}, kLeastSize, 192), 144);
+  EXPECT_EQ(platform::fitting_dpi({0, 0}, kLeastSize, 192), 1);
+}
+
+}  // namespace
