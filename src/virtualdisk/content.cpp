@@ -17,7 +17,8 @@ bool all_zero(const std::uint8_t* bytes, std::size_t size) {
 
 std::string Content::open_image(const std::string& name) {
   if (is_device_name(name)) return "is a device, not a file";
-  constexpr std::uint32_t kShared = platform::kShareRead | platform::kShareWrite;
+  // Nobody else writes while it is attached: a report of that name would cut the image off.
+  constexpr std::uint32_t kShared = platform::kShareRead;
   constexpr std::uint32_t kBoth = platform::kGenericRead | platform::kGenericWrite;
   image_ = OwnedFile(platform::CreateFileA(name.c_str(), kBoth, kShared, platform::kOpenExisting, 0));
   if (!image_.is_open()) {
