@@ -43,8 +43,7 @@ void report_failure(std::string_view what, std::int64_t lba, std::int64_t sector
   const std::string text = "Error " + std::string(what) + " Sector " + std::to_string(lba) + " for " +
                            std::to_string(sectors) + " sectors.\r\nERROR: " + std::to_string(disk.Errno) + " - " +
                            GetErrMsg(disk.Errno) + "\r\n";
-  PrintReport(text);
-  form1.Text1.append(text);
+  report_and_show(text);
 }
 
 void report_read_failure(std::int64_t lba, std::int64_t sectors) {

@@ -81,11 +81,6 @@ Events ask_log(const platform::DateTime& start, const platform::DateTime& now) {
   return events;
 }
 
-void report(const std::string& text) {
-  PrintReport(text);
-  form1.Text1.append(text);
-}
-
 }  // namespace
 
 int Get_TZ_Bias() {
@@ -114,10 +109,10 @@ void Query_System_Event_Log(const platform::DateTime& start) {
                                   "\r\nSET QV_E_ERRORS=" + std::to_string(events.errors) + "\r\n";
     AppendReportVars(variables);
     form1.Text1.append(variables);
-    report(events.listed > 0 ? events.listing
-                             : "No system event log events occurred between " + platform::default_form(start) +
-                                   " and " + platform::default_form(now) + ".");
+    report_and_show(events.listed > 0 ? events.listing
+                                      : "No system event log events occurred between " + platform::default_form(start) +
+                                            " and " + platform::default_form(now) + ".");
     add_to_exit_code(events.listed);
   }
-  if (!events.complete) report("\r\nSystem Event Log query failed (no event logging in this OS?)");
+  if (!events.complete) report_and_show("\r\nSystem Event Log query failed (no event logging in this OS?)");
 }

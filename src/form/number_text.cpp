@@ -72,6 +72,11 @@ std::string double_text(double value) {
   return significant(value, kDoubleDigits);
 }
 
+std::string three_digits(std::uint8_t value) {
+  const std::string text = std::to_string(value);
+  return std::string(3 - text.size(), '0') + text;
+}
+
 std::string fixed_text(double value, int decimals) {
   const double scale = std::pow(10.0, decimals);
   std::array<char, 512> text{};

@@ -21,6 +21,9 @@ std::string double_text(double value);
 /// `decimals` digits after the point, at least one before it, rounded half away from zero.
 std::string fixed_text(double value, int decimals);
 
+/// A byte with leading zeros, three digits wide.
+std::string three_digits(std::uint8_t value);
+
 std::string upper_case(std::string_view text);
 
 /// `text` without blanks at its ends.

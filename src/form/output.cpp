@@ -58,6 +58,11 @@ void PrintReport(std::string_view text) {
   }
 }
 
+void report_and_show(std::string_view text) {
+  PrintReport(text);
+  form1.Text1.append(text);
+}
+
 bool AppendReportVars(std::string_view text) {
   if (!form1.CommandLineMode) return true;
   std::string lines(text);

@@ -31,6 +31,9 @@ void close_report();
 /// first one is told on standard error.
 void PrintReport(std::string_view text);
 
+/// Writes `text` to the report and appends it to Text1.
+void report_and_show(std::string_view text);
+
 /// Appends `text`, lines separated by CR LF, and a line end to the variables file, in command-line mode. False when the
 /// file cannot be opened or written.
 bool AppendReportVars(std::string_view text);

@@ -30,11 +30,6 @@ constexpr std::int64_t kVerified = kSectors + 2 * kGuard;
 constexpr std::size_t kRemembered = 1000;
 constexpr std::int64_t kSmallestDisk = 2 * kEdge;
 
-void report(const std::string& text) {
-  PrintReport(text);
-  form1.Text1.append(text);
-}
-
 /// The three places of a pass.
 struct Places {
   std::int64_t far_away;
@@ -114,8 +109,8 @@ void OffTrack_Write_Test() {
   std::int32_t passes = 0;
   if (!take_passes("Number of passes (2000 = approx. 3 minutes)", &passes)) return;
   if (identification.Drive_Sectors < kSmallestDisk) {
-    report("The disk has " + std::to_string(identification.Drive_Sectors) + " sectors, the test needs " +
-           std::to_string(kSmallestDisk) + ": nothing was done.\r\n");
+    report_and_show("The disk has " + std::to_string(identification.Drive_Sectors) + " sectors, the test needs " +
+                    std::to_string(kSmallestDisk) + ": nothing was done.\r\n");
     return;
   }
   begin({.kind = RunKind::off_track, .sectors = identification.Drive_Sectors, .work = work_of(passes)});
@@ -133,8 +128,8 @@ void OffTrack_Write_Test() {
   if (form1.Exit_Requested) return;
   counters.OpEndTime = platform::seconds_since_midnight();
   // No "seconds" and no line end here; kept, scripts cut the line at its words.
-  report("Time taken= " + single_text(elapsed_seconds()) + " for " + std::to_string(counters.Sectors_Done) +
-         " sectors read/written.");
+  report_and_show("Time taken= " + single_text(elapsed_seconds()) + " for " + std::to_string(counters.Sectors_Done) +
+                  " sectors read/written.");
   Do_errors();
   form1.Text1.append("\r\nFinished!\r\n");
 }

@@ -29,11 +29,6 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-void report(const std::string& text) {
-  PrintReport(text);
-  form1.Text1.append(text);
-}
-
 /// The bytes of a visit; the buffer has one more, which is never transferred or compared.
 std::span<std::uint8_t> visit_bytes() {
   return disk.Sec_Buf.bytes().first(static_cast<std::size_t>(counters.No_Secs * kSectorSize));
@@ -50,8 +45,8 @@ bool begin_test() {
   random_test = {};
   if (!take_random_parameters(&random_test.passes, &counters.No_Secs)) return false;
   if (identification.Drive_Sectors > counters.No_Secs) return true;
-  report("The disk has " + std::to_string(identification.Drive_Sectors) + " sectors, a visit " +
-         std::to_string(counters.No_Secs) + ": nothing was done.\r\n");
+  report_and_show("The disk has " + std::to_string(identification.Drive_Sectors) + " sectors, a visit " +
+                  std::to_string(counters.No_Secs) + ": nothing was done.\r\n");
   return false;
 }
 
@@ -80,9 +75,9 @@ void make_visits(void (*visit)()) {
 
 void report_end(const std::string& operations, const std::string& moved) {
   if (form1.Exit_Requested) return;
-  report("Time taken= " + single_text(elapsed_seconds()) + " seconds for " +
-         std::to_string(random_test.Ops_Done * counters.No_Secs) + " " + operations + " sector operations.\r\n" +
-         moved + std::to_string(counters.Sectors_Done));
+  report_and_show("Time taken= " + single_text(elapsed_seconds()) + " seconds for " +
+                  std::to_string(random_test.Ops_Done * counters.No_Secs) + " " + operations +
+                  " sector operations.\r\n" + moved + std::to_string(counters.Sectors_Done));
   Do_errors();
   form1.Text1.append("\r\nFinished!\r\n");
 }
@@ -151,7 +146,7 @@ void FillRandPatt() {
 void Random_Read_Test() {
   if (!begin_test()) return;
   begin_measure(RunKind::random_read, 1);
-  report("Random disk read " + what_is_done());
+  report_and_show("Random disk read " + what_is_done());
   size_buffer();
   make_visits(read_visit);
   report_end("Read", "Total sectors read = ");
@@ -160,7 +155,7 @@ void Random_Read_Test() {
 void Random_Write_Test() {
   if (!begin_test()) return;
   begin_measure(RunKind::random_write, 4);
-  report("Random disk write " + what_is_done());
+  report_and_show("Random disk write " + what_is_done());
   size_buffer();
   make_visits(write_visit);
   report_end("Read-Fill-Write-Read-Compare-Write", "Total sectors read/written = ");
@@ -173,9 +168,9 @@ void Destructive_Random_Write_Test() {
   CmdFillBuffer_Click();
   pattern_of_test.assign(visit_bytes().begin(), visit_bytes().end());
   begin_measure(RunKind::destructive_write, 2);
-  report("Destructive Random Write test to whole disk with pattern " + form1.TxtPattern.text() + ", " +
-         std::to_string(random_test.passes) + " passes, " + std::to_string(counters.No_Secs) +
-         " sectors per operation on drive " + std::to_string(form1.SelectedDrive) + "\r\n");
+  report_and_show("Destructive Random Write test to whole disk with pattern " + form1.TxtPattern.text() + ", " +
+                  std::to_string(random_test.passes) + " passes, " + std::to_string(counters.No_Secs) +
+                  " sectors per operation on drive " + std::to_string(form1.SelectedDrive) + "\r\n");
   make_visits(destructive_visit);
   report_end("Write-Read-Compare", "Total sectors read/written = ");
 }

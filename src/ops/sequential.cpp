@@ -41,8 +41,7 @@ void report_end(const std::string& before) {
   if (form1.Exit_Requested) return;
   const std::string line = before + "Time taken= " + single_text(elapsed_seconds()) + " seconds for " +
                            std::to_string(counters.No_Secs) + " sectors.\r\n";
-  PrintReport(line);
-  form1.Text1.append(line);
+  report_and_show(line);
   Do_errors();
   form1.Text1.append("\r\nFinished!\r\n");
 }

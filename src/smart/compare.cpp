@@ -35,11 +35,6 @@ std::string left_aligned(std::int64_t value) {
   return text;
 }
 
-std::string three_digits(std::uint8_t id) {
-  const std::string text = std::to_string(id);
-  return std::string(3 - text.size(), '0') + text;
-}
-
 /// One attribute before and after; absent from one snapshot it counts as 0 there.
 struct Pair {
   std::int64_t before = 0;

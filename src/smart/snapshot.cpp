@@ -77,11 +77,6 @@ std::string Byte_To_Hex2(std::uint16_t value) {
   return text.size() == 1 ? "0" + text : text;
 }
 
-std::string three_digits(std::uint8_t value) {
-  const std::string text = std::to_string(value);
-  return std::string(3 - text.size(), '0') + text;
-}
-
 void add_attribute(std::span<const std::uint8_t> e) {
   Snapshot& snapshot = smart.Smart_Snapshot;
   Smart_Attribute& attribute = snapshot.Attributes.at(snapshot.Attr_Count);
