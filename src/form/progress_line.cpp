@@ -37,14 +37,21 @@ std::string duration_text(double seconds) {
   return std::to_string(minutes / kMinute) + ":" + two_digits(minutes % kMinute) + end;
 }
 
-/// The status, and how far the run is: "  [42%, 1:05 left, reading]". The time is left out while it is unknown.
-std::string line_text() {
-  const std::string& status = form1.TxtStatus.text();
-  if (measure.plan.kind == RunKind::none) return status;
+/// How far the run is, as "  [42%, 1:05 left, reading]"; the time is left out while it is unknown.
+std::string how_far_text() {
+  if (measure.plan.kind == RunKind::none) return {};
   const HowFar how = how_far(measure);
   const std::string left = how.seconds_left < 0.0 ? std::string() : duration_text(how.seconds_left) + " left, ";
-  return status + "  [" + std::to_string(static_cast<int>(how.share * 100.0)) + "%, " + left + phase_text(how.phase) +
-         "]";
+  return "  [" + std::to_string(static_cast<int>(how.share * 100.0)) + "%, " + left + phase_text(how.phase) + "]";
+}
+
+/// The status and how far the run is. On a terminal the status gives way, since a line that wraps cannot be rewritten.
+std::string line_text() {
+  constexpr std::size_t kTerminalWidth = 79;
+  const std::string how = how_far_text();
+  std::string status = form1.TxtStatus.text();
+  if (line.on_terminal && status.size() + how.size() > kTerminalWidth) status.resize(kTerminalWidth - how.size());
+  return status + how;
 }
 
 }  // namespace

@@ -4,33 +4,39 @@
 
 namespace {
 
-constexpr std::int64_t kWidest = 8;  // pixels
+constexpr std::int64_t kWidest = 16;  // pixels
+
+std::int64_t count_in(const RateColumn& facts, bool errors) {
+  return errors ? facts.errors : facts.slow;
+}
+
+/// The mark of columns `first` to before `end`.
+GraphMark mark_of(const std::vector<PixelColumn>& columns, std::int64_t first, std::int64_t end, bool errors) {
+  GraphMark mark;
+  mark.error = errors;
+  mark.pixel = first + (end - first) / 2;
+  mark.first_lba = columns[static_cast<std::size_t>(first)].first_lba;
+  for (std::int64_t i = first; i < end; ++i) {
+    const PixelColumn& column = columns[static_cast<std::size_t>(i)];
+    const double lowest = column.facts.lowest;
+    mark.end_lba = column.end_lba;
+    mark.longest = std::max(mark.longest, static_cast<double>(column.facts.longest));
+    if (lowest > 0.0) mark.lowest_rate = mark.lowest_rate > 0.0 ? std::min(mark.lowest_rate, lowest) : lowest;
+  }
+  return mark;
+}
 
 void add_marks(const std::vector<PixelColumn>& columns, bool errors, std::vector<GraphMark>* marks) {
-  const auto count = [&](std::int64_t i) {
-    const RateColumn& facts = columns[static_cast<std::size_t>(i)].facts;
-    return std::int64_t{errors ? facts.errors : facts.slow};
-  };
+  const auto has = [&](std::int64_t i) { return count_in(columns[static_cast<std::size_t>(i)].facts, errors) > 0; };
   const std::int64_t pixels = std::ssize(columns);
-  for (std::int64_t i = 0; i < pixels;) {
-    if (count(i) == 0) {
-      ++i;
-      continue;
-    }
-    GraphMark mark;
-    mark.error = errors;
-    mark.first_lba = columns[static_cast<std::size_t>(i)].first_lba;
+  for (std::int64_t i = 0; i < pixels; ++i) {
     const std::int64_t first = i;
-    for (; i < pixels && i < first + kWidest && count(i) > 0; ++i) {
-      const PixelColumn& column = columns[static_cast<std::size_t>(i)];
-      const double lowest = column.facts.lowest;
-      mark.end_lba = column.end_lba;
-      mark.transfers = std::max(mark.transfers, count(i));
-      mark.longest = std::max(mark.longest, static_cast<double>(column.facts.longest));
-      if (lowest > 0.0) mark.lowest_rate = mark.lowest_rate > 0.0 ? std::min(mark.lowest_rate, lowest) : lowest;
+    while (i < pixels && has(i)) ++i;
+    const std::int64_t pieces = (i - first + kWidest - 1) / kWidest;
+    for (std::int64_t piece = 0; piece < pieces; ++piece) {
+      const auto edge = [&](std::int64_t which) { return first + which * (i - first) / pieces; };
+      marks->push_back(mark_of(columns, edge(piece), edge(piece + 1), errors));
     }
-    mark.pixel = first + (i - first) / 2;
-    marks->push_back(mark);
   }
 }
 

@@ -45,11 +45,6 @@ void keep_slowest(const Transfer& transfer, Latency* latency) {
 
 }  // namespace
 
-const char* phase_text(Phase phase) {
-  constexpr std::array<const char*, 5> kTexts = {"reading", "writing", "verifying", "restoring", "searching"};
-  return kTexts.at(static_cast<std::size_t>(phase));
-}
-
 const char* class_text(LatencyClass which) {
   constexpr std::array<const char*, kLatencyClasses> kTexts = {"< 3 ms",   "< 10 ms",   "< 50 ms", "< 150 ms",
                                                                "< 500 ms", ">= 500 ms", "error"};

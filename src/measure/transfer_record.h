@@ -11,6 +11,9 @@ enum class Phase : std::uint8_t { reading, writing, verifying, restoring, search
 /// The phase in a word: "reading", "writing", "verifying", "restoring", "searching".
 const char* phase_text(Phase phase);
 
+/// The phase as files name it: "read", "write", "verify", "restore", "search".
+const char* phase_name(Phase phase);
+
 /// True for the phases whose transfers write.
 constexpr bool writes(Phase phase) {
   return phase == Phase::writing || phase == Phase::restoring;

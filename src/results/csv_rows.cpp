@@ -57,7 +57,7 @@ void add_csv_row(const Transfer& transfer) {
   if (csv_rows.failed) return;
   put_fixed(transfer.start, kMicroseconds);
   put(",");
-  put(phase_text(transfer.phase));
+  put(phase_name(transfer.phase));
   put(",");
   put_number(transfer.lba);
   put(",");

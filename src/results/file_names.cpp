@@ -99,7 +99,7 @@ std::string why_no_file(const std::string& name) {
   std::replace(path.begin(), path.end(), '/', '\\');
   if (path.starts_with("\\\\.\\") || path.starts_with("\\\\?\\") || path.starts_with("\\??\\")) return "is a device.";
   if (path.empty() || path.back() == '\\' || path.back() == ':') return "is a folder.";
-  if (is_reserved(path.substr(path.find_last_of("\\") + 1))) return "is a device.";
+  if (is_reserved(path.substr(path.find_last_of('\\') + 1))) return "is a device.";
   return {};
 }
 

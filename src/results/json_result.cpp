@@ -79,7 +79,7 @@ void put_transfer(const Transfer& transfer, JsonText* json) {
   json->open_object();
   json->number("lba", transfer.lba);
   json->number("sectors", transfer.sectors);
-  json->text("operation", phase_text(transfer.phase));
+  json->text("operation", phase_name(transfer.phase));
   json->real("milliseconds", transfer.seconds * 1000.0, kThousandths);
   json->number("error", transfer.error);
   json->close_object();
@@ -127,7 +127,7 @@ void put_errors(const Measure& measured, JsonText* json) {
     json->open_object();
     json->number("lba", error.lba);
     json->number("sectors", error.sectors);
-    json->text("operation", phase_text(error.phase));
+    json->text("operation", phase_name(error.phase));
     json->number("code", error.code);
     json->text("text", GetErrMsg(error.code));
     json->close_object();

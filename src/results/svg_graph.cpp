@@ -88,7 +88,7 @@ std::string axes(const Drawing& drawing) {
     svg += tick_line(x, kTop, x, kBottom) +
            text_at(x, kBottom + 16, " text-anchor=\"middle\"", fixed_text(tick, range.decimals));
   }
-  svg += text_at(kLeft - 40, kTop - 8, "", "MB/s") + text_at(kRight + 8, kBottom + 16, "", range.unit);
+  svg += text_at(kLeft - 40, kTop - 8, "", "MB/s") + text_at(kRight, kBottom + 32, " text-anchor=\"end\"", range.unit);
   return svg + "<rect class=\"frame\" x=\"" + std::to_string(kLeft) + "\" y=\"" + std::to_string(kTop) + "\" width=\"" +
          std::to_string(kPlotWidth) + "\" height=\"" + std::to_string(kPlotHeight) + "\"/>\n";
 }
@@ -131,7 +131,7 @@ std::string point_cloud(const Drawing& drawing) {
   for (const RatePoint& point : points(map)) {
     if (point.failed) continue;
     const double x = kLeft + x_of(map, point.lba, kPlotWidth);
-    path += "M" + place(x - 1.0, y_at(drawing, point.rate)) + "h2v2h-2z";
+    path += "M" + place(x - 1.5, y_at(drawing, point.rate) - 1.5) + "h3v3h-3z";
   }
   return "<path class=\"point\" d=\"" + path + "\"/>\n";
 }
@@ -164,8 +164,9 @@ std::string marks(const Drawing& drawing) {
     const char* const kind = mark.error ? "error" : "slow";
     svg += std::string("<path class=\"") + kind + "\" data-first-lba=\"" + std::to_string(mark.first_lba) +
            "\" data-end-lba=\"" + std::to_string(mark.end_lba) + "\" d=\"" + mark_shape(mark.error, x, y) +
-           "\"><title>" + kind + ": " + range_text(mark.first_lba, mark.end_lba) + ", " + number(mark.lowest_rate) +
-           " MB/s, " + milliseconds(mark.longest) + "</title></path>\n";
+           "\"><title>" + kind + ": " + range_text(mark.first_lba, mark.end_lba) + ", " +
+           (mark.error ? std::string() : number(mark.lowest_rate) + " MB/s, ") + milliseconds(mark.longest) +
+           "</title></path>\n";
   }
   return svg;
 }

@@ -1,0 +1,255 @@
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <sstream>
+#include <vector>
+
+#include "app/handlers.h"
+#include "eventlog/event_log.h"
+#include "form/form1.h"
+#include "measure/measure.h"
+#include "results/csv_rows.h"
+#include "results/file_names.h"
+#include "results/json_text.h"
+#include "results/svg_graph.h"
+#include "tests/support/rig.h"
+
+namespace {
+
+using nlohmann::json;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+struct Row {
+  double seconds = 0.0;
+  std::string operation;
+  std::int64_t lba = 0;
+  std::int64_t sectors = 0;
+  double milliseconds = 0.0;
+  double rate = 0.0;
+  std::int64_t error = 0;
+};
+
+class ResultsTest : public Rig {
+ protected:
+  /// The three switches, with files in this test's folder.
+  static std::string files() {
+    return " /CSV:" + path("r.csv") + " /JSON:" + path("r.json") + " /GRAPH:" + path("r.svg") + " ";
+  }
+  std::string disk_switch(const std::string& disk_file) {
+    return "/VDISK:0=" + write_file("d0.vd", disk_file) + " /D:0 ";
+  }
+  static std::vector<Row> rows() {
+    std::istringstream lines(read_file(path("r.csv")));
+    std::vector<Row> all;
+    std::string line;
+    std::getline(lines, line);
+    EXPECT_EQ(line, "seconds,operation,lba,sectors,milliseconds,mb_per_s,error\r");
+    while (std::getline(lines, line)) {
+      std::istringstream fields(line);
+      std::vector<std::string> texts;
+      for (std::string text; std::getline(fields, text, ',');) texts.push_back(text);
+      if (texts.size() != 7) throw std::runtime_error("not seven fields: " + line);
+      all.push_back({std::stod(texts[0]), texts[1], std::stoll(texts[2]), std::stoll(texts[3]), std::stod(texts[4]),
+                     std::stod(texts[5]), std::stoll(texts[6])});
+    }
+    return all;
+  }
+  static json document() { return json::parse(read_file(path("r.json"))); }
+
+  /// The LBA ranges of the SVG's marks of one kind: first, and the first behind.
+  static std::vector<std::pair<std::int64_t, std::int64_t>> marks(const std::string& kind) {
+    const std::string svg = read_file(path("r.svg"));
+    const std::regex mark("class=\"" + kind + R"re(" data-first-lba="(\d+)" data-end-lba="(\d+)")re");
+    std::vector<std::pair<std::int64_t, std::int64_t>> all;
+    for (std::sregex_iterator i(svg.begin(), svg.end(), mark), end; i != end; ++i) {
+      all.emplace_back(std::stoll((*i)[1]), std::stoll((*i)[2]));
+    }
+    return all;
+  }
+  static bool exists(const std::string& name) { return std::filesystem::exists(path(name)); }
+};
+
+TEST_F(ResultsTest, ThePracticeDisksFaultsAreWhereAllThreeFilesSay) {
+  start("/VDISK:0=DEMO /D:0 /OP:READ" + files());
+  std::vector<std::int64_t> slow;
+  std::vector<std::int64_t> bad;
+  std::int64_t next = 0;
+  for (const Row& row : rows()) {
+    EXPECT_EQ(row.lba, next);
+    next += row.sectors;
+    EXPECT_EQ(row.operation, "read");
+    if (row.error != 0) bad.push_back(row.lba);
+    if (row.error == 0 && row.rate < 10.0) slow.push_back(row.lba);
+  }
+  EXPECT_EQ(next, 2097152);
+  EXPECT_THAT(slow, ElementsAre(1228800, 1249280));
+  EXPECT_THAT(bad, ElementsAre(614400)) << "the unreadable place is 624000";
+
+  const json result = document();
+  EXPECT_EQ(result["slow_zones"].size(), 1U);
+  EXPECT_EQ(result["slow_zones"][0]["first_lba"], 1228800);
+  EXPECT_EQ(result["slow_zones"][0]["sectors"], 40960);
+  EXPECT_EQ(result["errors"][0]["lba"], 614400);
+  EXPECT_EQ(result["errors"][0]["code"], 23);
+  EXPECT_EQ(result["totals"]["read_errors"], 1);
+  EXPECT_EQ(result["histogram"][6]["transfers"], 1);
+  EXPECT_EQ(result["smart"]["difference"][1]["id"], 197);
+  EXPECT_EQ(result["smart"]["difference"][1]["raw"], 8);
+
+  ASSERT_EQ(marks("error").size(), 1U);
+  EXPECT_NEAR(marks("error").front().first, 614400, 2622) << "a pixel column";
+  EXPECT_NEAR(marks("error").back().second, 634880, 2622);
+  EXPECT_NEAR(marks("slow").front().first, 1228800, 2622);
+  EXPECT_NEAR(marks("slow").back().second, 1269760, 2622);
+}
+
+TEST_F(ResultsTest, TheDocumentTellsTheWholeRun) {
+  headless::desktop.wmi_answers = {{.query = "SELECT * FROM Win32_NTLogEvent",
+                                    .rows = {{{"TimeWritten", "20260301100001.000000+060"},
+                                              {"RecordNumber", "77"},
+                                              {"EventType", "1"},
+                                              {"Message", "Bad block\r\n\"disk\" \xE4"}}}}};
+  EXPECT_EQ(start(disk_switch("sectors 1000\nmodel A<b>&\"c\"\nserial S-1\n") + "/OP:RANDOMREAD /PASSES:5 /COUNT:8" +
+                  files()),
+            1U);
+  const json result = document();
+  EXPECT_EQ(result["format_version"], 1);
+  EXPECT_THAT(result["command_line"].get<std::string>(), HasSubstr("/OP:RANDOMREAD"));
+  EXPECT_EQ(result["start"]["utc"], "2026-03-01T09:00:00Z");
+  EXPECT_EQ(result["start"]["local"], "2026-03-01T10:00:00");
+  EXPECT_EQ(result["disk"]["model"], "A<b>&\"c\"");
+  EXPECT_EQ(result["operation"]["name"], "random read");
+  EXPECT_EQ(result["operation"]["sectors"], 1000);
+  EXPECT_EQ(result["totals"]["transfers"], 5);
+  EXPECT_EQ(result["totals"]["sectors"], 40);
+  EXPECT_EQ(result["events"][0]["record"], "77");
+  EXPECT_EQ(result["events"][0]["message"], "Bad block\r\n\"disk\" \xC3\xA4");
+  EXPECT_EQ(result["exit_code"], 1);
+  EXPECT_EQ(rows().size(), 5U);
+  EXPECT_THAT(read_file(path("r.svg")), HasSubstr("A&lt;b&gt;&amp;&quot;c&quot;"));
+}
+
+TEST_F(ResultsTest, EveryStepOfARandomWriteHasItsRow) {
+  start(disk_switch("sectors 1000\n") + "/OP:RANDOMWRITE /PASSES:2 /COUNT:8" + files());
+  std::vector<std::string> operations;
+  for (const Row& row : rows()) operations.push_back(row.operation);
+  EXPECT_THAT(operations, ElementsAre("read", "write", "verify", "restore", "read", "write", "verify", "restore"));
+  EXPECT_EQ(measure.plan.work, measure.done);
+}
+
+TEST_F(ResultsTest, TextsAreEscaped) {
+  EXPECT_EQ(json_string("a\"\\\x01\n\x80"), "\"a\\\"\\\\\\u0001\\u000A\xE2\x82\xAC\"");
+  EXPECT_EQ(svg_text("<&\">\x02\xE9"), "&lt;&amp;&quot;&gt; \xC3\xA9");
+  JsonText text;
+  text.number("small", 1LL << 53);
+  text.number("large", (1LL << 53) + 1);
+  text.real("none", std::strtod("nan", nullptr), 3);
+  const json read = json::parse(text.finish());
+  EXPECT_EQ(read["large_text"], "9007199254740993");
+  EXPECT_FALSE(read.contains("small_text"));
+  EXPECT_TRUE(read["none"].is_null());
+}
+
+TEST_F(ResultsTest, NamesOfDevicesAndFoldersAreRefusedBeforeAnythingIsWritten) {
+  for (const char* name :
+       {"\\\\.\\PhysicalDrive0", "//./c:", "\\\\?\\X:", "nul", "c:\\x\\Com1.csv", "aux .txt", "x\\", "x/", "C:"}) {
+    EXPECT_THAT(why_no_file(name), testing::StartsWith("is a ")) << name;
+  }
+  EXPECT_EQ(why_no_file("c:\\com10\\console.csv"), "");
+  const std::string disk = disk_switch("sectors 10\n") + "/OP:READ /REPORT:" + path("r.txt");
+  EXPECT_EQ(start(disk + " /CSV:" + path("")), 1U);
+  std::filesystem::create_directories(path("folder"));
+  EXPECT_EQ(start(disk + " /JSON:" + path("folder")), 1U);
+  EXPECT_THAT(err(), HasSubstr("is a folder or cannot be written: error 5"));
+  EXPECT_EQ(start(disk + " /JSON:" + path("missing/r.json")), 1U);
+  EXPECT_EQ(start(disk + " /CSV:" + path("same") + " /JSON:" + path("same")), 1U);
+  EXPECT_THAT(err(), HasSubstr("is named twice"));
+  EXPECT_EQ(start(disk + " /CSV:" + path("d0.vd")), 1U);
+  EXPECT_THAT(err(), HasSubstr("is a virtual disk of this run"));
+  EXPECT_FALSE(exists("r.txt"));
+  EXPECT_FALSE(exists("same.tmp"));
+}
+
+TEST_F(ResultsTest, WhicheverCallFailsNoHalfFileGetsTheName) {
+  std::vector<std::string> told;
+  for (std::int64_t number = 1; number <= 4; ++number) {
+    csv_rows = {};
+    begin_csv(path("r.csv"));
+    add_csv_row({.lba = 1, .sectors = 2, .seconds = 0.1});
+    headless::desktop.calls.clear();
+    headless::desktop.fail_code = 112;
+    headless::desktop.fail_first = headless::desktop.fail_last = headless::desktop.calls_made + number;
+    const std::string problem = finish_csv();
+    told.push_back(headless::desktop.calls.at(static_cast<std::size_t>(number) - 1) + (problem.empty() ? "" : " told"));
+    EXPECT_EQ(exists("r.csv"), problem.empty());
+    std::filesystem::remove(path("r.csv"));
+  }
+  EXPECT_THAT(told, ElementsAre("CreateFileA told", "WriteFile told", "CloseHandle", "MoveFileExA told"));
+  EXPECT_EQ(headless::desktop.open_files, 0);
+}
+
+TEST_F(ResultsTest, AFullDiskIsToldOnceAndTheRunGoesOn) {
+  begin({.kind = RunKind::read, .sectors = 100000});
+  begin_csv(path("r.csv"));
+  headless::desktop.fail_code = 112;
+  headless::desktop.fail_first = headless::desktop.calls_made + 2;
+  headless::desktop.fail_last = headless::desktop.fail_first;
+  for (std::int64_t i = 0; i < 10000; ++i) add_csv_row({.lba = i, .sectors = 1, .seconds = 0.001});
+  EXPECT_EQ(finish_csv(), "");
+  EXPECT_EQ(count_of(err(), "cannot be written: error 112"), 1);
+  EXPECT_FALSE(exists("r.csv"));
+  EXPECT_FALSE(exists("r.csv.tmp"));
+}
+
+TEST_F(ResultsTest, ManyRowsGoThroughABufferOfOneSize) {
+  begin({.kind = RunKind::read, .sectors = 100000});
+  begin_csv(path("r.csv"));
+  for (std::int64_t i = 0; i < 10000; ++i) add_csv_row({.lba = i, .sectors = 1, .seconds = 0.001});
+  EXPECT_TRUE(exists("r.csv.tmp"));
+  EXPECT_FALSE(exists("r.csv"));
+  EXPECT_EQ(finish_csv(), "");
+  EXPECT_FALSE(exists("r.csv.tmp"));
+  ASSERT_EQ(rows().size(), 10000U);
+  EXPECT_EQ(rows().back().lba, 9999);
+}
+
+TEST_F(ResultsTest, LeavingInTheMiddleLeavesNoHalfFile) {
+  static bool half_written = false;
+  headless::desktop.at_pump = [](int pump) {
+    if (pump < 2500) return;
+    half_written = exists("r.csv.tmp");
+    CmdExit_Click();
+  };
+  start(disk_switch("sectors 1000\n") + "/OP:RANDOMREAD /PASSES:3000 /COUNT:1" + files());
+  EXPECT_TRUE(half_written);
+  for (const char* name : {"r.csv", "r.csv.tmp", "r.json", "r.json.tmp", "r.svg"}) EXPECT_FALSE(exists(name)) << name;
+}
+
+TEST_F(ResultsTest, EachOperationOfTheWindowReplacesTheFiles) {
+  open(disk_switch("sectors 100000\n") + files());
+  click(CmdRead_Click);
+  EXPECT_EQ(document()["operation"]["sectors"], 100000);
+  form1.TxtNoSecs.set_typed("7");
+  range_typed();
+  click(display_click);
+  EXPECT_EQ(document()["operation"]["sectors"], 100000) << "showing the buffer is no operation";
+  click(CmdRead_Click);
+  EXPECT_EQ(document()["operation"]["sectors"], 7);
+  EXPECT_EQ(rows().size(), 1U);
+  EXPECT_FALSE(exists("r.csv.tmp"));
+}
+
+TEST_F(ResultsTest, TheProgressLineTellsShareTimeLeftAndPhase) {
+  headless::desktop.err_is_terminal = true;
+  start("/VDISK:0=DEMO /D:0 /OP:READ");
+  EXPECT_THAT(err(), HasSubstr("\r1085440 sectors in 3.5s  (51%)  ["));
+  EXPECT_THAT(err(), HasSubstr("  [51%, 0:04 left, reading]"));
+  std::istringstream lines(err());
+  for (std::string line; std::getline(lines, line, '\r');) EXPECT_LE(count_of(line, "left, ") * line.size(), 79U);
+}
+
+}  // namespace
