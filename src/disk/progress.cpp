@@ -46,18 +46,27 @@ void report_slow(std::int64_t sectors, std::int64_t lba, double rate) {
   PrintReport(line);
 }
 
+double rate_over(std::int64_t sectors, double duration) {
+  return static_cast<double>(sectors) / kSectorsPerMb / duration;
+}
+
 /// The statistics of a transfer long enough to time. Gives its rate in MB/s.
 double time_transfer(std::int64_t sectors, std::int64_t lba, double duration) {
-  const double rate = static_cast<double>(sectors) / kSectorsPerMb / duration;
+  const double rate = rate_over(sectors, duration);
   const double jump = std::abs(rate - progress.HighRate);
   if (progress.HighRate > 0.0 && jump > progress.MaxRateJump) progress.MaxRateJump = jump;
   if (progress.LowRate != 0.0 && rate < progress.LowRate) progress.LowRate = rate;
   if (rate > progress.HighRate) progress.HighRate = rate;
-  if (sectors >= kShortestSlow && std::floor(rate) < progress.SlowRate) report_slow(sectors, lba, rate);
+  if (is_slow(sectors, duration)) report_slow(sectors, lba, rate);
   return rate;
 }
 
 }  // namespace
+
+bool is_slow(std::int64_t sectors, double duration) {
+  return duration > kShortestTimed && sectors >= kShortestSlow &&
+         std::floor(rate_over(sectors, duration)) < progress.SlowRate;
+}
 
 void clear_progress() {
   const double limit = progress.AutoSlowRate ? kDefaultSlowRate : progress.SlowRate;

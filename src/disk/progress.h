@@ -27,6 +27,9 @@ extern Progress progress;
 /// Sets the statistics to their start values; the slow limit too while it is AUTO, a number that the user set stays.
 void clear_progress();
 
+/// True for a transfer that the report calls slow: long enough to time, at least 200 sectors, below the limit.
+bool is_slow(std::int64_t sectors, double duration);
+
 /// Updates rates, slow transfers and the status line after a transfer of `sectors` sectors that began at `lba`;
 /// progress.XferStart and XferEnd say when.
 void Display_Progress(std::int64_t sectors, std::int64_t lba);

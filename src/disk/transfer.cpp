@@ -10,6 +10,7 @@
 #include "disk/progress.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "measure/measure.h"
 #include "platform/clock.h"
 #include "platform/window.h"
 
@@ -20,6 +21,7 @@ struct Direction {
   bool (*transfer)(std::int64_t lba, std::int64_t count);
   void (*report_failure)(std::int64_t lba, std::int64_t sectors);
   const char* doing;
+  bool writes;
 };
 
 struct PositionFacts {
@@ -64,6 +66,13 @@ bool transfer_once(const Direction& direction, std::int64_t lba, std::int64_t se
   progress.XferStart = platform::seconds_since_midnight();
   const bool done = direction.transfer(lba, sectors);
   progress.XferEnd = platform::seconds_since_midnight();
+  record({.wrote = direction.writes,
+          .slow = is_slow(sectors, progress.XferEnd - progress.XferStart),
+          .error = done ? 0 : disk.Errno,
+          .lba = lba,
+          .sectors = sectors,
+          .start = progress.XferStart,
+          .end = progress.XferEnd});
   if (!done) direction.report_failure(lba, sectors);
   counters.Sectors_Done += sectors;
   return done;
@@ -86,8 +95,8 @@ bool transfer_all(const Direction& direction, std::int64_t* lba, std::int64_t to
   return all_done;
 }
 
-constexpr Direction kReading{ReadAt, report_read_failure, "reading"};
-constexpr Direction kWriting{WriteAt, report_write_failure, "writing"};
+constexpr Direction kReading{ReadAt, report_read_failure, "reading", false};
+constexpr Direction kWriting{WriteAt, report_write_failure, "writing", true};
 
 }  // namespace
 

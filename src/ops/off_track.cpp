@@ -11,6 +11,7 @@
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "form/output.h"
+#include "measure/measure.h"
 #include "ops/frame.h"
 #include "ops/random_numbers.h"
 #include "ops/random_parameters.h"
@@ -61,6 +62,7 @@ Places next_places() {
 
 /// Reads one sector elsewhere and puts the tested place's data back into the buffer's start.
 void seek_to(std::int64_t lba, const Visit& visit) {
+  enter(Phase::reading);
   Read_sectors(&lba, 1, 1, Events::wait);
   std::copy_n(visit.former_contents().begin(), kSectorSize, disk.Sec_Buf.data());
 }
@@ -75,10 +77,18 @@ void make_pass(const Places& places) {
 }
 
 void verify(const std::array<std::int64_t, kRemembered>& tested) {
+  enter(Phase::verifying);
   for (const std::int64_t place : tested) {
     std::int64_t lba = place - kGuard;
     Read_sectors(&lba, kVerified, kVerified);
   }
+}
+
+/// Sectors that `passes` passes transfer: three times the place, two sectors elsewhere, and the verifications.
+std::int64_t work_of(std::int32_t passes) {
+  constexpr std::int64_t kPass = 3 * kSectors + 2;
+  const std::int64_t verified = passes / std::int64_t{kRemembered} * std::int64_t{kRemembered};
+  return passes * kPass + verified * kVerified;
 }
 
 void make_passes(std::int32_t passes) {
@@ -108,6 +118,7 @@ void OffTrack_Write_Test() {
            std::to_string(kSmallestDisk) + ": nothing was done.\r\n");
     return;
   }
+  begin({.kind = RunKind::off_track, .sectors = identification.Drive_Sectors, .work = work_of(passes)});
   disk.Sec_Buf.resize(kVerified * kSectorSize + 1);
   counters.No_Secs = kSectors;
   form1.TxtNoSecs.set_text(std::to_string(kSectors));

@@ -14,6 +14,7 @@
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "form/output.h"
+#include "measure/measure.h"
 #include "ops/frame.h"
 #include "ops/random_numbers.h"
 #include "ops/random_parameters.h"
@@ -57,6 +58,13 @@ bool begin_test() {
 std::string what_is_done() {
   return std::to_string(counters.No_Secs) + " sectors per operation, " + std::to_string(random_test.passes) +
          " passes on drive " + std::to_string(form1.SelectedDrive) + "\r\n";
+}
+
+/// What the test is about to do: `transfers` transfers to a visit, anywhere on the disk.
+void begin_measure(RunKind kind, std::int64_t transfers) {
+  begin({.kind = kind,
+         .sectors = identification.Drive_Sectors,
+         .work = random_test.passes * counters.No_Secs * transfers});
 }
 
 /// Makes the passes, each followed by its count and the test for a cancel.
@@ -107,9 +115,11 @@ void destructive_visit() {
   form1.TxtStartLBA.set_text(std::to_string(lba));
   std::copy(pattern_of_test.begin(), pattern_of_test.end(), disk.Sec_Buf.data());
   std::int64_t write_lba = lba;
+  enter(Phase::writing);
   Write_sectors(&write_lba, counters.No_Secs, counters.No_Secs);
   if (form1.MyCancel) return;
   std::int64_t read_lba = lba;
+  enter(Phase::verifying);
   count_compare(pattern_of_test, Read_sectors(&read_lba, counters.No_Secs, counters.No_Secs, Events::wait));
 }
 
@@ -140,6 +150,7 @@ void FillRandPatt() {
 
 void Random_Read_Test() {
   if (!begin_test()) return;
+  begin_measure(RunKind::random_read, 1);
   report("Random disk read " + what_is_done());
   size_buffer();
   make_visits(read_visit);
@@ -148,6 +159,7 @@ void Random_Read_Test() {
 
 void Random_Write_Test() {
   if (!begin_test()) return;
+  begin_measure(RunKind::random_write, 4);
   report("Random disk write " + what_is_done());
   size_buffer();
   make_visits(write_visit);
@@ -160,6 +172,7 @@ void Destructive_Random_Write_Test() {
   size_buffer();
   CmdFillBuffer_Click();
   pattern_of_test.assign(visit_bytes().begin(), visit_bytes().end());
+  begin_measure(RunKind::destructive_write, 2);
   report("Destructive Random Write test to whole disk with pattern " + form1.TxtPattern.text() + ", " +
          std::to_string(random_test.passes) + " passes, " + std::to_string(counters.No_Secs) +
          " sectors per operation on drive " + std::to_string(form1.SelectedDrive) + "\r\n");

@@ -12,6 +12,7 @@
 #include "form/output.h"
 #include "form/progress_line.h"
 #include "form/run.h"
+#include "measure/measure.h"
 #include "ops/frame.h"
 #include "ops/range.h"
 #include "ops/totals.h"
@@ -48,6 +49,7 @@ struct Place {
 /// Where a match begins; it may end in the next sector. On a match the buffer holds that sector alone.
 bool search_range(const Search& search, Place* place) {
   place->lba = take_range();
+  begin({.kind = RunKind::search, .first_lba = place->lba, .sectors = counters.No_Secs});
   const std::int64_t chunk = read_chunk(counters.No_Secs);
   disk.Sec_Buf.resize(chunk * kSectorSize);
   disk.Buf_Secs = 0;

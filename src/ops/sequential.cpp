@@ -12,6 +12,7 @@
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "form/output.h"
+#include "measure/measure.h"
 #include "ops/frame.h"
 #include "ops/range.h"
 #include "ops/totals.h"
@@ -51,6 +52,7 @@ void report_end(const std::string& before) {
 void Seq_Read() {
   Clear_Counters();
   const std::int64_t start = take_range();
+  begin({.kind = RunKind::read, .first_lba = start, .sectors = counters.No_Secs});
   announce("Reading");
   const std::int64_t chunk = read_chunk(counters.No_Secs);
   disk.Sec_Buf.resize(chunk * kSectorSize);
@@ -62,6 +64,7 @@ void Seq_Read() {
 void Seq_Write() {
   Clear_Counters();
   const std::int64_t start = take_range();
+  begin({.kind = RunKind::write, .first_lba = start, .sectors = counters.No_Secs});
   announce("Writing");
   // One step, unlike the read's two; kept, so that rates compare with earlier runs.
   constexpr std::int64_t kChunk = 16065;

@@ -7,6 +7,7 @@
 #include "form/form1.h"
 #include "form/output.h"
 #include "form/run.h"
+#include "measure/measure.h"
 #include "ops/rescue_file.h"
 #include "platform/console.h"
 
@@ -28,6 +29,7 @@ Visit::~Visit() {
 bool Visit::take_former_contents() {
   std::int64_t lba = lba_;
   disk.Buf_Secs = 0;  // tells a read that a cancel kept from beginning
+  enter(Phase::reading);
   Read_sectors(&lba, sectors_, sectors_);
   platform::hold_shutdown();
   if (disk.Buf_Secs == sectors_) {
@@ -41,17 +43,21 @@ bool Visit::take_former_contents() {
 
 bool Visit::write() {
   std::int64_t lba = lba_;
+  enter(Phase::writing);
   return Write_sectors(&lba, sectors_, sectors_, Events::wait);
 }
 
 bool Visit::read() {
   std::int64_t lba = lba_;
+  enter(Phase::verifying);
   return Read_sectors(&lba, sectors_, sectors_, Events::wait);
 }
 
 void Visit::give_back() {
   std::copy(saved_.begin(), saved_.end(), disk.Sec_Buf.data());
-  if (write()) return;
+  std::int64_t lba = lba_;
+  enter(Phase::restoring);
+  if (Write_sectors(&lba, sectors_, sectors_, Events::wait)) return;
   const std::string line = "Former contents of " + std::to_string(sectors_) + " sectors at LBA " +
                            std::to_string(lba_) + " could not be written back. " + save_to_rescue_file(lba_, saved_);
   lost_places.lines.push_back(line);

@@ -15,6 +15,7 @@
 #include "form/form1.h"
 #include "form/output.h"
 #include "form/run.h"
+#include "measure/measure.h"
 #include "ops/random.h"
 #include "ops/random_numbers.h"
 #include "ops/visit.h"
@@ -34,6 +35,7 @@ void forget_program() {
   editor = {};
   counters = {};
   progress = {};
+  measure = {};
   identification = {};
   smart = {};
   random_numbers = {};

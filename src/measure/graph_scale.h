@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+
+#include "measure/measure.h"
+
+/// The arithmetic of the rate graph, shared by everyone who draws it. Places are pixels from the left or from the top.
+
+/// An axis from 0 to `top` with a tick every `step`, a round number (1, 2 or 5 times a power of ten).
+struct Scale {
+  double top = 1.0;
+  double step = 1.0;
+  int decimals = 0;  // that tell one tick from the next
+};
+
+/// The scale that reaches `highest` with at most `most_ticks` steps; 0 to 1 where nothing is there to show.
+Scale round_scale(double highest, int most_ticks);
+
+/// The scale of the MB/s axis: all rates and the slow limit are on it.
+Scale rate_scale(const Measure& of, double slow_limit, int most_ticks);
+
+/// The x axis: the range in GB, in MB below 1 GB, in sectors below 1 MB. A GB is 1024 MB, a MB 2048 sectors, as in the
+/// rates.
+struct RangeAxis {
+  const char* unit = "GB";
+  double unit_sectors = 1.0;
+  double first = 0.0;  // of the range, in units
+  double length = 0.0;
+  double step = 1.0;
+  double first_tick = 0.0;  // the first multiple of `step` in the range
+  int decimals = 0;
+};
+RangeAxis range_axis(std::int64_t first_lba, std::int64_t sectors, int most_ticks);
+
+/// The pixel of `lba` on an axis `width` pixels long, and the other way round: the LBA at pixel `x`.
+double x_of(const RateMap& map, std::int64_t lba, double width);
+std::int64_t lba_at(const RateMap& map, double x, double width);
+
+/// The pixel of `value` on a scale drawn `height` pixels high, 0 at its top.
+double y_of(const Scale& scale, double value, double height);

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+
+/// One mebibyte per second is 2048 sectors of 512 bytes per second; the unit of every rate here ("MB/s").
+inline constexpr double kSectorsPerMegabyte = 2048.0;
+
+/// What a transfer was part of.
+enum class Phase : std::uint8_t { reading, writing, verifying, restoring, searching };
+
+/// The phase in a word: "reading", "writing", "verifying", "restoring", "searching".
+const char* phase_text(Phase phase);
+
+/// True for the phases whose transfers write.
+constexpr bool writes(Phase phase) {
+  return phase == Phase::writing || phase == Phase::restoring;
+}
+
+/// One finished transfer. Times in seconds.
+struct Transfer {
+  Phase phase = Phase::reading;
+  bool slow = false;  // below the limit, as the report tells it
+  std::uint32_t error = 0;
+  std::int64_t lba = 0;
+  std::int64_t sectors = 0;
+  double start = 0.0;  // since the run's first transfer began
+  double seconds = 0.0;
+};
+
+/// A transfer's rate in MB/s; 0 for a failed one, which moved nothing, and for one too short for the clock.
+constexpr double rate_of(const Transfer& transfer) {
+  if (transfer.error != 0 || transfer.seconds <= 0.0) return 0.0;
+  return static_cast<double>(transfer.sectors) / kSectorsPerMegabyte / transfer.seconds;
+}
