@@ -1,14 +1,18 @@
 #include "app/command.h"
 
+#include "app/startup.h"
 #include "form/form1.h"
 #include "ops/select_drive.h"
 #include "platform/window.h"
+#include "results/results.h"
 
 void run_command(void (*command)()) {
   if (form1.CommandRunning) return;
   form1.CommandRunning = true;
   platform::begin_command();
+  begin_results(program_version());
   command();
+  finish_results();
   form1.CommandRunning = false;
   if (form1.PendingDrive != kNoDrive) {
     form1.PendingDrive = kNoDrive;

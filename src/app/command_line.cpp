@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "buffer/search.h"
@@ -141,6 +142,12 @@ constexpr std::array kSwitches = {
            "/REPORT:FILE      write the report to FILE; - is standard output, the default with /OP"},
     Switch{"/VARS", true, false, [](const std::string& value, Run* asked) { return take_text(value, &asked->vars); },
            "/VARS:FILE        append the report variables to FILE; - likewise"},
+    Switch{"/CSV", true, false, [](const std::string& value, Run* asked) { return take_text(value, &asked->csv); },
+           "/CSV:FILE         write a row for every transfer"},
+    Switch{"/JSON", true, false, [](const std::string& value, Run* asked) { return take_text(value, &asked->json); },
+           "/JSON:FILE        write the whole result as one JSON document"},
+    Switch{"/GRAPH", true, false, [](const std::string& value, Run* asked) { return take_text(value, &asked->graph); },
+           "/GRAPH:FILE.svg   write the transfer-rate graph"},
     Switch{"/QUIET", false, false, [](const std::string&, Run* asked) { return asked->quiet = true; },
            "/QUIET            no progress on standard error"},
     Switch{"/?", false, false, [](const std::string&, Run* asked) { return asked->usage = true; },
@@ -178,6 +185,19 @@ std::string judge_operation(const Run& asked) {
   return {};
 }
 
+/// Without a drive nothing is written.
+std::string judge_outputs(const Run& asked) {
+  const std::array<std::pair<const char*, bool>, 5> outputs = {{{"/REPORT", asked.report.has_value()},
+                                                                {"/VARS", asked.vars.has_value()},
+                                                                {"/CSV", asked.csv.has_value()},
+                                                                {"/JSON", asked.json.has_value()},
+                                                                {"/GRAPH", asked.graph.has_value()}}};
+  for (const auto& [name, given] : outputs) {
+    if (given) return std::string(name) + " needs /D:n, n from 0 to 7.";
+  }
+  return {};
+}
+
 std::string judge(const Run& asked, const Tally& tally) {
   if (asked.usage) return {};
   if (asked.op && asked.list) return "/OP and /LIST exclude each other.";
@@ -186,9 +206,7 @@ std::string judge(const Run& asked, const Tally& tally) {
   if (asked.op && tally.drives != 1) return "/OP needs exactly one /D:n, n from 0 to 7.";
   std::string error = judge_operation(asked);
   if (!error.empty()) return error;
-  if (asked.report && tally.drives == 0) return "/REPORT needs /D:n, n from 0 to 7.";
-  if (asked.vars && tally.drives == 0) return "/VARS needs /D:n, n from 0 to 7.";
-  return {};
+  return tally.drives == 0 ? judge_outputs(asked) : std::string();
 }
 
 std::string take_switch(const Switch& row, const Token& token, std::vector<const Switch*>* seen, Run* asked) {

@@ -12,6 +12,7 @@
 #include "ops/select_drive.h"
 #include "ops/sequential.h"
 #include "platform/window.h"
+#include "results/results.h"
 
 namespace {
 
@@ -132,6 +133,7 @@ void cmdCancel_Click() {
 void CmdExit_Click() {
   request_exit();
   output.ExitCode = kLeft;
+  abandon_results();
   kernel32::Sleep(kLeaveAfter);
   ExitProgram();
 }
@@ -139,6 +141,7 @@ void CmdExit_Click() {
 void Form_Unload() {
   CloseDrive();
   close_report();
+  abandon_results();
   request_exit();
   kernel32::Sleep(kLeaveAfter);
   output.ExitCode = kLeft;

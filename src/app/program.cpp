@@ -19,6 +19,7 @@
 #include "ops/show.h"
 #include "platform/console.h"
 #include "platform/window.h"
+#include "results/file_names.h"
 #include "virtualdisk/virtualdisk.h"
 
 namespace {
@@ -40,8 +41,11 @@ std::string attach_virtual_disks() {
   return {};
 }
 
-/// Opens the report and names the variables file; both are standard output for a run with /OP unless it says otherwise.
+/// Looks at the names of all output files, opens the report and names the variables file; both are standard output for
+/// a run with /OP unless it says otherwise.
 std::string open_outputs() {
+  std::string problem = check_output_names();
+  if (!problem.empty()) return problem;
   output.ReportFileName = run.vars.value_or(run.op ? "-" : "");
   const std::string report = run.report.value_or(run.op ? "-" : "");
   return report.empty() ? std::string() : open_report(report);

@@ -38,8 +38,7 @@ constexpr const char* kInstructions =
     "\r\nSlow transfers on sequential reads will be detected (default=10ms).";
 
 std::string version_line() {
-  return "Sectorix v." + std::to_string(SECTORIX_MAJOR) + "." + std::to_string(SECTORIX_MINOR) + "." +
-         std::to_string(SECTORIX_REVISION) + " - disk read, write and test";
+  return "Sectorix v." + program_version() + " - disk read, write and test";
 }
 
 /// Switching an option on runs its handler; one that is on already stays as it is.
@@ -57,6 +56,11 @@ void select_named_drives() {
 }
 
 }  // namespace
+
+std::string program_version() {
+  return std::to_string(SECTORIX_MAJOR) + "." + std::to_string(SECTORIX_MINOR) + "." +
+         std::to_string(SECTORIX_REVISION);
+}
 
 bool GetOsVersion() {
   constexpr std::uint32_t kPlatformNt = 2;  // winnt.h: VER_PLATFORM_WIN32_NT

@@ -107,6 +107,14 @@ bool CloseHandle(Handle handle) {
   return keep_system(platform::CloseHandle(handle));
 }
 
+bool MoveFileExA(const char* from, const char* to, std::uint32_t flags) {
+  return keep_system(platform::MoveFileExA(from, to, flags));
+}
+
+bool DeleteFileA(const char* name) {
+  return keep_system(platform::DeleteFileA(name));
+}
+
 std::uint32_t FormatMessageA(std::uint32_t flags, std::uint32_t code, char* text, std::uint32_t text_bytes) {
   const std::uint32_t length = platform::FormatMessageA(flags, code, text, text_bytes);
   keep_system(length != 0);

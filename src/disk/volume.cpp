@@ -1,9 +1,11 @@
 #include "disk/volume.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
 #include "device/wmi.h"
+#include "form/number_text.h"
 #include "platform/console.h"
 
 Volumes volumes;
@@ -93,6 +95,12 @@ std::vector<std::string> volumes_on(int drive) {
   }
   wmi::close(service);
   return found;
+}
+
+bool lies_on_drive(int drive, const std::string& path) {
+  const std::string volume = upper_case(platform::full_path(path)).substr(0, 2);
+  const std::vector<std::string> found = volumes_on(drive);
+  return std::any_of(found.begin(), found.end(), [&](const std::string& own) { return upper_case(own) == volume; });
 }
 
 void Lock_Unlock_All_Volumes(int drive, const std::string& mode) {

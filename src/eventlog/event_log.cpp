@@ -11,6 +11,8 @@
 #include "form/form1.h"
 #include "form/output.h"
 
+EventLog event_log;
+
 namespace {
 
 /// The entries of a time span: their listing and their counts.
@@ -42,6 +44,8 @@ platform::DateTime local_time_in(std::string_view text) {
 }
 
 void add_event(wmi::WmiRow& row, Events* events) {
+  event_log.entries.push_back({local_time_in(row["TimeWritten"]), row["RecordNumber"], row["EventCode"],
+                               row["Category"], row["EventType"], row["SourceName"], row["Message"], row["Logfile"]});
   events->listing += "Time: " + platform::default_form(local_time_in(row["TimeWritten"])) + "\r\n";
   events->listing += "No: " + row["RecordNumber"] + "\r\n";
   events->listing += "Event ID: " + row["EventCode"] + "\r\n";
@@ -101,7 +105,9 @@ std::string WMI_DateTime(const platform::DateTime& when) {
 
 void Query_System_Event_Log(const platform::DateTime& start) {
   const platform::DateTime now = platform::local_time();
+  event_log = {};
   const Events events = ask_log(start, now);
+  event_log.complete = events.complete;
   if (events.complete || events.listed > 0) {
     const std::string variables = "\r\n\r\nSET QV_E_INFO=" + std::to_string(events.information) +
                                   "\r\nSET QV_E_WARNINGS=" + std::to_string(events.warnings) +

@@ -1,10 +1,12 @@
 #include "form/progress_line.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 
 #include "form/form1.h"
 #include "form/run.h"
+#include "measure/measure.h"
 #include "platform/clock.h"
 #include "platform/console.h"
 
@@ -24,6 +26,27 @@ bool wanted() {
   return run.op && !run.quiet;
 }
 
+/// "1:02:03", "2:03"; hours only where there are any.
+std::string duration_text(double seconds) {
+  constexpr std::int64_t kMinute = 60;
+  const auto two_digits = [](std::int64_t number) { return (number < 10 ? "0" : "") + std::to_string(number); };
+  const auto whole = static_cast<std::int64_t>(std::ceil(seconds));
+  const std::int64_t minutes = whole / kMinute;
+  const std::string end = ":" + two_digits(whole % kMinute);
+  if (minutes < kMinute) return std::to_string(minutes) + end;
+  return std::to_string(minutes / kMinute) + ":" + two_digits(minutes % kMinute) + end;
+}
+
+/// The status, and how far the run is: "  [42%, 1:05 left, reading]". The time is left out while it is unknown.
+std::string line_text() {
+  const std::string& status = form1.TxtStatus.text();
+  if (measure.plan.kind == RunKind::none) return status;
+  const HowFar how = how_far(measure);
+  const std::string left = how.seconds_left < 0.0 ? std::string() : duration_text(how.seconds_left) + " left, ";
+  return status + "  [" + std::to_string(static_cast<int>(how.share * 100.0)) + "%, " + left + phase_text(how.phase) +
+         "]";
+}
+
 }  // namespace
 
 void begin_progress_line() {
@@ -38,7 +61,7 @@ void show_progress_line() {
   const double now = platform::steady_seconds();
   if (now < line.due) return;
   line.due = now + (line.on_terminal ? kTerminalPause : kPlainPause);
-  const std::string& status = form1.TxtStatus.text();
+  const std::string status = line_text();
   if (!line.on_terminal) {
     platform::write_err(status + "\r\n");
     return;

@@ -40,6 +40,7 @@ Transfer transfer_of(const Timed& timed) {
 
 void keep_error(const Transfer& transfer) {
   ++measure.failed;
+  measure.failed_writes += writes(transfer.phase) ? 1 : 0;
   if (measure.errors_kept == Measure::kMostErrors) return;
   measure.errors.at(measure.errors_kept++) = {transfer.lba, transfer.sectors, transfer.error, transfer.phase};
 }

@@ -57,6 +57,7 @@ struct Measure {
   std::int64_t done = 0;  // sectors transferred, failed ones included
   std::int64_t slow = 0;
   std::int64_t failed = 0;
+  std::int64_t failed_writes = 0;
   double seconds = 0.0;  // from the first transfer's start to the last one's end
   double first_start = 0.0;
   double last_start = 0.0;  // times of day; `days` midnights lie between them

@@ -11,6 +11,7 @@
 #include "form/output.h"
 #include "form/progress_line.h"
 #include "form/run.h"
+#include "ops/frame_data.h"
 #include "ops/select_drive.h"
 #include "ops/visit.h"
 #include "platform/clock.h"
@@ -19,15 +20,9 @@
 #include "smart/identification.h"
 #include "smart/snapshot.h"
 
-namespace {
-
-/// What the running operation's frame keeps between its start and its end.
-struct Frame {
-  std::string Smart_Text;  // both SMART listings
-  Snapshot before;
-  platform::DateTime Op_Start_Date;
-};
 Frame frame;
+
+namespace {
 
 /// Ends a run with /OP whose drive is not the one that it may work on.
 void refuse_wrong_drive(const std::string& why) {
@@ -93,7 +88,10 @@ void show_in_report(void (*show)()) {
 }
 
 void Start_Operation() {
-  frame = {.Smart_Text = "SMART DATA BEFORE OPERATION\r\n", .before = {}, .Op_Start_Date = platform::local_time()};
+  frame = {.Smart_Text = "SMART DATA BEFORE OPERATION\r\n",
+           .before = {},
+           .Op_Start_Date = platform::local_time(),
+           .start_utc = platform::utc_time()};
   if (!open_for_operation()) return;
   // The selection copies the status into Text1 after it was cleared; kept, a command-line report begins with the drive.
   if (form1.CommandLineMode) SelectDrive();
@@ -103,6 +101,7 @@ void Start_Operation() {
   frame.Smart_Text += smart.Smart_List + "\r\n\r\nSMART DATA AFTER OPERATION";
   fill_remembered_range();
   frame.Op_Start_Date = platform::local_time();
+  frame.start_utc = platform::utc_time();
   begin_progress_line();
 }
 

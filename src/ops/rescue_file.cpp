@@ -7,7 +7,6 @@
 #include "disk/error_text.h"
 #include "disk/volume.h"
 #include "form/form1.h"
-#include "form/number_text.h"
 #include "form/run.h"
 #include "smart/identification.h"
 
@@ -31,13 +30,6 @@ std::string serial_in_name() {
   return serial;
 }
 
-/// True when `path` lies on a volume of the disk under test.
-bool on_tested_disk(const std::string& path) {
-  const std::string volume = upper_case(platform::full_path(path)).substr(0, 2);
-  const std::vector<std::string> tested = volumes_on(form1.SelectedDrive);
-  return std::any_of(tested.begin(), tested.end(), [&](const std::string& own) { return upper_case(own) == volume; });
-}
-
 std::string why_none(std::uint32_t code) {
   return "They could not be saved: error " + std::to_string(code) + " - " + SystemErrorText(code);
 }
@@ -46,7 +38,8 @@ std::string why_none(std::uint32_t code) {
 
 std::string save_to_rescue_file(std::int64_t lba, std::span<const std::uint8_t> sectors) {
   const std::string base = folder() + "sectorix-" + serial_in_name() + "-" + std::to_string(lba);
-  if (on_tested_disk(base)) return "They were not saved: the report's folder lies on the disk under test.";
+  if (lies_on_drive(form1.SelectedDrive, base))
+    return "They were not saved: the report's folder lies on the disk under test.";
   for (int number = 0; number < kMostTries; ++number) {
     const std::string name = base + (number == 0 ? std::string() : "-" + std::to_string(number)) + ".bin";
     const kernel32::Handle file =

@@ -43,6 +43,13 @@ bool DeviceIoControl(Handle device, std::uint32_t code, const void* in, std::uin
                      std::uint32_t out_bytes, std::uint32_t* returned);
 bool CloseHandle(Handle handle);
 
+inline constexpr std::uint32_t kReplaceExisting = 1;  // winbase.h: MOVEFILE_REPLACE_EXISTING
+inline constexpr std::uint32_t kWriteThrough = 8;     // MOVEFILE_WRITE_THROUGH
+
+/// Renames a file within its volume; with kReplaceExisting in place of one of that name.
+bool MoveFileExA(const char* from, const char* to, std::uint32_t flags);
+bool DeleteFileA(const char* name);
+
 /// Writes the system's text for `code` into `text` and returns its length; 0 when the system has none.
 std::uint32_t FormatMessageA(std::uint32_t flags, std::uint32_t code, char* text, std::uint32_t text_bytes);
 

@@ -12,13 +12,17 @@
 #include "disk/drive.h"
 #include "disk/progress.h"
 #include "disk/volume.h"
+#include "eventlog/event_log.h"
 #include "form/form1.h"
 #include "form/output.h"
 #include "form/run.h"
 #include "measure/measure.h"
+#include "ops/frame_data.h"
 #include "ops/random.h"
 #include "ops/random_numbers.h"
 #include "ops/visit.h"
+#include "results/csv_rows.h"
+#include "results/results.h"
 #include "smart/compare.h"
 #include "smart/identification.h"
 #include "smart/snapshot.h"
@@ -36,6 +40,10 @@ void forget_program() {
   counters = {};
   progress = {};
   measure = {};
+  frame = {};
+  event_log = {};
+  csv_rows = {};
+  results = {};
   identification = {};
   smart = {};
   random_numbers = {};

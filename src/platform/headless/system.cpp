@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <string>
 #include <utility>
@@ -146,6 +147,14 @@ bool CloseHandle(Handle handle) {
   const bool closed = ::close(static_cast<int>(handle)) == 0;
   if (closed) --desktop.open_files;
   return !refused && done(closed);
+}
+
+bool MoveFileExA(const char* from, const char* to, std::uint32_t /*flags*/) {
+  return !scripted_failure("MoveFileExA", kInvalidHandle) && done(std::rename(from, to) == 0);
+}
+
+bool DeleteFileA(const char* name) {
+  return !scripted_failure("DeleteFileA", kInvalidHandle) && done(::unlink(name) == 0);
 }
 
 std::uint32_t FormatMessageA(std::uint32_t /*flags*/, std::uint32_t code, char* text, std::uint32_t text_bytes) {

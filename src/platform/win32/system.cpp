@@ -1,5 +1,6 @@
 #include "platform/system.h"
 
+#include "platform/win32/last_error.h"
 #include "platform/win32/win_api.h"
 
 namespace platform {
@@ -9,8 +10,7 @@ namespace {
 std::uint32_t last_error = 0;
 
 bool done(BOOL ok) {
-  last_error = ok != FALSE ? 0 : ::GetLastError();
-  return ok != FALSE;
+  return keep_result(ok != FALSE);
 }
 
 HANDLE system_handle(Handle handle) {
@@ -18,6 +18,11 @@ HANDLE system_handle(Handle handle) {
 }
 
 }  // namespace
+
+bool keep_result(bool done) {
+  last_error = done ? 0 : ::GetLastError();
+  return done;
+}
 
 Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_mode, std::uint32_t disposition,
                    std::uint32_t flags) {

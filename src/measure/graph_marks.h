@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "measure/rate_map.h"
+
+/// A place on the graph that had slow transfers or errors: neighbouring pixel columns as one, at most 8 pixels wide, so
+/// that marks can be told from one another.
+struct GraphMark {
+  bool error = false;      // else slow
+  std::int64_t pixel = 0;  // where it stands: the middle of its columns
+  std::int64_t first_lba = 0;
+  std::int64_t end_lba = 0;    // the first LBA behind it
+  std::int64_t transfers = 0;  // of its kind, counted in the column that has the most
+  double lowest_rate = 0.0;    // MB/s; 0 where nothing was timed
+  double longest = 0.0;        // seconds
+};
+
+/// The marks of a graph `pixels` wide, the slow ones first, each kind from left to right.
+std::vector<GraphMark> graph_marks(const RateMap& map, std::int64_t pixels);

@@ -1,0 +1,40 @@
+#include "platform/text.h"
+
+#include <array>
+#include <cstdint>
+
+namespace platform {
+namespace {
+
+// Windows-1252, 0x80 to 0x9F (Unicode Consortium, CP1252.TXT); the other bytes are the code points of their number.
+constexpr std::uint16_t kNone = 0xFFFD;
+constexpr std::array<std::uint16_t, 32> kUpper = {0x20AC, kNone,  0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                                  0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, kNone,  0x017D, kNone,
+                                                  kNone,  0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                                  0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, kNone,  0x017E, 0x0178};
+
+void append(std::uint32_t point, std::string* utf8) {
+  if (point < 0x80) {
+    *utf8 += static_cast<char>(point);
+  } else if (point < 0x800) {
+    *utf8 += static_cast<char>(0xC0 | point >> 6);
+    *utf8 += static_cast<char>(0x80 | (point & 0x3F));
+  } else {
+    *utf8 += static_cast<char>(0xE0 | point >> 12);
+    *utf8 += static_cast<char>(0x80 | (point >> 6 & 0x3F));
+    *utf8 += static_cast<char>(0x80 | (point & 0x3F));
+  }
+}
+
+}  // namespace
+
+std::string utf8_of_ansi(std::string_view text) {
+  std::string utf8;
+  for (const char c : text) {
+    const auto byte = static_cast<std::uint8_t>(c);
+    append(byte >= 0x80 && byte < 0xA0 ? kUpper.at(byte - 0x80U) : byte, &utf8);
+  }
+  return utf8;
+}
+
+}  // namespace platform

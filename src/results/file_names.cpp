@@ -1,0 +1,119 @@
+#include "results/file_names.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "device/kernel32.h"
+#include "disk/error_text.h"
+#include "disk/volume.h"
+#include "form/form1.h"
+#include "form/number_text.h"
+#include "form/run.h"
+#include "platform/system.h"
+#include "results/output_file.h"
+
+namespace {
+
+struct Output_Name {
+  const char* which;
+  const std::optional<std::string>* name;
+  bool replaced;  // written under a temporary name
+};
+
+const std::array<Output_Name, 5>& outputs() {
+  static const std::array<Output_Name, 5> names = {{{"/REPORT", &run.report, false},
+                                                    {"/VARS", &run.vars, false},
+                                                    {"/CSV", &run.csv, true},
+                                                    {"/JSON", &run.json, true},
+                                                    {"/GRAPH", &run.graph, true}}};
+  return names;
+}
+
+/// The names that the system keeps for devices in every folder, whatever their extension (Windows, "Naming Files").
+bool is_reserved(const std::string& name) {
+  constexpr std::array<std::string_view, 6> kNames = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
+  const std::string stem = trimmed(name.substr(0, name.find_first_of(".:")));
+  if (std::find(kNames.begin(), kNames.end(), stem) != kNames.end()) return true;
+  const bool port = stem.size() == 4 && (stem.starts_with("COM") || stem.starts_with("LPT"));
+  return port && stem[3] >= '1' && stem[3] <= '9';
+}
+
+/// The code with which opening the file for writing fails; 0 also where there is none yet.
+std::uint32_t why_not_writable(const std::string& name) {
+  constexpr std::uint32_t kNoSuchFile = 2;
+  const kernel32::Handle file = kernel32::CreateFileA(
+      name.c_str(), platform::kGenericWrite, platform::kShareRead | platform::kShareWrite, platform::kOpenExisting, 0);
+  if (file == kernel32::kInvalidHandle) {
+    return kernel32::GetLastError() == kNoSuchFile ? 0 : kernel32::GetLastError();
+  }
+  kernel32::CloseHandle(file);
+  return 0;
+}
+
+std::string same_file(const std::string& name) {
+  return upper_case(platform::full_path(name));
+}
+
+bool is_virtual_disk(const std::string& path) {
+  return std::any_of(run.virtual_disks.begin(), run.virtual_disks.end(),
+                     [&](const std::string& disk) { return !disk.empty() && same_file(disk) == path; });
+}
+
+/// The drive of /D:n, the highest one where there are several.
+int named_drive() {
+  for (int drive = kDriveCount - 1; drive >= 0; --drive) {
+    if (run.searched.find("/D:" + std::to_string(drive)) != std::string::npos) return drive;
+  }
+  return kNoDrive;
+}
+
+bool writes_to_disk() {
+  return run.op == Operation::write || run.op == Operation::random_write;
+}
+
+std::string check(const Output_Name& output, const std::string& path) {
+  const std::string& name = **output.name;
+  const std::string shown = std::string(output.which) + ": \"" + name + "\" ";
+  if (name == "-") return shown + "is no file; only /REPORT and /VARS go to standard output.";
+  std::string problem = why_no_file(name);
+  if (!problem.empty()) return shown + problem;
+  if (is_virtual_disk(path)) return shown + "is a virtual disk of this run.";
+  if (writes_to_disk() && lies_on_drive(named_drive(), path)) return shown + "lies on the disk under test.";
+  if (const std::uint32_t code = why_not_writable(name)) {
+    return shown + "is a folder or cannot be written: error " + std::to_string(code) + " - " + SystemErrorText(code);
+  }
+  if (!output.replaced) return {};
+  OutputFile probe;
+  problem = open_output(name, &probe);
+  abandon_output(&probe);
+  return problem.empty() ? problem : std::string(output.which) + ": " + problem;
+}
+
+}  // namespace
+
+std::string why_no_file(const std::string& name) {
+  std::string path = upper_case(name);
+  std::replace(path.begin(), path.end(), '/', '\\');
+  if (path.starts_with("\\\\.\\") || path.starts_with("\\\\?\\") || path.starts_with("\\??\\")) return "is a device.";
+  if (path.empty() || path.back() == '\\' || path.back() == ':') return "is a folder.";
+  if (is_reserved(path.substr(path.find_last_of("\\") + 1))) return "is a device.";
+  return {};
+}
+
+std::string check_output_names() {
+  std::vector<std::string> paths;
+  for (const Output_Name& output : outputs()) {
+    if (!*output.name || (!output.replaced && **output.name == "-")) continue;
+    const std::string path = same_file(**output.name);
+    std::string problem = check(output, path);
+    if (!problem.empty()) return problem;
+    if (std::find(paths.begin(), paths.end(), path) != paths.end()) {
+      return std::string(output.which) + ": \"" + **output.name + "\" is named twice.";
+    }
+    paths.push_back(path);
+  }
+  return {};
+}

@@ -1,0 +1,71 @@
+#include "results/output_file.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "disk/error_text.h"
+
+namespace {
+
+std::string temporary_name(const OutputFile& file) {
+  return file.name + ".tmp";
+}
+
+/// "The file "x.csv" cannot be written: error 112 - There is not enough space on the disk."
+std::string failure(const OutputFile& file, const std::string& what) {
+  const std::uint32_t code = kernel32::GetLastError();
+  return "The file \"" + file.name + "\" " + what + ": error " + std::to_string(code) + " - " + SystemErrorText(code);
+}
+
+void close(OutputFile* file) {
+  kernel32::CloseHandle(file->handle);
+  file->handle = kernel32::kInvalidHandle;
+}
+
+}  // namespace
+
+std::string open_output(const std::string& name, OutputFile* file) {
+  file->name = name;
+  file->handle = kernel32::CreateFileA(temporary_name(*file).c_str(), platform::kGenericWrite, platform::kShareRead,
+                                       platform::kCreateAlways, 0);
+  return file->handle == kernel32::kInvalidHandle ? failure(*file, "cannot be made") : std::string();
+}
+
+std::string write_output(std::string_view text, OutputFile* file) {
+  constexpr std::size_t kMostAtOnce = 1U << 20U;
+  while (!text.empty()) {
+    const std::string_view part = text.substr(0, kMostAtOnce);
+    std::uint32_t moved = 0;
+    const bool done = kernel32::WriteFile(file->handle, part.data(), static_cast<std::uint32_t>(part.size()), &moved);
+    if (!done || moved != part.size()) {
+      std::string line = failure(*file, "cannot be written");
+      abandon_output(file);
+      return line;
+    }
+    text.remove_prefix(part.size());
+  }
+  return {};
+}
+
+std::string finish_output(OutputFile* file) {
+  close(file);
+  const std::string temporary = temporary_name(*file);
+  if (kernel32::MoveFileExA(temporary.c_str(), file->name.c_str(),
+                            platform::kReplaceExisting | platform::kWriteThrough)) {
+    return {};
+  }
+  return failure(*file, "cannot be replaced") + " Its contents are in \"" + temporary + "\".";
+}
+
+void abandon_output(OutputFile* file) {
+  if (file->handle == kernel32::kInvalidHandle) return;
+  close(file);
+  kernel32::DeleteFileA(temporary_name(*file).c_str());
+}
+
+std::string write_whole_file(const std::string& name, std::string_view text) {
+  OutputFile file;
+  std::string error = open_output(name, &file);
+  if (error.empty()) error = write_output(text, &file);
+  return error.empty() ? finish_output(&file) : error;
+}

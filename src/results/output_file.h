@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "device/kernel32.h"
+
+/// A file that is written under a temporary name ("NAME.tmp", in the same folder) and renamed when it is whole, so that
+/// nobody ever reads half of one under its own name.
+struct OutputFile {
+  std::string name;  // the final one
+  kernel32::Handle handle = kernel32::kInvalidHandle;
+};
+
+/// Creates the temporary file. An empty text, or one line that says what failed.
+std::string open_output(const std::string& name, OutputFile* file);
+
+/// Appends `text`. On failure the temporary file is deleted and the line says why.
+std::string write_output(std::string_view text, OutputFile* file);
+
+/// Closes the file and gives it its name, in place of one that has it. Where the system refuses that, the temporary
+/// file stays and the line names it.
+std::string finish_output(OutputFile* file);
+
+/// Closes and deletes the temporary file, if there is one.
+void abandon_output(OutputFile* file);
+
+/// All of that at once.
+std::string write_whole_file(const std::string& name, std::string_view text);

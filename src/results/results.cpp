@@ -1,0 +1,74 @@
+#include "results/results.h"
+
+#include "form/form1.h"
+#include "form/output.h"
+#include "form/run.h"
+#include "measure/measure.h"
+#include "ops/frame_data.h"
+#include "results/csv_rows.h"
+#include "results/json_result.h"
+#include "results/result.h"
+#include "results/svg_graph.h"
+#include "results/tell.h"
+
+Results results;
+
+namespace {
+
+bool measured_something() {
+  return measure.runs != results.runs_before;
+}
+
+Result collect() {
+  Result result;
+  const bool framed = measured_something();
+  result.version = results.version;
+  result.command_line = run.command_line;
+  result.operation = framed || run.op != Operation::smart ? run_kind_text(measure.plan.kind) : "smart";
+  result.start_local = framed ? frame.Op_Start_Date : results.command_local;
+  result.start_utc = framed ? frame.start_utc : results.command_utc;
+  result.end_local = platform::local_time();
+  result.end_utc = platform::utc_time();
+  result.drive = form1.SelectedDrive;
+  result.cancelled = form1.MyCancel;
+  result.disk = identification;
+  result.counters = counters;
+  result.rates = progress;
+  result.before = frame.before;
+  result.after = smart.Smart_Snapshot;
+  result.events = event_log;
+  result.exit_code = output.ExitCode;
+  return result;
+}
+
+void tell_failure(const std::string& error) {
+  if (!error.empty()) tell(error);
+}
+
+}  // namespace
+
+void begin_results(const std::string& version) {
+  results = {version, measure.runs, platform::local_time(), platform::utc_time()};
+  if (!run.csv) return;
+  begin_csv(*run.csv);
+  measure.on_transfer = add_csv_row;
+}
+
+void finish_results() {
+  measure.on_transfer = nullptr;
+  // A run with /OP gets its files even where nothing was to be transferred.
+  if (!measured_something() && !run.op) {
+    abandon_csv();
+    return;
+  }
+  if (run.csv) tell_failure(finish_csv());
+  if (!run.json && !run.graph) return;
+  const Result result = collect();
+  if (run.json) tell_failure(write_whole_file(*run.json, json_result(result, measure)));
+  if (run.graph) tell_failure(write_whole_file(*run.graph, svg_graph(result, measure)));
+}
+
+void abandon_results() {
+  measure.on_transfer = nullptr;
+  abandon_csv();
+}

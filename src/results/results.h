@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/clock.h"
+
+/// The result files of /CSV, /JSON and /GRAPH: written at the end of every operation, each time anew.
+struct Results {
+  std::string version;
+  std::uint64_t runs_before = 0;  // measure.runs when the command began
+  platform::DateTime command_local;
+  platform::DateTime command_utc;
+};
+
+extern Results results;
+
+/// A command begins: rows of its transfers go to the CSV file. `version` is the program's.
+void begin_results(const std::string& version);
+
+/// A command has ended: the files are written if it was an operation. A failure is told, and stops nothing.
+void finish_results();
+
+/// The program ends in the middle of a command: no half file stays.
+void abandon_results();

@@ -1,0 +1,6 @@
+#pragma once
+
+#include <string>
+
+/// Tells one line about a result file: on standard error and in the running report of the window.
+void tell(const std::string& line);
