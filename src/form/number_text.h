@@ -21,6 +21,9 @@ std::string double_text(double value);
 /// `decimals` digits after the point, at least one before it, rounded half away from zero.
 std::string fixed_text(double value, int decimals);
 
+/// A time span: "1:02:03", "2:03"; hours only where there are any. Begun seconds count whole.
+std::string duration_text(double seconds);
+
 std::string upper_case(std::string_view text);
 
 /// `text` without blanks at its ends.
