@@ -4,6 +4,8 @@
 
 #include "app/handlers.h"
 #include "app/layout.h"
+#include "app/panel.h"
+#include "app/progress_bar.h"
 #include "form/form1.h"
 
 namespace {
@@ -38,6 +40,14 @@ Control display(const char* name, const char* tool_tip, platform::Field* field) 
   return {name, ControlKind::display, "", tool_tip, field, nullptr, nullptr, WhileBusy::stays};
 }
 
+Control tab(const char* name, const char* caption, const char* tool_tip, platform::Field* field, void (*on_click)()) {
+  return {name, ControlKind::tab, caption, tool_tip, field, on_click, nullptr, WhileBusy::stays};
+}
+
+Control picture(const char* name, const platform::Picture* what) {
+  return {name, ControlKind::picture, "", "", nullptr, nullptr, nullptr, WhileBusy::stays, what};
+}
+
 // The order is that of ControlId.
 const std::array<Control, kControlCount> kControls = {{
     drive_button("Option1", "Drive 0", 0, Option1_Click),
@@ -55,6 +65,7 @@ const std::array<Control, kControlCount> kControls = {{
          range_typed),
     label("LblCurrent", "Current LBA"),
     display("TxtCurrent", "Displays the current LBA being operated on", &form1.TxtCurrent),
+    picture("PicProgress", &kProgressPicture),
     button("CmdRead", "Sequential &READ", "Read sectors from \"Start\" for \"No. Sectors\"", CmdRead_Click),
     button("CmdRndRD", "Rando&m READ", "Random Read over entire disk", CmdRndRD_Click),
     button("CmdFind", "&Search Disk", "Search disk for a pattern or string", CmdFind_Click),
@@ -76,6 +87,9 @@ const std::array<Control, kControlCount> kControls = {{
     button("CmdWrite", "Fill Buffer with &Pattern and WRITE",
            "Write data in buffer to disk (destructive - do not use on any disk containing valid data!)",
            CmdWrite_Click),
+    tab("OptGraph", "Rate &graph", "Show the transfer rates over the range", &panel.graph_tab, OptGraph_Click),
+    tab("OptMap", "Bl&ock map", "Show the slowest transfer of each part of the range", &panel.map_tab, OptMap_Click),
+    picture("PicPanel", &kPanelPicture),
     display("TxtStatus", "Current status is displayed here (some values may not be relevant for all tests)",
             &form1.TxtStatus),
     {"Text1", ControlKind::memo, "", "", &form1.Text1, nullptr, nullptr, WhileBusy::read_only},
@@ -84,11 +98,7 @@ const std::array<Control, kControlCount> kControls = {{
 }  // namespace
 
 platform::WindowTable main_window() {
-  return {&form1.Caption,
-          kControls,
-          place_controls,
-          kFirstSize,
-          kLeastSize,
-          Form_Unload,
-          static_cast<std::size_t>(ControlId::cmdCancel)};
+  return {&form1.Caption, kControls,  place_controls, kFirstSize,
+          kLeastSize,     kWholeSize, Form_Unload,    static_cast<std::size_t>(ControlId::cmdCancel),
+          progress_share};
 }

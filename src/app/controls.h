@@ -20,6 +20,7 @@ enum class ControlId : std::size_t {
   TxtNoSecs,
   LblCurrent,
   TxtCurrent,
+  PicProgress,
   CmdRead,
   CmdRndRD,
   CmdFind,
@@ -35,6 +36,9 @@ enum class ControlId : std::size_t {
   TxtPattern,
   CmdFillBuffer,
   CmdWrite,
+  OptGraph,
+  OptMap,
+  PicPanel,
   TxtStatus,
   Text1,
   count

@@ -23,20 +23,30 @@ constexpr int kFieldWidth = 120;
 constexpr int kCommands = 312;  // the left edge of the commands
 constexpr int kCommandWidth = 240;
 constexpr int kSideWidth = 150;
+constexpr int kControlsRight = kLeastSize.width - kMargin;  // where the panel stands beside them
+constexpr int kLeastPanelWidth = 380;
+constexpr int kLeastPanelHeight = 112;
 constexpr int kFrameInset = 14;
+constexpr int kPanelGap = 16;
 constexpr int kFrameTitle = 24;
 
 /// Puts rectangles of the design grid into pixels. Edges are rounded, not sizes, so that neighbours never overlap.
 class Placing {
  public:
   Placing(platform::Size client, int dpi, std::span<Rect> places)
-      : dpi_(platform::fitting_dpi(client, kLeastSize, dpi)),
+      : dpi_(platform::fitting_dpi(client, kLeastSize, kWholeSize, dpi)),
         width_(client.width * kDesignDpi / dpi_),
         height_(client.height * kDesignDpi / dpi_),
         places_(places) {}
 
   int right() const { return width_ - kMargin; }
   int bottom() const { return height_ - kMargin; }
+
+  /// True where the panel stands beside the commands.
+  bool is_wide() const { return right() - kControlsRight - kPanelGap >= kLeastPanelWidth; }
+
+  /// The right edge of the commands and their frame.
+  int controls_right() const { return is_wide() ? kControlsRight : right(); }
 
   void put(Id id, int x, int y, int width, int height) {
     const int left = platform::scaled(x, dpi_);
@@ -88,7 +98,10 @@ int place_commands(Placing* placing, int y) {
   placing->put(Id::CmdFind, kCommands, third, kCommandWidth, kRow);
   placing->put(Id::CmdRnd, kCommands, last, kCommandWidth, kRow);
 
-  const int side = placing->right() - kSideWidth;
+  // The bar belongs to the range above it, and ends level with the command beside it.
+  placing->put(Id::PicProgress, kMargin, last - kApart, kFieldsRight - kMargin, kRow + kApart);
+
+  const int side = placing->controls_right() - kSideWidth;
   placing->put(Id::CmdSlowRate, side, y, kSideWidth, kRow);
   placing->put(Id::cmdCancel, side, second, kSideWidth, kRow);
   placing->put(Id::CmdHelp, side, third, kSideWidth, kRow);
@@ -107,7 +120,7 @@ int place_sector_functions(Placing* placing, int y) {
   constexpr int kFillWidth = 96;
   const int upper = y + kFrameTitle;
   const int lower = upper + kRow + 2 * kApart;
-  placing->put(Id::Frame1, kMargin, y, placing->right() - kMargin, kHeight);
+  placing->put(Id::Frame1, kMargin, y, placing->controls_right() - kMargin, kHeight);
   placing->put(Id::CmdDisplay, kLeft, upper, kLeftWidth, kRow);
   placing->put(Id::cmdWriteBuffer, kLeft, lower, kLeftWidth, kRow);
   placing->put_pair(Id::LblPattern, kCommands, kPatternLabel, Id::TxtPattern, kPatternX,
@@ -115,6 +128,31 @@ int place_sector_functions(Placing* placing, int y) {
   placing->put(Id::CmdFillBuffer, kFillX, upper, kFillWidth, kRow);
   placing->put(Id::CmdWrite, kCommands, lower, kCommandWidth, kRow);
   return y + kHeight + kGroupGap;
+}
+
+/// The tabs and the picture below them.
+void place_panel(Placing* placing, int x, int y, int height) {
+  constexpr int kTabWidth = 100;
+  constexpr int kTabGap = 6;
+  placing->put(Id::OptGraph, x, y, kTabWidth, kRow);
+  placing->put(Id::OptMap, x + kTabWidth, y, kTabWidth, kRow);
+  const int picture = y + kRow + kTabGap;
+  placing->put(Id::PicPanel, x, picture, placing->right() - x, y + height - picture);
+}
+
+/// The panel beside what stands between `top` and `y`, or from `y` on. Returns where the next group begins.
+int place_panel_somewhere(Placing* placing, int top, int y) {
+  if (placing->is_wide()) {
+    place_panel(placing, kControlsRight + kPanelGap, top, y - kGroupGap - top);
+    return y;
+  }
+  // The text keeps most of the height.
+  constexpr int kShare = 45;  // percent
+  constexpr int kMost = 260;
+  const int height = std::min((placing->bottom() - y) * kShare / 100, kMost);
+  if (height < kLeastPanelHeight) return y;
+  place_panel(placing, kMargin, y, height);
+  return y + height + kGroupGap;
 }
 
 /// The status of two lines, and the text with all the rest.
@@ -129,9 +167,11 @@ void place_texts(Placing* placing, int y) {
 }  // namespace
 
 void place_controls(platform::Size client, int dpi, std::span<Rect> places) {
+  std::fill(places.begin(), places.end(), Rect{});
   Placing placing(client, dpi, places);
-  int y = place_drives(&placing, kMargin);
-  y = place_commands(&placing, y);
+  const int commands = place_drives(&placing, kMargin);
+  int y = place_commands(&placing, commands);
   y = place_sector_functions(&placing, y);
+  y = place_panel_somewhere(&placing, commands, y);
   place_texts(&placing, y);
 }

@@ -83,3 +83,13 @@ std::string fixed_text(double value, int decimals) {
   std::snprintf(text.data(), text.size(), "%.*f", decimals, std::round(value * scale) / scale);
   return text.data();
 }
+
+std::string duration_text(double seconds) {
+  constexpr std::int64_t kMinute = 60;
+  const auto two_digits = [](std::int64_t number) { return (number < 10 ? "0" : "") + std::to_string(number); };
+  const auto whole = static_cast<std::int64_t>(std::ceil(seconds));
+  const std::int64_t minutes = whole / kMinute;
+  const std::string end = ":" + two_digits(whole % kMinute);
+  if (minutes < kMinute) return std::to_string(minutes) + end;
+  return std::to_string(minutes / kMinute) + ":" + two_digits(minutes % kMinute) + end;
+}

@@ -24,6 +24,9 @@ std::string fixed_text(double value, int decimals);
 /// A byte with leading zeros, three digits wide.
 std::string three_digits(std::uint8_t value);
 
+/// A time span: "1:02:03", "2:03"; hours only where there are any. Begun seconds count whole.
+std::string duration_text(double seconds);
+
 std::string upper_case(std::string_view text);
 
 /// `text` without blanks at its ends.

@@ -1,10 +1,10 @@
 #include "form/progress_line.h"
 
 #include <algorithm>
-#include <cmath>
 #include <string>
 
 #include "form/form1.h"
+#include "form/number_text.h"
 #include "form/run.h"
 #include "measure/measure.h"
 #include "platform/clock.h"
@@ -24,17 +24,6 @@ ProgressLine line;
 
 bool wanted() {
   return run.op && !run.quiet;
-}
-
-/// "1:02:03", "2:03"; hours only where there are any.
-std::string duration_text(double seconds) {
-  constexpr std::int64_t kMinute = 60;
-  const auto two_digits = [](std::int64_t number) { return (number < 10 ? "0" : "") + std::to_string(number); };
-  const auto whole = static_cast<std::int64_t>(std::ceil(seconds));
-  const std::int64_t minutes = whole / kMinute;
-  const std::string end = ":" + two_digits(whole % kMinute);
-  if (minutes < kMinute) return std::to_string(minutes) + end;
-  return std::to_string(minutes / kMinute) + ":" + two_digits(minutes % kMinute) + end;
 }
 
 /// How far the run is, as "  [42%, 1:05 left, reading]"; the time is left out while it is unknown.

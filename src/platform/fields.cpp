@@ -10,6 +10,12 @@ Field Field::with_text(std::string text) {
   return field;
 }
 
+Field Field::switched_on() {
+  Field field;
+  field.set_on(true);
+  return field;
+}
+
 const std::string& Field::text() const {
   if (build_ != nullptr) {
     text_ = build_(facts_.data());

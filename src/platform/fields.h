@@ -18,6 +18,9 @@ class Field {
   /// A field that begins with `text`.
   static Field with_text(std::string text);
 
+  /// A field whose state begins as on.
+  static Field switched_on();
+
   const std::string& text() const;
 
   /// Replaces the text. The caret goes to the start.

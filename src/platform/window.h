@@ -5,15 +5,27 @@
 #include <span>
 #include <string>
 
+#include "platform/canvas.h"
 #include "platform/fields.h"
+#include "platform/geometry.h"
 
 namespace platform {
 
-/// A `display` is an edit that the user cannot change; it wraps onto as many lines as its place has.
-enum class ControlKind : std::uint8_t { button, option, edit, display, memo, frame, label };
+/// A `display` is an edit that the user cannot change; it wraps onto as many lines as its place has. A `tab` is an
+/// option that looks like a button.
+enum class ControlKind : std::uint8_t { button, option, tab, edit, display, memo, frame, label, picture };
 
 /// What a control does while a command runs.
 enum class WhileBusy : std::uint8_t { stays, disabled, read_only };
+
+/// What a control of kind `picture` shows, painted by the program. Places are pixels in the picture.
+struct Picture {
+  void (*paint)(Canvas* canvas);
+  std::uint64_t (*revision)();             // differs from the one last painted when there is something new to paint
+  std::string (*description)();            // the picture in words, for who cannot see it
+  void (*on_hover)(const Point* pointer);  // where the mouse pointer is, null when it left; null for none
+  void (*on_double_click)(Point place);    // null for none
+};
 
 /// One row of the table of controls. The order of the rows is the tab order.
 struct Control {
@@ -25,18 +37,13 @@ struct Control {
   void (*on_click)();    // button pressed, option chosen, edit clicked into; null for none
   void (*on_typed)();    // the user changed the text by typing, pasting or cutting; null for none
   WhileBusy while_busy;
+  const Picture* picture = nullptr;
 };
 
-struct Size {
-  int width = 0;
-  int height = 0;
-};
-
-struct Rect {
-  int x = 0;
-  int y = 0;
-  int width = 0;
-  int height = 0;
+/// How far the running command is, as the window's button on the taskbar shows it.
+struct Share {
+  double done = 0.0;    // 0 to 1
+  bool failed = false;  // something went wrong on the way
 };
 
 /// The main window: its controls, where they stand, and what its own events call.
@@ -44,11 +51,14 @@ struct WindowTable {
   Field* caption;
   std::span<const Control> controls;
   /// Fills `places` (one per control, same order; pixels) for a client area of `client` pixels at `dpi` dots per inch.
+  /// A control whose place is empty is not shown.
   void (*layout)(Size client, int dpi, std::span<Rect> places);
   Size first;          // client size to open with, in pixels at 96 dpi
   Size least;          // smallest client size, in pixels at 96 dpi
+  Size whole;          // client size that shows everything, in pixels at 96 dpi
   void (*on_close)();  // the user closes the window; does not return (it ends the process)
   std::size_t cancel;  // the row of the button that has the focus while a command runs
+  Share (*share)();    // asked while a command runs
 };
 
 /// Makes and shows the main window. False when the system has no place for one (no display); the program then runs on
@@ -62,7 +72,8 @@ void run_window();
 /// most every 10 ms, since asking costs.
 void DoEvents();
 
-/// A command begins: fellow commands are disabled, texts become read-only, the focus goes to Cancel.
+/// A command begins: fellow commands are disabled, texts become read-only, the focus goes to Cancel. The machine does
+/// not go to sleep until it ends.
 void begin_command();
 
 /// The command has ended: everything is shown as it stands, then the buttons come back and the focus with them.

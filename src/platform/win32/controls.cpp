@@ -25,6 +25,8 @@ Look look_of(ControlKind kind) {
       return {"BUTTON", BS_PUSHBUTTON | WS_TABSTOP, 0};
     case ControlKind::option:
       return {"BUTTON", BS_AUTORADIOBUTTON, 0};
+    case ControlKind::tab:
+      return {"BUTTON", BS_AUTORADIOBUTTON | BS_PUSHLIKE, 0};
     case ControlKind::edit:
       return {"EDIT", ES_AUTOHSCROLL | WS_TABSTOP, WS_EX_CLIENTEDGE};
     case ControlKind::display:
@@ -39,6 +41,8 @@ Look look_of(ControlKind kind) {
       return {"BUTTON", BS_GROUPBOX, WS_EX_TRANSPARENT};
     case ControlKind::label:
       return {"STATIC", SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX, 0};
+    case ControlKind::picture:
+      return {picture_class(), 0, 0};
   }
   return {};
 }
@@ -114,13 +118,13 @@ bool create_controls() {
   for (const Control& row : main.table.controls) {
     // A text without a label takes its name for screen readers from a hidden one.
     if (is_text(row.kind) && previous != ControlKind::label) make_child({"STATIC", 0, 0}, row.name, 0, 0);
-    const bool starts_group = (row.kind == ControlKind::option) != (previous == ControlKind::option);
+    const bool starts_group = is_option(row.kind) != is_option(previous);
     const std::size_t index = main.controls.size();
     HWND const control = make_child(look_of(row.kind), row.caption, WS_VISIBLE | (starts_group ? WS_GROUP : 0),
                                     kFirstControlId + static_cast<int>(index));
     if (control == nullptr) return false;
     main.controls.push_back({control});
-    if (row.kind == ControlKind::option) ::SendMessageA(control, BM_SETDONTCLICK, TRUE, 0);
+    if (is_option(row.kind)) ::SendMessageA(control, BM_SETDONTCLICK, TRUE, 0);
     if (row.kind == ControlKind::button && row.on_click == nullptr) ::EnableWindow(control, FALSE);
     if (row.kind == ControlKind::memo) ::SendMessageA(control, EM_SETLIMITTEXT, 0x7FFFFFFE, 0);
     if (is_text(row.kind)) ::SetWindowSubclass(control, text_procedure, 1, index);
@@ -136,15 +140,17 @@ void place_all() {
   ::GetClientRect(main.window, &client);
   if (main.controls.empty() || client.right == 0 || client.bottom == 0) return;
   const platform::Size size{client.right, client.bottom};
-  const int dpi = platform::fitting_dpi(size, main.table.least, text_dpi(main.window));
+  const int dpi = platform::fitting_dpi(size, main.table.least, main.table.whole, text_dpi(main.window));
   if (dpi != main.dpi) make_fonts(dpi);
 
   std::vector<platform::Rect> places(main.controls.size());
   main.table.layout(size, dpi, places);
   HDWP move = ::BeginDeferWindowPos(static_cast<int>(places.size()));
   for (std::size_t i = 0; i < places.size(); ++i) {
-    move = ::DeferWindowPos(move, main.controls[i].window, nullptr, places[i].x, places[i].y, places[i].width,
-                            places[i].height, SWP_NOZORDER | SWP_NOACTIVATE);
+    const bool shown = places[i].width > 0 && places[i].height > 0;
+    move =
+        ::DeferWindowPos(move, main.controls[i].window, nullptr, places[i].x, places[i].y, places[i].width,
+                         places[i].height, SWP_NOZORDER | SWP_NOACTIVATE | (shown ? SWP_SHOWWINDOW : SWP_HIDEWINDOW));
   }
   ::EndDeferWindowPos(move);
 }

@@ -3,6 +3,7 @@
 #include "platform/clock.h"
 #include "platform/win32/interruption.h"
 #include "platform/win32/main_window.h"
+#include "platform/win32/taskbar.h"
 
 namespace win32 {
 
@@ -13,10 +14,21 @@ namespace {
 /// When the fields are shown again while a command runs: 30 times a second, and with at most a twentieth of the time.
 double next_show = 0.0;
 
+/// The taskbar belongs to another process: asked twice a second.
+void show_share_when_due(double now) {
+  constexpr double kPause = 0.5;
+  static double next = 0.0;
+  if (!main_window.busy || now < next) return;
+  next = now + kPause;
+  show_on_taskbar(main_window.table.share());
+}
+
 void show_fields_when_due() {
   const double start = platform::steady_seconds();
   if (main_window.window == nullptr || start < next_show) return;
   show_fields();
+  show_pictures();
+  show_share_when_due(start);
   constexpr double kFrame = 1.0 / 30.0;
   constexpr double kRest = 20.0;
   const double end = platform::steady_seconds();
@@ -61,22 +73,15 @@ void dispatch(MSG* message) {
   ::DispatchMessageA(message);
 }
 
-void call_handler(void (*handler)()) {
-  take_typing();
-  handler();
-  take_typing();
-  if (!main_window.busy) show_fields();
-}
-
 void control_clicked(std::size_t row) {
   MainWindow& main = main_window;
   const platform::Control& control = main.table.controls[row];
   if (control.on_click == nullptr) return;
   if (main.busy && control.while_busy == platform::WhileBusy::disabled) return;
   // The button has marked itself; its field decides, and is shown again whatever the handler does with it.
-  if (control.kind == platform::ControlKind::option) {
+  if (is_option(control.kind)) {
     for (std::size_t i = 0; i < main.controls.size(); ++i) {
-      if (main.table.controls[i].kind == platform::ControlKind::option) main.controls[i].revision = UINT64_MAX;
+      if (is_option(main.table.controls[i].kind)) main.controls[i].revision = UINT64_MAX;
     }
   }
   call_handler(control.on_click);
@@ -103,6 +108,7 @@ void run_window() {
   while (true) {
     win32::turn_interruptions();
     win32::show_fields();
+    win32::show_pictures();
     if (::GetMessageA(&message, nullptr, 0, 0) <= 0) return;
     win32::dispatch(&message);
   }
@@ -125,6 +131,7 @@ void DoEvents() {
 
 void begin_command() {
   win32::MainWindow& main = main_window;
+  ::SetThreadExecutionState(ES_CONTINUOUS | ES_SYSTEM_REQUIRED);
   if (main.window == nullptr || main.busy) return;
   win32::take_typing();
   main.busy = true;
@@ -141,9 +148,12 @@ void begin_command() {
 
 void end_command() {
   win32::MainWindow& main = main_window;
+  ::SetThreadExecutionState(ES_CONTINUOUS);
   if (main.window == nullptr || !main.busy) return;
   win32::show_fields();
   main.busy = false;
+  win32::show_pictures();
+  win32::clear_taskbar();
   for (std::size_t i = 0; i < main.controls.size(); ++i) {
     const Control& row = main.table.controls[i];
     if (row.while_busy == WhileBusy::disabled && row.on_click != nullptr) {

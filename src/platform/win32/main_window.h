@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "platform/win32/win_api.h"
@@ -12,10 +13,11 @@ namespace win32 {
 /// What a control shows of its row's field.
 struct ShownControl {
   HWND window = nullptr;
-  std::uint64_t revision = 0;  // of the field, as shown
+  std::uint64_t revision = 0;  // of the field or picture, as shown
   std::size_t length = 0;      // of the text, as shown
   std::size_t caret = 0;
-  bool typed = false;  // the user changed the text since the field was told
+  bool typed = false;       // the user changed the text since the field was told
+  std::string description{};  // of a picture, as told
 };
 
 struct MainWindow {
@@ -37,6 +39,11 @@ extern MainWindow main_window;
 
 /// Posted by another thread: an interruption waits to be turned into its handler's call.
 inline constexpr UINT kInterrupted = WM_APP;
+
+/// True for what the user chooses one of.
+constexpr bool is_option(platform::ControlKind kind) {
+  return kind == platform::ControlKind::option || kind == platform::ControlKind::tab;
+}
 
 /// A control's identifier is its row in the table, counted from here.
 inline constexpr int kFirstControlId = 1000;
@@ -60,10 +67,26 @@ void take_typing();
 /// The control of `row` reports a changed text.
 void text_changed(std::size_t row);
 
+// picture.cpp
+
+/// The window class of pictures, registered on first use.
+const char* picture_class();
+
+/// Paints every picture that changed since it was last painted; while a command runs at most 10 times a second.
+void show_pictures();
+
 // events.cpp
 
 /// Runs a handler of the table: typing is taken back before, and what it changed is shown after.
-void call_handler(void (*handler)());
+template <typename Handler>
+void call_handler(Handler handler) {
+  take_typing();
+  handler();
+  take_typing();
+  if (main_window.busy) return;
+  show_fields();
+  show_pictures();
+}
 
 /// The user pressed or chose the control of `row`.
 void control_clicked(std::size_t row);

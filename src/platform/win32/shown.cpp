@@ -66,7 +66,7 @@ void show_text(const Control& row, ShownControl* shown) {
 
 void show_field(const Control& row, ShownControl* shown) {
   if (row.field == nullptr || row.field->revision() == shown->revision) return;
-  if (row.kind == ControlKind::option) {
+  if (is_option(row.kind)) {
     ::SendMessageA(shown->window, BM_SETCHECK, row.field->on() ? BST_CHECKED : BST_UNCHECKED, 0);
   } else {
     show_text(row, shown);

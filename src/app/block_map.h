@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "measure/measure.h"
+#include "platform/canvas.h"
+
+/// Cells from left to right in rows from the top, each a stretch of the run's range.
+struct CellGrid {
+  platform::Point first;  // the upper left corner
+  int pitch = 0;          // from cell to cell, pixels
+  int size = 0;           // of a cell, pixels
+  std::int64_t in_row = 0;
+  std::int64_t cells = 0;
+};
+
+platform::Rect place_of_cell(const CellGrid& grid, std::int64_t cell);
+
+/// The cell at `point`; none beside the cells.
+std::optional<std::int64_t> cell_at(const CellGrid& grid, platform::Point point);
+
+/// Draws the run's range as cells, each in the colour of the slowest class of transfers in it, errors crossed; the
+/// legend counts the transfers of each class. Gives where the cells are; none where there is no run or no room.
+CellGrid draw_block_map(const Measure& of, platform::Canvas* canvas);

@@ -1,0 +1,65 @@
+#include "app/progress_bar.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "app/palette.h"
+#include "form/form1.h"
+#include "form/number_text.h"
+#include "measure/measure.h"
+#include "platform/scale.h"
+
+namespace {
+
+using platform::Canvas;
+using platform::Rect;
+
+constexpr int kBar = 10;  // pixels at 96 dpi
+constexpr int kPercent = 100;
+
+std::string description() {
+  const ProgressWords words = progress_words();
+  if (words.what.empty()) return "Progress";
+  return "Progress: " + words.what + (words.left.empty() ? "" : ", " + words.left);
+}
+
+void paint(Canvas* canvas) {
+  const Palette palette = palette_of(colors_of(*canvas));
+  const platform::Size size = size_of(*canvas);
+  const int dpi = dpi_of(*canvas);
+  const int edge = std::max(platform::scaled(1, dpi), 1);
+  const int top = size.height - platform::scaled(kBar, dpi);
+  fill(canvas, {0, 0, size.width, size.height}, palette.face);
+  const ProgressWords words = progress_words();
+  const Rect line{0, 0, size.width, top - platform::scaled(3, dpi)};
+  draw_text(canvas, line, words.what, platform::Align::left, palette.text);
+  draw_text(canvas, line, words.left, platform::Align::right, palette.text);
+  fill(canvas, {0, top, size.width, size.height - top}, palette.frame);
+  const Rect inner{edge, top + edge, size.width - 2 * edge, size.height - top - 2 * edge};
+  fill(canvas, inner, palette.paper);
+  const int done = static_cast<int>(how_far(measure).share * inner.width);
+  if (done > 0) fill(canvas, {inner.x, inner.y, done, inner.height}, palette.average);
+}
+
+std::uint64_t revision() {
+  constexpr double kSteps = 10000.0;
+  const auto share = static_cast<std::uint64_t>(how_far(measure).share * kSteps);
+  return std::hash<std::string>{}(description()) + share;
+}
+
+}  // namespace
+
+const platform::Picture kProgressPicture = {paint, revision, description, nullptr, nullptr};
+
+ProgressWords progress_words() {
+  if (measure.plan.kind == RunKind::none) return {};
+  const HowFar how = how_far(measure);
+  const std::string percent = std::to_string(static_cast<int>(how.share * kPercent)) + "%";
+  if (!form1.CommandRunning) return {how.share >= 1.0 ? "finished" : "stopped at " + percent, {}};
+  return {std::string(phase_text(how.phase)) + " " + percent,
+          how.seconds_left < 0.0 ? std::string() : duration_text(how.seconds_left) + " left"};
+}
+
+platform::Share progress_share() {
+  return {how_far(measure).share, measure.failed > 0};
+}
