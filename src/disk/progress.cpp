@@ -74,7 +74,8 @@ void clear_progress() {
 }
 
 void Display_Progress(std::int64_t sectors, std::int64_t lba) {
-  const double elapsed = platform::seconds_since_midnight() - counters.OpStartTime;
+  // The transfer has just ended: another look at the clock would cost as much as all of this.
+  const double elapsed = progress.XferEnd - counters.OpStartTime;
   const double per_second = elapsed > 0.0 ? std::floor(static_cast<double>(counters.Sectors_Done) / elapsed) : 0.0;
   progress.AverageRate = static_cast<std::int64_t>(per_second / kSectorsPerMb);
   const double duration = progress.XferEnd - progress.XferStart;

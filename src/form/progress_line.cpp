@@ -1,6 +1,7 @@
 #include "form/progress_line.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 
 #include "form/form1.h"
@@ -12,11 +13,11 @@
 
 namespace {
 
-constexpr double kTerminalPause = 0.1;  // seconds
-constexpr double kPlainPause = 10.0;
+constexpr std::uint64_t kTerminalPause = 100;  // milliseconds
+constexpr std::uint64_t kPlainPause = 10'000;
 
 struct ProgressLine {
-  double due = 0.0;
+  std::uint64_t due = 0;  // by the coarse clock
   bool on_terminal = false;
   std::size_t width = 0;  // of the line that stands there
 };
@@ -49,12 +50,12 @@ void begin_progress_line() {
   if (!wanted()) return;
   line = {};
   line.on_terminal = platform::err_is_terminal();
-  line.due = platform::steady_seconds() + (line.on_terminal ? 0.0 : kPlainPause);
+  line.due = platform::coarse_milliseconds() + (line.on_terminal ? 0 : kPlainPause);
 }
 
 void show_progress_line() {
   if (!wanted()) return;
-  const double now = platform::steady_seconds();
+  const std::uint64_t now = platform::coarse_milliseconds();
   if (now < line.due) return;
   line.due = now + (line.on_terminal ? kTerminalPause : kPlainPause);
   const std::string status = line_text();

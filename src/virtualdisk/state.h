@@ -3,8 +3,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
-#include <unordered_map>
 
 #include "virtualdisk/disk.h"
 
@@ -32,7 +32,7 @@ struct OpenHandle {
 
 struct State {
   std::array<std::unique_ptr<Disk>, kDrives> disks;
-  std::unordered_map<platform::Handle, OpenHandle> handles;
+  std::map<platform::Handle, OpenHandle> handles;  // a handful: faster than hashing
   platform::Handle next_handle = kFirstHandle;
 };
 

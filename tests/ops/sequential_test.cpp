@@ -34,7 +34,7 @@ TEST_F(SequentialRead, ReadsTheWholeDiskAndEndsWithTotals) {
   click(CmdRead_Click);
   EXPECT_THAT(form1.Text1.text(),
               StartsWith("Reading 20000 sectors starting at LBA 0 on drive 0\r\n"
-                         "\r\nTime taken= 0.0546875 seconds for 20000 sectors.\r\n"
+                         "\r\nTime taken= 0.0390625 seconds for 20000 sectors.\r\n"
                          "\r\nSET QV_D_TOTERR=0\r\nSET QV_D_READERR=0\r\nSET QV_D_WRITEERR=0\r\nSET QV_D_CMPERR=0\r\n"
                          "\r\nFinished!\r\n"));
   EXPECT_EQ(output.ExitCode, 0);

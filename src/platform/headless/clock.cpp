@@ -18,6 +18,10 @@ double steady_seconds() {
   return desktop.steady;
 }
 
+std::uint64_t coarse_milliseconds() {
+  return static_cast<std::uint64_t>(desktop.steady * 1000.0);
+}
+
 DateTime local_time() {
   return desktop.now;
 }
