@@ -13,10 +13,10 @@ void run_command(void (*command)()) {
   begin_results(program_version());
   command();
   finish_results();
-  form1.CommandRunning = false;
-  if (form1.PendingDrive != kNoDrive) {
-    form1.PendingDrive = kNoDrive;
-    select_drive_keeping_text();
-  }
+  // Deals with what was pressed meanwhile as during the command, then gives the buttons back.
   platform::end_command();
+  form1.CommandRunning = false;
+  if (form1.PendingDrive == kNoDrive) return;
+  form1.PendingDrive = kNoDrive;
+  select_drive_keeping_text();
 }

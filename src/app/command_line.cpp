@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -79,8 +80,10 @@ bool take_count(const std::string& value, Run* asked) {
 
 bool take_slow(const std::string& value, Run* asked) {
   asked->slow = value;
-  const bool only_number = value.find_first_not_of("0123456789.") == std::string::npos;
-  return upper_case(value) == "AUTO" || (only_number && leading_number(value) > 0.0);
+  if (upper_case(value) == "AUTO") return true;
+  double rate = 0.0;
+  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), rate, std::chars_format::fixed);
+  return error == std::errc() && end == value.data() + value.size() && std::isfinite(rate) && rate > 0.0;
 }
 
 bool take_passes(const std::string& value, Run* asked) {
@@ -179,6 +182,8 @@ std::string judge_operation(const Run& asked) {
   constexpr std::int64_t kMostShown = 20;
   const bool random = asked.op == Operation::random_read || asked.op == Operation::random_write;
   if (asked.op == Operation::write && !asked.serial) return "/OP:WRITE needs /SERIAL:text, the drive's serial number.";
+  if (asked.serial && !asked.op) return "/SERIAL needs /OP.";
+  if (asked.find && asked.op != Operation::search) return "/FIND needs /OP:SEARCH.";
   if (asked.op == Operation::search && !asked.find) return "/OP:SEARCH needs /FIND:text.";
   if (random && asked.count > kMostPerVisit) return "/COUNT of a random test is at most 16065.";
   if (asked.op == Operation::show && asked.count > kMostShown) return "/OP:SHOW shows at most 20 sectors.";
@@ -241,6 +246,7 @@ std::string parse_command_line(std::string_view line, Run* asked) {
     asked->searched += asked->searched.empty() ? token.upper : " " + token.upper;
     if (gives_drive(token)) {
       ++tally.drives;
+      asked->drive = token.upper[3] - '0';
     } else if (tally.stray.empty()) {
       tally.stray = token.text;
     }

@@ -7,6 +7,7 @@
 #include "disk/progress.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "form/run.h"
 #include "ops/random.h"
 #include "ops/search.h"
 #include "ops/select_drive.h"
@@ -43,11 +44,18 @@ void option_click(int drive) {
   form1.MyCancel = true;
   form1.RangeEdited = false;
   show_option(drive);
+  // A command pressed behind this button does not begin before the drive is selected.
+  const bool during_command = form1.CommandRunning;
+  form1.CommandRunning = true;
   platform::DoEvents();
-  if (form1.CommandRunning) {
-    form1.PendingDrive = drive;
-  } else {
+  form1.CommandRunning = during_command;
+  if (!during_command) {
+    form1.PendingDrive = kNoDrive;
     SelectDrive();
+  } else if (run.op) {
+    output.ExitCode = kCancelled;  // a run is of one drive: it ends here
+  } else {
+    form1.PendingDrive = drive;
   }
 }
 

@@ -1,6 +1,7 @@
 #include "app/program.h"
 
 #include <array>
+#include <cstdint>
 #include <string>
 
 #include "app/command.h"
@@ -55,9 +56,22 @@ std::string open_outputs() {
 constexpr std::array<void (*)(), 7> kCommands = {read_command, write_command, random_read_command, random_write_command,
                                                  find_command, show_command,  smart_command};
 
-void run_operation() {
-  if (run.pattern) form1.TxtPattern.set_text(*run.pattern);
-  run_command(kCommands.at(static_cast<std::size_t>(*run.op)));
+/// True when the user stopped the run before it began: by Control-C, Cancel or another drive's button.
+bool stopped_at_start() {
+  constexpr std::int16_t kCancelled = 3;
+  if (form1.SelectedDrive != run.drive) output.ExitCode = kCancelled;
+  return output.ExitCode == kCancelled;
+}
+
+/// Runs the command that /OP names and ends the process, unless the Cancel button took the run out of command-line
+/// mode: then the window stays for interactive use.
+void run_operation(bool has_window) {
+  // The range is the command line's, whatever was clicked while the window came up.
+  form1.RangeEdited = false;
+  if (!stopped_at_start()) run_command(kCommands.at(static_cast<std::size_t>(*run.op)));
+  if (form1.CommandLineMode || !has_window) ExitProgram();
+  run.op.reset();
+  close_report();
 }
 
 }  // namespace
@@ -69,21 +83,21 @@ int run_program() {
     platform::write_out(switch_help());
     return 0;
   }
-  if (!run.op && !run.list) platform::release_lone_console();
   std::string error = attach_virtual_disks();
   if (error.empty() && run.list) return list_drives();
   if (error.empty()) error = open_outputs();
   if (!error.empty()) return refuse(error);
-  platform::watch_console(console_cancel, CmdExit_Click);
+  if (!run.op) platform::release_lone_console();
   const bool has_window = platform::open_window(main_window());
+  platform::watch_console(console_cancel, CmdExit_Click);
   if (run.slow) set_slow_rate(*run.slow);
+  // Nothing that is pressed before a run comes before it.
+  if (run.op) platform::begin_command();
   Form_Load();
+  if (run.pattern) form1.TxtPattern.set_text(*run.pattern);
   if (run.op) {
-    run_operation();
-    // The Cancel button took the run out of command-line mode: the window stays for interactive use.
-    if (form1.CommandLineMode || !has_window) ExitProgram();
-    run.op.reset();
-    close_report();
+    platform::end_command();
+    run_operation(has_window);
   }
   if (!has_window) return refuse("No window can be made here; /OP runs a command without one, /? lists all switches.");
   platform::run_window();

@@ -40,6 +40,14 @@ Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_m
   return handle;
 }
 
+Handle open_volume_of(int drive, const char* name, std::uint32_t access, std::uint32_t share_mode,
+                      std::uint32_t flags) {
+  if (virtualdisk::attached(drive)) return CreateFileA(name, access, share_mode, platform::kOpenExisting, flags);
+  const Handle handle = platform::CreateFileA(name, access, share_mode, platform::kOpenExisting, flags);
+  keep_system(handle != kInvalidHandle);
+  return handle;
+}
+
 bool SetFilePointerEx(Handle file, std::int64_t distance, std::int64_t* new_position, std::uint32_t method) {
   if (virtualdisk::owns(file)) {
     return virtual_call("SetFilePointerEx", file,

@@ -16,6 +16,9 @@ using platform::TimeZone;
 
 Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_mode, std::uint32_t disposition,
                    std::uint32_t flags);
+/// Opens the existing volume `name` ("\\.\E:") of drive `drive`: one of the virtual disk attached there, or else the
+/// system's, also where another drive's virtual disk has a volume of that letter.
+Handle open_volume_of(int drive, const char* name, std::uint32_t access, std::uint32_t share_mode, std::uint32_t flags);
 bool SetFilePointerEx(Handle file, std::int64_t distance, std::int64_t* new_position, std::uint32_t method);
 bool ReadFile(Handle file, void* buffer, std::uint32_t bytes, std::uint32_t* moved);
 bool WriteFile(Handle file, const void* buffer, std::uint32_t bytes, std::uint32_t* moved);

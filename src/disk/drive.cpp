@@ -1,5 +1,7 @@
 #include "disk/drive.h"
 
+#include <algorithm>
+#include <cstring>
 #include <limits>
 #include <string>
 
@@ -57,6 +59,14 @@ void report_open_failure(int n, const std::string& path, std::uint32_t code) {
 
 }  // namespace
 
+void remake_buffer(std::int64_t bytes, std::int64_t lba) {
+  constexpr std::int64_t kShown = 20 * kSectorSize;
+  disk.Sec_Buf.resize(bytes);
+  std::memset(disk.Sec_Buf.data(), 0, static_cast<std::size_t>(std::min(bytes, kShown)));
+  disk.Buf_LBA = lba;
+  disk.Buf_Secs = 0;
+}
+
 void OpenDrive(int n) {
   CloseDrive();
   const std::string path = "\\\\.\\PhysicalDrive" + std::to_string(n);
@@ -105,7 +115,7 @@ bool WriteAt(std::int64_t lba, std::int64_t count) {
   if (!written) return false;
   if (moved < bytes) return failed(disk.Errno != 0 ? disk.Errno : kDiskFull);
   disk.Buf_Secs = moved / kSectorSize;
-  kernel32::FlushFileBuffers(disk.hDrive);
+  disk.flush_errno = kernel32::FlushFileBuffers(disk.hDrive) ? 0 : kernel32::GetLastError();
   kernel32::UnlockFile(disk.hDrive, offset_low, offset_high, length.low, length.high);
   return true;
 }

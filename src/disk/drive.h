@@ -9,15 +9,20 @@
 struct Disk {
   kernel32::Handle hDrive = kernel32::kInvalidHandle;
   SectorBuffer Sec_Buf;
-  std::int64_t Buf_LBA = 0;   // first LBA of the last transfer asked for
-  std::int64_t Buf_Secs = 0;  // sectors that the last transfer moved; 0 after a failed read
-  std::uint32_t Errno = 0;    // system error code of the last transfer
+  std::int64_t Buf_LBA = 0;       // first LBA of the last transfer asked for
+  std::int64_t Buf_Secs = 0;      // sectors that the last transfer moved; 0 after a failed read
+  std::uint32_t Errno = 0;        // system error code of the last transfer
+  std::uint32_t flush_errno = 0;  // of the flush behind the last write
 };
 
 extern Disk disk;
 
 /// What a transfer that the program itself refuses fails with: ERROR_INVALID_DATA (winerror.h).
 inline constexpr std::uint32_t kRefusedTransfer = 13;
+
+/// Makes Sec_Buf `bytes` long for a command that begins at `lba`. It shows as holding nothing, and what a view could
+/// show of its start is zeros, until a transfer fills it.
+void remake_buffer(std::int64_t bytes, std::int64_t lba);
 
 /// Opens drive `n` (0 to 7) for reading and writing in place of the one before; disk.hDrive is invalid on failure,
 /// which is told through ShowMessage and in the report.
@@ -35,5 +40,6 @@ void CloseDrive();
 bool ReadAt(std::int64_t lba, std::int64_t count);
 
 /// Writes `count` sectors from the start of Sec_Buf to `lba` and flushes them. Fails like ReadAt, a short write with
-/// 112 where the system gave no code; disk.Buf_Secs changes only on success.
+/// 112 where the system gave no code; disk.Buf_Secs changes only on success. A failed flush is no failed write:
+/// disk.flush_errno has its code.
 bool WriteAt(std::int64_t lba, std::int64_t count);

@@ -6,7 +6,6 @@
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "form/output.h"
-#include "form/progress_line.h"
 #include "platform/clock.h"
 
 Progress progress;
@@ -86,7 +85,6 @@ void Display_Progress(std::int64_t sectors, std::int64_t lba) {
   if (progress.AutoSlowRate && timed && counters.Sectors_Done > kAutoAfter) {
     progress.SlowRate = kAutoShare * static_cast<double>(progress.AverageRate);
   }
-  show_progress_line();
 }
 
 void set_slow_rate(const std::string& answer) {

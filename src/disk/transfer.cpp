@@ -10,6 +10,7 @@
 #include "disk/progress.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "form/progress_line.h"
 #include "measure/measure.h"
 #include "platform/clock.h"
 #include "platform/window.h"
@@ -84,6 +85,7 @@ bool transfer_all(const Direction& direction, std::int64_t* lba, std::int64_t to
   const std::int64_t transfers = total / per_transfer;
   for (std::int64_t i = 0; i < transfers; ++i) {
     if (events == Events::run) {
+      show_progress_line();
       platform::DoEvents();
       if (form1.MyCancel) break;
     }

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "device/wmi.h"
-#include "form/number_text.h"
 #include "platform/console.h"
 
 Volumes volumes;
@@ -39,12 +38,12 @@ std::vector<std::string> device_ids(wmi::WmiHandle service, const std::string& q
   return ids;
 }
 
-/// Opens, locks and dismounts one volume ("E:"). False when it cannot be opened.
-bool lock_volume(const std::string& volume) {
+/// Opens, locks and dismounts one volume ("E:") of drive `drive`. False when it cannot be opened.
+bool lock_volume(int drive, const std::string& volume) {
   const std::string path = "\\\\.\\" + volume;
   const kernel32::Handle handle =
-      kernel32::CreateFileA(path.c_str(), platform::kGenericRead | platform::kGenericWrite,
-                            platform::kShareRead | platform::kShareWrite, platform::kOpenExisting, kNoBuffering);
+      kernel32::open_volume_of(drive, path.c_str(), platform::kGenericRead | platform::kGenericWrite,
+                               platform::kShareRead | platform::kShareWrite, kNoBuffering);
   // Every volume goes into the first slot, so only the last one is unlocked by the unlock pass; kept: the others stay
   // locked and dismounted until the process ends, and no file system comes back under a disk that was just written.
   volumes.hVolumes[0] = handle;
@@ -63,11 +62,26 @@ bool lock_volume(const std::string& volume) {
   return true;
 }
 
+/// Locks the volumes of one partition; false when one cannot be opened.
+bool lock_partition(wmi::WmiHandle service, int drive, const std::string& partition) {
+  const std::vector<std::string> found =
+      device_ids(service, "ASSOCIATORS OF {Win32_DiskPartition.DeviceID=\"" + partition +
+                              "\"} WHERE AssocClass = Win32_LogicalDiskToPartition");
+  return std::all_of(found.begin(), found.end(),
+                     [drive](const std::string& volume) { return lock_volume(drive, volume); });
+}
+
 void lock_pass(int drive) {
   volumes.hVolumes.fill(0);
-  for (const std::string& volume : volumes_on(drive)) {
-    if (!lock_volume(volume)) return;
+  const wmi::WmiHandle service = wmi::open("winmgmts:{impersonationLevel=Impersonate}!//.");
+  if (service == wmi::kNoWmi) return;
+  const std::string device_id = R"(\\\\.\\PhysicalDrive)" + std::to_string(drive);
+  for (const std::string& partition :
+       device_ids(service, "ASSOCIATORS OF {Win32_DiskDrive.DeviceID=\"" + device_id +
+                               "\"} WHERE AssocClass = Win32_DiskDriveToDiskPartition")) {
+    if (!lock_partition(service, drive, partition)) break;
   }
+  wmi::close(service);
 }
 
 void unlock_pass() {
@@ -79,29 +93,6 @@ void unlock_pass() {
 }
 
 }  // namespace
-
-std::vector<std::string> volumes_on(int drive) {
-  std::vector<std::string> found;
-  const wmi::WmiHandle service = wmi::open("winmgmts:{impersonationLevel=Impersonate}!//.");
-  if (service == wmi::kNoWmi) return found;
-  const std::string device_id = R"(\\\\.\\PhysicalDrive)" + std::to_string(drive);
-  for (const std::string& partition :
-       device_ids(service, "ASSOCIATORS OF {Win32_DiskDrive.DeviceID=\"" + device_id +
-                               "\"} WHERE AssocClass = Win32_DiskDriveToDiskPartition")) {
-    for (std::string& volume : device_ids(service, "ASSOCIATORS OF {Win32_DiskPartition.DeviceID=\"" + partition +
-                                                       "\"} WHERE AssocClass = Win32_LogicalDiskToPartition")) {
-      found.push_back(std::move(volume));
-    }
-  }
-  wmi::close(service);
-  return found;
-}
-
-bool lies_on_drive(int drive, const std::string& path) {
-  const std::string volume = upper_case(platform::full_path(path)).substr(0, 2);
-  const std::vector<std::string> found = volumes_on(drive);
-  return std::any_of(found.begin(), found.end(), [&](const std::string& own) { return upper_case(own) == volume; });
-}
 
 void Lock_Unlock_All_Volumes(int drive, const std::string& mode) {
   if (mode == "LOCK") {

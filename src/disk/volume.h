@@ -2,7 +2,6 @@
 
 #include <array>
 #include <string>
-#include <vector>
 
 #include "device/kernel32.h"
 
@@ -18,12 +17,6 @@ extern Volumes volumes;
 /// written below it. Any other text: unlocks and closes what the lock pass kept. Failures are ignored, a volume that
 /// cannot be opened ends the lock pass.
 void Lock_Unlock_All_Volumes(int drive, const std::string& mode);
-
-/// The volumes on drive `drive` ("E:"), in the management service's order; none where it cannot be asked.
-std::vector<std::string> volumes_on(int drive);
-
-/// True when the file `path`, which need not exist, would lie on a volume of drive `drive`.
-bool lies_on_drive(int drive, const std::string& path);
 
 /// Takes the file system off the volume or disk of `handle`. False when the system refused.
 bool MY_DISMOUNT_VOLUME(kernel32::Handle handle);

@@ -54,8 +54,9 @@ std::int64_t number_in(std::string_view text) {
 }
 
 double leading_number(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
+  std::size_t first = text.find_first_not_of(' ');
   if (first == std::string_view::npos) return 0.0;
+  if (text[first] == '+') ++first;
   double value = 0.0;
   const auto [end, error] =
       std::from_chars(text.data() + first, text.data() + text.size(), value, std::chars_format::fixed);

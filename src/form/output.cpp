@@ -13,15 +13,38 @@ namespace {
 
 constexpr std::string_view kTitle = "Sectorix";
 
-bool write_all(kernel32::Handle file, std::string_view text) {
+/// Gives 0, or the system's code.
+std::uint32_t write_all(kernel32::Handle file, std::string_view text) {
+  constexpr std::uint32_t kDiskFull = 112;  // winerror.h: ERROR_DISK_FULL
   std::uint32_t moved = 0;
-  return kernel32::WriteFile(file, text.data(), static_cast<std::uint32_t>(text.size()), &moved) &&
-         moved == text.size();
+  if (!kernel32::WriteFile(file, text.data(), static_cast<std::uint32_t>(text.size()), &moved)) {
+    return kernel32::GetLastError();
+  }
+  return moved == text.size() ? 0 : kDiskFull;
+}
+
+/// Appends `lines` to the file `name`, made where there is none. Gives 0, or the system's code.
+std::uint32_t append_to_file(const std::string& name, std::string_view lines) {
+  const kernel32::Handle file =
+      kernel32::CreateFileA(name.c_str(), platform::kGenericWrite, platform::kShareRead, platform::kOpenAlways, 0);
+  if (file == kernel32::kInvalidHandle) return kernel32::GetLastError();
+  const bool at_end = kernel32::SetFilePointerEx(file, 0, nullptr, platform::kFileEnd);
+  const std::uint32_t code = at_end ? write_all(file, lines) : kernel32::GetLastError();
+  kernel32::CloseHandle(file);
+  return code;
 }
 
 void tell_on_stderr(std::string line) {
   line += "\r\n";
   platform::write_err(line);
+}
+
+void write_report(std::string_view text) {
+  const std::uint32_t code = output.report_handle == kernel32::kInvalidHandle ? platform::write_out(text)
+                                                                              : write_all(output.report_handle, text);
+  if (code == 0 || output.report_failure_told) return;
+  output.report_failure_told = true;
+  tell_on_stderr("The report cannot be written: error " + std::to_string(code) + ". The run goes on.");
 }
 
 }  // namespace
@@ -49,13 +72,21 @@ void PrintReport(std::string_view text) {
   if (!form1.CommandLineMode || output.ReportFileNumber < 1) return;
   std::string line(text);
   line += "\r\n";
-  const bool written = output.report_handle == kernel32::kInvalidHandle ? platform::write_out(line)
-                                                                        : write_all(output.report_handle, line);
-  if (!written && !output.report_failure_told) {
-    output.report_failure_told = true;
-    tell_on_stderr("The report cannot be written: error " + std::to_string(kernel32::GetLastError()) +
-                   ". The run goes on.");
+  if (output.report_held) {
+    output.held_lines += line;
+  } else {
+    write_report(line);
   }
+}
+
+void hold_report() {
+  output.report_held = true;
+}
+
+void release_report() {
+  output.report_held = false;
+  if (!output.held_lines.empty()) write_report(output.held_lines);
+  output.held_lines.clear();
 }
 
 void report_and_show(std::string_view text) {
@@ -67,20 +98,13 @@ bool AppendReportVars(std::string_view text) {
   if (!form1.CommandLineMode) return true;
   std::string lines(text);
   lines += "\r\n";
-  if (output.ReportFileName == "-") return platform::write_out(lines);
-  if (output.ReportFileName.empty()) return false;
-  const kernel32::Handle file = kernel32::CreateFileA(output.ReportFileName.c_str(), platform::kGenericWrite,
-                                                      platform::kShareRead, platform::kOpenAlways, 0);
-  bool written = file != kernel32::kInvalidHandle;
-  if (written) {
-    written = kernel32::SetFilePointerEx(file, 0, nullptr, platform::kFileEnd) && write_all(file, lines);
-    kernel32::CloseHandle(file);
+  const std::string& name = output.ReportFileName;
+  if (name.empty()) return false;
+  const std::uint32_t code = name == "-" ? platform::write_out(lines) : append_to_file(name, lines);
+  if (code != 0) {
+    tell_on_stderr("The variables cannot be written to \"" + name + "\": error " + std::to_string(code) + ".");
   }
-  if (!written) {
-    tell_on_stderr("The variables file \"" + output.ReportFileName + "\" cannot be written: error " +
-                   std::to_string(kernel32::GetLastError()) + ".");
-  }
-  return written;
+  return code == 0;
 }
 
 void ShowMessage(const std::string& text) {

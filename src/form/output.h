@@ -15,6 +15,8 @@ struct Output {
   std::int16_t ExitCode = 0;              // what the process ends with
   std::int64_t report_handle = -1;        // the open report; -1 while it goes to standard output
   bool InDevelopmentEnvironment = false;  // true ends the process without an exit code
+  bool report_held = false;               // lines wait in held_lines
+  std::string held_lines;
   bool report_failure_told = false;
   bool access_denied_told = false;
 };
@@ -30,6 +32,11 @@ void close_report();
 /// Writes `text` and a line end to the report, in command-line mode while one is open. A failure stops nothing; the
 /// first one is told on standard error.
 void PrintReport(std::string_view text);
+
+/// Between the two PrintReport keeps its lines: while a disk holds data that are not its own, nothing may wait for a
+/// console that somebody has halted.
+void hold_report();
+void release_report();
 
 /// Writes `text` to the report and appends it to Text1.
 void report_and_show(std::string_view text);

@@ -11,6 +11,7 @@ enum class Operation : std::uint8_t { read, write, random_read, random_write, se
 /// What a run was asked for on the command line. Values not given stay empty or 0.
 struct Run {
   std::optional<Operation> op;
+  int drive = 99;  // of /OP: the one that /D:n names
   bool list = false;
   bool usage = false;
   bool quiet = false;

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "device/system_disk.h"
+#include "device/volume_disk.h"
 #include "disk/drive.h"
 #include "disk/volume.h"
 #include "eventlog/event_log.h"
@@ -40,9 +40,9 @@ void check_drive_of_run() {
                        identification.Disk_Serial + "\", not \"" + *run.serial + "\": nothing was done.");
   }
   if (*run.op != Operation::write && *run.op != Operation::random_write) return;
-  const SystemDisk system = holds_windows(form1.SelectedDrive);
-  if (system == SystemDisk::yes) refuse_wrong_drive("Windows runs from this disk: it is not written to.");
-  if (system == SystemDisk::unknown) {
+  const OnDrive system = holds_windows(form1.SelectedDrive);
+  if (system == OnDrive::yes) refuse_wrong_drive("Windows runs from this disk: it is not written to.");
+  if (system == OnDrive::unknown) {
     refuse_wrong_drive("It cannot be learned which disk Windows runs from: no real disk is written to.");
   }
 }
@@ -59,6 +59,8 @@ void refuse_missing_drive() {
 
 /// Puts the range that the command line gave into the fields. A start alone means: from there to the end of the disk.
 void fill_remembered_range() {
+  // What the user typed since is what was shown and confirmed.
+  if (!run.op && form1.RangeEdited) return;
   if (run.start_lba != 0) form1.TxtStartLBA.set_text(std::to_string(run.start_lba));
   if (run.count != 0) {
     form1.TxtNoSecs.set_text(std::to_string(run.count));
@@ -92,7 +94,10 @@ void Start_Operation() {
            .before = {},
            .Op_Start_Date = platform::local_time(),
            .start_utc = platform::utc_time()};
-  if (!open_for_operation()) return;
+  if (!open_for_operation()) {
+    form1.MyCancel = false;  // so that the transfers are tried, fail and are counted
+    return;
+  }
   // The selection copies the status into Text1 after it was cleared; kept, a command-line report begins with the drive.
   if (form1.CommandLineMode) SelectDrive();
   form1.MyCancel = false;

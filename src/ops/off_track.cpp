@@ -114,7 +114,7 @@ void OffTrack_Write_Test() {
     return;
   }
   begin({.kind = RunKind::off_track, .sectors = identification.Drive_Sectors, .work = work_of(passes)});
-  disk.Sec_Buf.resize(kVerified * kSectorSize + 1);
+  remake_buffer(kVerified * kSectorSize + 1, 0);
   counters.No_Secs = kSectors;
   form1.TxtNoSecs.set_text(std::to_string(kSectors));
   const std::string header = "Non-Destructive Off-Track Write test - " + std::to_string(passes) + " passes, " +

@@ -31,11 +31,12 @@ using Bytes = std::vector<std::uint8_t>;
 
 /// The bytes of a visit; the buffer has one more, which is never transferred or compared.
 std::span<std::uint8_t> visit_bytes() {
-  return disk.Sec_Buf.bytes().first(static_cast<std::size_t>(counters.No_Secs * kSectorSize));
+  const std::int64_t bytes = std::min(counters.No_Secs * kSectorSize, disk.Sec_Buf.size());
+  return disk.Sec_Buf.bytes().first(static_cast<std::size_t>(bytes));
 }
 
 void size_buffer() {
-  disk.Sec_Buf.resize(counters.No_Secs * kSectorSize + 1);
+  remake_buffer(counters.No_Secs * kSectorSize + 1, 0);
 }
 
 /// Takes the parameters into counters.No_Secs and random_test. False when the user leaves, or when the disk has no room
@@ -92,10 +93,34 @@ void read_visit() {
   Read_sectors(&lba, counters.No_Secs, counters.No_Secs);
 }
 
+using RandomPattern = std::array<std::uint8_t, 4>;
+
+RandomPattern draw_pattern() {
+  // Times 255 and cut: FF never comes; kept, so that runs give the patterns of earlier ones.
+  constexpr float kValues = 255.0F;
+  RandomPattern pattern{};
+  for (std::uint8_t& byte : pattern) byte = static_cast<std::uint8_t>(next_uniform_single() * kValues);
+  return pattern;
+}
+
+void fill_random(const RandomPattern& pattern) {
+  // Whole patterns as long as they begin four bytes before the last index: in a buffer of whole sectors the last four
+  // bytes stay as they are, in the tests' buffers, one byte longer, none of a sector's.
+  const std::int64_t last_start = disk.Sec_Buf.size() - 1 - std::ssize(pattern);
+  if (last_start < 0) return;
+  const std::int64_t filled = (last_start / std::ssize(pattern) + 1) * std::ssize(pattern);
+  fill_pattern(disk.Sec_Buf.bytes().first(static_cast<std::size_t>(filled)), pattern);
+  std::string shown;
+  for (const std::uint8_t byte : pattern) shown += hex_padded(byte, 1);
+  form1.TxtPattern.set_text(shown);
+}
+
 void write_visit() {
   Visit visit(GetRandomSector(counters.No_Secs), counters.No_Secs);
+  // Drawn also for a place that is then not written to: the next places do not depend on what could be read.
+  const RandomPattern pattern = draw_pattern();
   if (!visit.take_former_contents()) return;
-  FillRandPatt();
+  fill_random(pattern);
   const Bytes written(visit_bytes().begin(), visit_bytes().end());
   visit.write();
   count_compare(written, visit.read());
@@ -126,21 +151,7 @@ std::int64_t GetRandomSector(std::int64_t sectors) {
 }
 
 void FillRandPatt() {
-  // Times 255 and cut: FF never comes; kept, so that runs give the patterns of earlier ones.
-  constexpr float kValues = 255.0F;
-  std::array<std::uint8_t, 4> pattern{};
-  std::string shown;
-  for (std::uint8_t& byte : pattern) {
-    byte = static_cast<std::uint8_t>(next_uniform_single() * kValues);
-    shown += hex_padded(byte, 1);
-  }
-  // Whole patterns as long as they begin four bytes before the last index: in a buffer of whole sectors the last four
-  // bytes stay as they are, in the tests' buffers, one byte longer, none of a sector's.
-  const std::int64_t last_start = disk.Sec_Buf.size() - 1 - std::ssize(pattern);
-  if (last_start < 0) return;
-  const std::int64_t filled = (last_start / std::ssize(pattern) + 1) * std::ssize(pattern);
-  fill_pattern(disk.Sec_Buf.bytes().first(static_cast<std::size_t>(filled)), pattern);
-  form1.TxtPattern.set_text(shown);
+  fill_random(draw_pattern());
 }
 
 void Random_Read_Test() {

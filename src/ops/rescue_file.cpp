@@ -4,8 +4,8 @@
 #include <cctype>
 
 #include "device/kernel32.h"
+#include "device/volume_disk.h"
 #include "disk/error_text.h"
-#include "disk/volume.h"
 #include "form/form1.h"
 #include "form/run.h"
 #include "smart/identification.h"
@@ -13,6 +13,7 @@
 namespace {
 
 constexpr std::uint32_t kFileExists = 80;  // winerror.h: ERROR_FILE_EXISTS
+constexpr std::uint32_t kDiskFull = 112;   // ERROR_DISK_FULL
 constexpr int kMostTries = 1000;
 
 /// The folder of the report, with its last separator; empty for the current one.
@@ -34,25 +35,43 @@ std::string why_none(std::uint32_t code) {
   return "They could not be saved: error " + std::to_string(code) + " - " + SystemErrorText(code);
 }
 
+/// Gives 0 once the bytes are on their disk, else the system's code.
+std::uint32_t write_and_close(kernel32::Handle file, std::span<const std::uint8_t> bytes) {
+  std::uint32_t moved = 0;
+  std::uint32_t code = 0;
+  if (!kernel32::WriteFile(file, bytes.data(), static_cast<std::uint32_t>(bytes.size()), &moved)) {
+    code = kernel32::GetLastError();
+  } else if (moved < bytes.size()) {
+    code = kDiskFull;
+  } else if (!kernel32::FlushFileBuffers(file)) {
+    code = kernel32::GetLastError();
+  }
+  if (!kernel32::CloseHandle(file) && code == 0) code = kernel32::GetLastError();
+  return code;
+}
+
 }  // namespace
 
 std::string save_to_rescue_file(std::int64_t lba, std::span<const std::uint8_t> sectors) {
   const std::string base = folder() + "sectorix-" + serial_in_name() + "-" + std::to_string(lba);
-  if (lies_on_drive(form1.SelectedDrive, base))
-    return "They were not saved: the report's folder lies on the disk under test.";
+  switch (lies_on_drive(base, form1.SelectedDrive)) {
+    case OnDrive::yes:
+      return "They were not saved: the report's folder lies on the disk under test.";
+    case OnDrive::unknown:
+      return "They were not saved: it cannot be learned whether the report's folder lies on the disk under test.";
+    case OnDrive::no:
+      break;
+  }
   for (int number = 0; number < kMostTries; ++number) {
     const std::string name = base + (number == 0 ? std::string() : "-" + std::to_string(number)) + ".bin";
     const kernel32::Handle file =
         kernel32::CreateFileA(name.c_str(), platform::kGenericWrite, 0, platform::kCreateNew, 0);
     if (file == kernel32::kInvalidHandle && kernel32::GetLastError() == kFileExists) continue;
     if (file == kernel32::kInvalidHandle) return why_none(kernel32::GetLastError());
-    std::uint32_t moved = 0;
-    const bool written =
-        kernel32::WriteFile(file, sectors.data(), static_cast<std::uint32_t>(sectors.size()), &moved) &&
-        moved == sectors.size();
-    const std::uint32_t code = kernel32::GetLastError();
-    kernel32::CloseHandle(file);
-    return written ? "They are in the file " + name + "." : why_none(code);
+    const std::uint32_t code = write_and_close(file, sectors);
+    if (code == 0) return "They are in the file " + name + ".";
+    kernel32::DeleteFileA(name.c_str());
+    return why_none(code);
   }
   return why_none(kFileExists);
 }

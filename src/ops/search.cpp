@@ -51,8 +51,7 @@ bool search_range(const Search& search, Place* place) {
   place->lba = take_range();
   begin({.kind = RunKind::search, .first_lba = place->lba, .sectors = counters.No_Secs});
   const std::int64_t chunk = read_chunk(counters.No_Secs);
-  disk.Sec_Buf.resize(chunk * kSectorSize);
-  disk.Buf_Secs = 0;
+  remake_buffer(chunk * kSectorSize, place->lba);
   if (search.problem == SearchProblem::bad_hex) {
     tell_user(std::string(search.error));
     return false;
@@ -61,7 +60,7 @@ bool search_range(const Search& search, Place* place) {
   if (match < 0) return false;
   place->lba += match / kSectorSize;
   place->offset = match % kSectorSize;
-  disk.Sec_Buf.resize(kSectorSize);
+  remake_buffer(kSectorSize, place->lba);
   read_once(place->lba, 1);
   return true;
 }

@@ -54,8 +54,7 @@ void Seq_Read() {
   begin({.kind = RunKind::read, .first_lba = start, .sectors = counters.No_Secs});
   announce("Reading");
   const std::int64_t chunk = read_chunk(counters.No_Secs);
-  disk.Sec_Buf.resize(chunk * kSectorSize);
-  disk.Sec_Buf.data()[0] = 0;
+  remake_buffer(chunk * kSectorSize, start);
   transfer_range(Read_sectors, start, chunk);
   report_end("\r\n");
 }

@@ -20,10 +20,19 @@ void tell(const std::string& line) {
   form1.Text1.append(line + "\r\n");
 }
 
+/// True when the drive took the last write and did not bring it to its medium; a drive that knows no flush does not
+/// count.
+bool flush_failed() {
+  constexpr std::uint32_t kNoSuchFunction = 1;  // winerror.h: ERROR_INVALID_FUNCTION
+  constexpr std::uint32_t kNotSupported = 50;   // ERROR_NOT_SUPPORTED
+  return disk.flush_errno != 0 && disk.flush_errno != kNoSuchFunction && disk.flush_errno != kNotSupported;
+}
+
 }  // namespace
 
 Visit::~Visit() {
   platform::allow_shutdown();
+  release_report();
 }
 
 bool Visit::take_former_contents() {
@@ -32,6 +41,7 @@ bool Visit::take_former_contents() {
   enter(Phase::reading);
   Read_sectors(&lba, sectors_, sectors_);
   platform::hold_shutdown();
+  hold_report();
   if (disk.Buf_Secs == sectors_) {
     const auto bytes = disk.Sec_Buf.bytes().first(static_cast<std::size_t>(sectors_ * kSectorSize));
     saved_.assign(bytes.begin(), bytes.end());
@@ -57,7 +67,7 @@ void Visit::give_back() {
   std::copy(saved_.begin(), saved_.end(), disk.Sec_Buf.data());
   std::int64_t lba = lba_;
   enter(Phase::restoring);
-  if (Write_sectors(&lba, sectors_, sectors_, Events::wait)) return;
+  if (Write_sectors(&lba, sectors_, sectors_, Events::wait) && !flush_failed()) return;
   const std::string line = "Former contents of " + std::to_string(sectors_) + " sectors at LBA " +
                            std::to_string(lba_) + " could not be written back. " + save_to_rescue_file(lba_, saved_);
   lost_places.lines.push_back(line);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -8,9 +9,9 @@ namespace platform {
 /// The process's command line, the program's own path first, in the ANSI code page.
 std::string command_line();
 
-/// Writes bytes as they are; false when the stream is closed, absent or full.
-bool write_out(std::string_view text);
-bool write_err(std::string_view text);
+/// Writes bytes as they are. Gives 0, or the system's code when the stream is closed, absent or full.
+std::uint32_t write_out(std::string_view text);
+std::uint32_t write_err(std::string_view text);
 
 /// Hands a line to a debugger, if one listens.
 void debug_text(const std::string& text);

@@ -79,8 +79,12 @@ void Sleep(std::uint32_t milliseconds);
 
 std::uint32_t GetLastError();
 
-/// The volume that Windows runs from, as "C:"; empty when the system does not tell.
-std::string system_volume();
+/// The folder that Windows runs from; empty when the system does not tell.
+std::string system_folder();
+
+/// The device of the volume on which `path` lies, mounted folders followed, in a form that can be opened
+/// ("\\?\Volume{...}"); the share's name for one of another computer; empty when the system does not tell.
+std::string volume_device(const std::string& path);
 
 /// `name` as a whole path, as "C:\folder\file"; `name` itself where the system does not tell.
 std::string full_path(const std::string& name);

@@ -76,7 +76,8 @@ void DoEvents();
 /// not go to sleep until it ends.
 void begin_command();
 
-/// The command has ended: everything is shown as it stands, then the buttons come back and the focus with them.
+/// The command has ended: what the user did meanwhile is dealt with as during it, everything is shown as it stands,
+/// then the buttons come back and the focus with them.
 void end_command();
 
 enum class Buttons : std::uint8_t { ok, ok_cancel };

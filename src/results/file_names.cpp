@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "device/kernel32.h"
+#include "device/volume_disk.h"
 #include "disk/error_text.h"
-#include "disk/volume.h"
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "form/run.h"
@@ -81,7 +81,8 @@ std::string check(const Output_Name& output, const std::string& path) {
   std::string problem = why_no_file(name);
   if (!problem.empty()) return shown + problem;
   if (is_virtual_disk(path)) return shown + "is a virtual disk of this run.";
-  if (writes_to_disk() && lies_on_drive(named_drive(), path)) return shown + "lies on the disk under test.";
+  if (writes_to_disk() && lies_on_drive(path, named_drive()) != OnDrive::no)
+    return shown + "lies on the disk under test.";
   if (const std::uint32_t code = why_not_writable(name)) {
     return shown + "is a folder or cannot be written: error " + std::to_string(code) + " - " + SystemErrorText(code);
   }

@@ -52,6 +52,13 @@ void take_identity(const IdentifyData& data) {
   identification.Drive_Sectors = data.sectors;
 }
 
+/// A raw string that cannot pass for a line of its own in the report, whatever the drive put into it.
+std::string one_line(std::string raw) {
+  std::replace_if(
+      raw.begin(), raw.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+  return raw;
+}
+
 /// The product of three counts; 0 where one is not positive or the product is no disk's size.
 std::int64_t credible_product(std::int64_t cylinders, std::int64_t tracks, std::int64_t sectors) {
   if (cylinders <= 0 || tracks <= 0 || sectors <= 0 || tracks > kMostSectors / sectors) return 0;
@@ -171,8 +178,8 @@ void Get_Scsi_Identify(std::int32_t port) {
   }
   take_identity(decode_identify(std::span(buffer).subspan(kSrbHeader + kReplyHeader)));
   const Identification& id = identification;
-  PrintReport("IOCTL_SCSI_MINIPORT called OK  " + id.Model_No + " " + id.Firmware_Rev + " " + id.Serial_No + " " +
-              std::to_string(id.Num_Cyls) + " " + std::to_string(id.Num_Heads) + " " +
+  PrintReport("IOCTL_SCSI_MINIPORT called OK  " + one_line(id.Model_No) + " " + one_line(id.Firmware_Rev) + " " +
+              one_line(id.Serial_No) + " " + std::to_string(id.Num_Cyls) + " " + std::to_string(id.Num_Heads) + " " +
               std::to_string(id.Sectors_Per_Track) + " " + std::to_string(id.Drive_Sectors));
   Clean_Id_Strings();
 }

@@ -4,6 +4,7 @@
 
 #include "disk/counters.h"
 #include "form/form1.h"
+#include "form/progress_line.h"
 #include "form/run.h"
 #include "tests/support/rig.h"
 
@@ -22,6 +23,7 @@ class ProgressTest : public Rig {
     progress.XferEnd = headless::desktop.midnight_seconds;
     counters.Sectors_Done += sectors;
     Display_Progress(sectors, 7);
+    show_progress_line();
   }
 };
 

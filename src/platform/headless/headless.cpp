@@ -89,14 +89,15 @@ std::string command_line() {
   return desktop.command_line;
 }
 
-bool write_out(std::string_view text) {
+std::uint32_t write_out(std::string_view text) {
+  if (desktop.out_fails != 0) return desktop.out_fails;
   desktop.out += text;
-  return true;
+  return 0;
 }
 
-bool write_err(std::string_view text) {
+std::uint32_t write_err(std::string_view text) {
   desktop.err += text;
-  return true;
+  return 0;
 }
 
 void debug_text(const std::string& text) {

@@ -43,7 +43,7 @@ struct Desktop {
   std::string command_line = "sectorix";
   bool err_is_terminal = false;
   std::string current_volume;  // before every path, as "X:"
-  std::string system_volume;   // empty: the system does not tell
+  std::string system_folder;   // empty: the system does not tell
 
   // Clock.
   double midnight_seconds = 36000.0;  // seconds since midnight
@@ -59,6 +59,7 @@ struct Desktop {
   std::uint32_t fail_code = 1117;  // ERROR_IO_DEVICE
 
   // The management service.
+  std::uint32_t out_fails = 0;  // standard output fails with this code
   bool wmi_absent = false;
   std::vector<WmiAnswer> wmi_answers;
   std::vector<std::string> wmi_queries;

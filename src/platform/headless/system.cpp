@@ -193,8 +193,13 @@ bool GetVersionExA(OsVersion* version) {
   return true;
 }
 
-std::string system_volume() {
-  return desktop.system_volume;
+std::string system_folder() {
+  return desktop.system_folder;
+}
+
+std::string volume_device(const std::string& path) {
+  const bool has_letter = path.size() >= 2 && path[1] == ':';
+  return has_letter ? "\\\\.\\" + path.substr(0, 2) : std::string();
 }
 
 std::string full_path(const std::string& name) {

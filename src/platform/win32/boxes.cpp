@@ -146,13 +146,17 @@ std::string InputBox(const std::string& prompt, const std::string& title, const 
   win32::before_box();
   win32::Question question{prompt, title, default_answer, {}};
   // An empty dialog; its controls are made when it opens. The template is followed by no menu, no class and no title.
-  struct Template {
+  struct alignas(DWORD) Template {
     DLGTEMPLATE head;
     std::array<WORD, 3> none;
   };
   Template blank{{WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | WS_VISIBLE, 0, 0, 0, 0, 10, 10}, {}};
-  ::DialogBoxIndirectParamA(::GetModuleHandleA(nullptr), &blank.head, win32::main_window.window, win32::input_procedure,
-                            reinterpret_cast<LPARAM>(&question));
+  const INT_PTR shown = ::DialogBoxIndirectParamA(::GetModuleHandleA(nullptr), &blank.head, win32::main_window.window,
+                                                  win32::input_procedure, reinterpret_cast<LPARAM>(&question));
+  if (shown == -1) {
+    MsgBox("The question \"" + title + "\" cannot be shown: error " + std::to_string(::GetLastError()) + ".",
+           Buttons::ok, title, BoxIcon::none);
+  }
   if (question.font != nullptr) ::DeleteObject(question.font);
   win32::take_typing();
   return question.answer;

@@ -58,17 +58,18 @@ namespace platform {
 
 namespace {
 
-bool write_all(DWORD stream, std::string_view text) {
+std::uint32_t write_all(DWORD stream, std::string_view text) {
   HANDLE const file = ::GetStdHandle(stream);
-  if (file == nullptr || file == INVALID_HANDLE_VALUE) return false;
+  if (file == nullptr || file == INVALID_HANDLE_VALUE) return ERROR_INVALID_HANDLE;
   while (!text.empty()) {
     constexpr std::size_t kPiece = 1U << 20U;
     DWORD put = 0;
     const DWORD wanted = static_cast<DWORD>(text.size() < kPiece ? text.size() : kPiece);
-    if (::WriteFile(file, text.data(), wanted, &put, nullptr) == FALSE || put == 0) return false;
+    if (::WriteFile(file, text.data(), wanted, &put, nullptr) == FALSE) return ::GetLastError();
+    if (put == 0) return ERROR_HANDLE_DISK_FULL;
     text.remove_prefix(put);
   }
-  return true;
+  return 0;
 }
 
 }  // namespace
@@ -77,11 +78,11 @@ std::string command_line() {
   return ::GetCommandLineA();
 }
 
-bool write_out(std::string_view text) {
+std::uint32_t write_out(std::string_view text) {
   return write_all(STD_OUTPUT_HANDLE, text);
 }
 
-bool write_err(std::string_view text) {
+std::uint32_t write_err(std::string_view text) {
   return write_all(STD_ERROR_HANDLE, text);
 }
 
@@ -92,7 +93,12 @@ bool err_is_terminal() {
 
 void release_lone_console() {
   std::array<DWORD, 2> processes{};
-  if (::GetConsoleProcessList(processes.data(), static_cast<DWORD>(processes.size())) == 1) ::FreeConsole();
+  if (::GetConsoleProcessList(processes.data(), static_cast<DWORD>(processes.size())) != 1) return;
+  // Streams of that console die with it, and their numbers go to the next file opened: nobody may write there.
+  for (const DWORD stream : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
+    if (::GetFileType(::GetStdHandle(stream)) == FILE_TYPE_CHAR) ::SetStdHandle(stream, nullptr);
+  }
+  ::FreeConsole();
 }
 
 void watch_console(void (*on_cancel)(), void (*on_exit)()) {

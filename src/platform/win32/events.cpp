@@ -52,6 +52,13 @@ bool took_enter_or_escape(const MSG& message) {
   return false;
 }
 
+/// A letter typed without Alt while a button has the focus: the system's dialogs take it for an access key, here it
+/// would start a command that nobody asked for. True when the message is used up.
+bool took_bare_letter(const MSG& message) {
+  if (message.message != WM_CHAR || message.wParam == ' ') return false;
+  return (::SendMessageA(message.hwnd, WM_GETDLGCODE, 0, 0) & (DLGC_BUTTON | DLGC_STATIC)) != 0;
+}
+
 void drain_queue() {
   MSG message{};
   while (::PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
@@ -68,7 +75,9 @@ void drain_queue() {
 void dispatch(MSG* message) {
   HWND const main = main_window.window;
   const bool ours = message->hwnd == main || ::IsChild(main, message->hwnd) != FALSE;
-  if (ours && (took_enter_or_escape(*message) || ::IsDialogMessageA(main, message) != FALSE)) return;
+  if (ours &&
+      (took_enter_or_escape(*message) || took_bare_letter(*message) || ::IsDialogMessageA(main, message) != FALSE))
+    return;
   ::TranslateMessage(message);
   ::DispatchMessageA(message);
 }
@@ -149,6 +158,8 @@ void end_command() {
   win32::MainWindow& main = main_window;
   ::SetThreadExecutionState(ES_CONTINUOUS);
   if (main.window == nullptr || !main.busy) return;
+  // Presses that wait were made while the buttons were locked: they meet them locked.
+  win32::drain_queue();
   win32::show_fields();
   main.busy = false;
   win32::show_pictures();
