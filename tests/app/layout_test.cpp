@@ -153,7 +153,7 @@ TEST(Layout, AScalingTooLargeForTheScreenGivesWay) {
   EXPECT_EQ(fitting({760, 480}, 192), 96);
   EXPECT_EQ(fitting({1520, 1360}, 192), 192);
   EXPECT_EQ(fitting({1520, 1020}, 192), 144);  // for the panel
-  EXPECT_EQ(fitting({1520, 600}, 192), 120);  // no room for it at 100 % either
+  EXPECT_EQ(fitting({1520, 600}, 192), 120);   // no room for it at 100 % either
   EXPECT_EQ(fitting({0, 0}, 192), 1);
 }
 

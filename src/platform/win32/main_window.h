@@ -16,7 +16,7 @@ struct ShownControl {
   std::uint64_t revision = 0;  // of the field or picture, as shown
   std::size_t length = 0;      // of the text, as shown
   std::size_t caret = 0;
-  bool typed = false;       // the user changed the text since the field was told
+  bool typed = false;         // the user changed the text since the field was told
   std::string description{};  // of a picture, as told
 };
 
