@@ -29,6 +29,7 @@ constexpr int kLeastPanelHeight = 112;
 constexpr int kFrameInset = 14;
 constexpr int kPanelGap = 16;
 constexpr int kFrameTitle = 24;
+constexpr int kStatusHeight = 38;
 
 /// Puts rectangles of the design grid into pixels. Edges are rounded, not sizes, so that neighbours never overlap.
 class Placing {
@@ -149,7 +150,8 @@ int place_panel_somewhere(Placing* placing, int top, int y) {
   // The text keeps most of the height.
   constexpr int kShare = 45;  // percent
   constexpr int kMost = 260;
-  const int height = std::min((placing->bottom() - y) * kShare / 100, kMost);
+  const int room = placing->bottom() - y - kGroupGap - kStatusHeight - kApart;
+  const int height = std::min(room * kShare / 100, kMost);
   if (height < kLeastPanelHeight) return y;
   place_panel(placing, kMargin, y, height);
   return y + height + kGroupGap;
@@ -157,7 +159,6 @@ int place_panel_somewhere(Placing* placing, int top, int y) {
 
 /// The status of two lines, and the text with all the rest.
 void place_texts(Placing* placing, int y) {
-  constexpr int kStatusHeight = 38;
   const int width = placing->right() - kMargin;
   placing->put(Id::TxtStatus, kMargin, y, width, kStatusHeight);
   const int text = y + kStatusHeight + kApart;

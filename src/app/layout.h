@@ -8,7 +8,7 @@
 /// needs too.
 inline constexpr platform::Size kFirstSize{1240, 780};
 inline constexpr platform::Size kLeastSize{760, 480};
-inline constexpr platform::Size kWholeSize{760, 640};
+inline constexpr platform::Size kWholeSize{760, 680};
 
 /// Places every control of controls.h: `places` has one rectangle per control, in its order, in pixels of a client area
 /// of `client` pixels at `dpi` dots per inch. Every place has its fixed size, the memo's takes all that the others

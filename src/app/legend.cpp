@@ -18,21 +18,22 @@ constexpr int kSign = 14;
 constexpr int kMark = 9;
 constexpr int kBox = 11;
 constexpr int kBesideSign = 5;
-constexpr int kApart = 16;
+constexpr int kApart = 14;
 
 void draw_sign(Canvas* canvas, const LegendEntry& entry, const Rect& place, const Palette& palette) {
   const int dpi = platform::dpi_of(*canvas);
   const Point center{place.x + place.width / 2, place.y + place.height / 2};
-  const int width = std::max(platform::scaled(3, dpi) / 2, 1);
+  const int line = std::max(platform::scaled(2, dpi), 2);
   const int box = platform::scaled(kBox, dpi);
   const Rect square{center.x - box / 2, center.y - box / 2, box, box};
   switch (entry.sign) {
     case Sign::none:
       return;
     case Sign::line:
+      draw_line(canvas, {place.x, center.y}, {place.x + place.width, center.y}, {entry.color, line});
+      return;
     case Sign::dashes:
-      draw_line(canvas, {place.x, center.y}, {place.x + place.width, center.y},
-                {entry.color, width, entry.sign == Sign::dashes});
+      draw_line(canvas, {place.x, center.y}, {place.x + place.width, center.y}, {entry.color, line / 2, true});
       return;
     case Sign::box:
       fill(canvas, square, entry.color);

@@ -129,7 +129,7 @@ std::vector<std::string> stretch_lines(const PixelColumn& stretch) {
   }
   constexpr double kMilliseconds = 1000.0;
   lines.push_back("up to " + fixed_text(facts.longest * kMilliseconds, 1) + " ms");
-  if (facts.slow > 0) lines.push_back("slow: " + std::to_string(facts.slow));
-  if (facts.errors > 0) lines.push_back("errors: " + std::to_string(facts.errors));
+  if (facts.slow > 0) lines.emplace_back("slow");
+  if (facts.errors > 0) lines.emplace_back("error");
   return lines;
 }

@@ -40,8 +40,8 @@ void draw_note(Canvas* canvas, platform::Point at, const std::vector<std::string
   int width = 0;
   for (const std::string& line : lines) width = std::max(width, platform::text_size(*canvas, line).width);
   Rect box{at.x + apart, at.y + apart, width + 2 * inset, static_cast<int>(lines.size()) * row + 2 * inset};
-  if (box.x + box.width > size.width) box.x = std::max(at.x - apart - box.width, 0);
-  box.y = std::clamp(box.y, 0, std::max(size.height - box.height, 0));
+  if (box.x + box.width + inset > size.width) box.x = std::max(at.x - apart - box.width, 0);
+  box.y = std::clamp(box.y, 0, std::max(size.height - box.height - inset, 0));
   draw_box(canvas, box, palette);
   int y = box.y + inset;
   for (const std::string& line : lines) {

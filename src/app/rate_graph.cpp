@@ -27,7 +27,7 @@ constexpr int kLeft = 44;
 constexpr int kRight = 26;
 constexpr int kBottom = 24;
 constexpr int kLeastPlot = 24;
-constexpr int kTickEveryX = 96;
+constexpr int kTickEveryX = 72;
 constexpr int kTickEveryY = 30;
 constexpr int kMark = 10;
 
@@ -52,9 +52,9 @@ std::vector<LegendEntry> legend_of(const Measure& measured, double slow_limit, c
     entries.push_back({Sign::dot, palette.average, "transfer"});
   } else {
     entries.push_back({Sign::line, palette.average, "average"});
-    entries.push_back({Sign::box, palette.band, "lowest to highest"});
+    entries.push_back({Sign::box, palette.band, "min-max"});
   }
-  entries.push_back({Sign::dashes, palette.limit, "slow limit " + double_text(slow_limit)});
+  entries.push_back({Sign::dashes, palette.limit, "limit " + double_text(slow_limit)});
   entries.push_back({Sign::triangle, palette.slow, "slow: " + std::to_string(measured.slow)});
   entries.push_back({Sign::cross, palette.error, "errors: " + std::to_string(measured.failed)});
   return entries;
@@ -102,7 +102,7 @@ void draw_frame(const Drawing& drawing) {
 void draw_band_and_line(const Drawing& drawing) {
   std::vector<PixelColumn> columns(static_cast<std::size_t>(drawing.plot.width));
   resample(drawing.measured.map, columns);
-  const platform::Pen pen{drawing.palette.average, std::max(platform::scaled(3, drawing.dpi) / 2, 1)};
+  const platform::Pen pen{drawing.palette.average, drawing.px(2)};
   std::vector<Point> line;
   std::vector<std::vector<Point>> lines;
   for (std::size_t i = 0; i <= columns.size(); ++i) {
@@ -142,7 +142,7 @@ void draw_slow_limit(const Drawing& drawing) {
 /// Slow transfers stand at their rate, errors, which have none, at the upper edge.
 void draw_marks(const Drawing& drawing) {
   const int size = drawing.px(kMark);
-  for (const GraphMark& mark : graph_marks(drawing.measured.map, drawing.plot.width)) {
+  for (const GraphMark& mark : graph_marks(drawing.measured.map, drawing.plot.width, 2 * size)) {
     const int x = drawing.plot.x + static_cast<int>(mark.pixel);
     const int y =
         mark.error ? drawing.plot.y + size : std::min(drawing.y_at(mark.lowest_rate), drawing.bottom() - size);

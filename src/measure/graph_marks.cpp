@@ -4,8 +4,6 @@
 
 namespace {
 
-constexpr std::int64_t kWidest = 16;  // pixels
-
 std::int64_t count_in(const RateColumn& facts, bool errors) {
   return errors ? facts.errors : facts.slow;
 }
@@ -26,13 +24,14 @@ GraphMark mark_of(const std::vector<PixelColumn>& columns, std::int64_t first, s
   return mark;
 }
 
-void add_marks(const std::vector<PixelColumn>& columns, bool errors, std::vector<GraphMark>* marks) {
+void add_marks(const std::vector<PixelColumn>& columns, bool errors, std::int64_t widest,
+               std::vector<GraphMark>* marks) {
   const auto has = [&](std::int64_t i) { return count_in(columns[static_cast<std::size_t>(i)].facts, errors) > 0; };
   const std::int64_t pixels = std::ssize(columns);
   for (std::int64_t i = 0; i < pixels; ++i) {
     const std::int64_t first = i;
     while (i < pixels && has(i)) ++i;
-    const std::int64_t pieces = (i - first + kWidest - 1) / kWidest;
+    const std::int64_t pieces = (i - first + widest - 1) / widest;
     for (std::int64_t piece = 0; piece < pieces; ++piece) {
       const auto edge = [&](std::int64_t which) { return first + which * (i - first) / pieces; };
       marks->push_back(mark_of(columns, edge(piece), edge(piece + 1), errors));
@@ -42,11 +41,11 @@ void add_marks(const std::vector<PixelColumn>& columns, bool errors, std::vector
 
 }  // namespace
 
-std::vector<GraphMark> graph_marks(const RateMap& map, std::int64_t pixels) {
+std::vector<GraphMark> graph_marks(const RateMap& map, std::int64_t pixels, std::int64_t widest) {
   std::vector<PixelColumn> columns(static_cast<std::size_t>(std::max<std::int64_t>(pixels, 0)));
   resample(map, columns);
   std::vector<GraphMark> marks;
-  add_marks(columns, false, &marks);
-  add_marks(columns, true, &marks);
+  add_marks(columns, false, widest, &marks);
+  add_marks(columns, true, widest, &marks);
   return marks;
 }

@@ -157,8 +157,9 @@ std::string mark_shape(bool error, double x, double y) {
 
 std::string marks(const Drawing& drawing) {
   constexpr int kErrorLine = kTop + 10;
+  constexpr int kWidestMark = 16;
   std::string svg;
-  for (const GraphMark& mark : graph_marks(drawing.measured.map, kPlotWidth)) {
+  for (const GraphMark& mark : graph_marks(drawing.measured.map, kPlotWidth, kWidestMark)) {
     const double x = kLeft + static_cast<double>(mark.pixel) + 0.5;
     const double y = mark.error ? kErrorLine : y_at(drawing, mark.lowest_rate);
     const char* const kind = mark.error ? "error" : "slow";

@@ -42,6 +42,14 @@ bool in_frame(std::size_t index) {
   return index > static_cast<std::size_t>(Id::Frame1) && index <= static_cast<std::size_t>(Id::CmdWrite);
 }
 
+bool in_panel(std::size_t index) {
+  return index >= static_cast<std::size_t>(Id::OptGraph) && index <= static_cast<std::size_t>(Id::PicPanel);
+}
+
+bool shows_panel(const Placed& window) {
+  return window.of(Id::PicPanel).height > 0;
+}
+
 /// Every combination of a screen from 800x600 to 4K, less what its frame takes, with a scaling of 100 to 200 %.
 std::vector<Placed> many_windows() {
   std::vector<Placed> windows;
@@ -69,6 +77,7 @@ TEST(Layout, NothingOverlapsOrLeavesTheWindow) {
                  std::to_string(window.dpi));
     const Rect client{0, 0, window.client.width, window.client.height};
     for (std::size_t i = 0; i < kControlCount; ++i) {
+      if (in_panel(i) && !shows_panel(window)) continue;
       ASSERT_TRUE(inside(window.places[i], client)) << i;
       ASSERT_GT(window.places[i].width, 0) << i;
       ASSERT_GT(window.places[i].height, 0) << i;
@@ -88,11 +97,12 @@ TEST(Layout, CaptionsFitTheirControls) {
   constexpr int kOptionMark = 22;
   const auto table = main_window();
   for (const Placed& window : many_windows()) {
-    const int shown_dpi = platform::fitting_dpi(window.client, kLeastSize, window.dpi);
+    const int shown_dpi = platform::fitting_dpi(window.client, kLeastSize, kWholeSize, window.dpi);
     for (std::size_t i = 0; i < kControlCount; ++i) {
       const Control& row = table.controls[i];
+      if (in_panel(i) && !shows_panel(window)) continue;
       int needed = caption_width(row.caption);
-      if (row.kind == ControlKind::button) needed += kButtonEdges;
+      if (row.kind == ControlKind::button || row.kind == ControlKind::tab) needed += kButtonEdges;
       if (row.kind == ControlKind::option) needed += kOptionMark;
       ASSERT_LE(platform::scaled(needed, shown_dpi), window.places[i].width + 1) << row.name;
     }
@@ -101,10 +111,10 @@ TEST(Layout, CaptionsFitTheirControls) {
 }
 
 TEST(Layout, ResizingGivesTheTextTheRoom) {
-  const Placed small({784, 561}, 96);
+  const Placed small({1200, 561}, 96);
   const Placed large({1600, 1000}, 96);
   EXPECT_EQ(large.of(Id::Text1).height - small.of(Id::Text1).height, 1000 - 561);
-  EXPECT_EQ(large.of(Id::Text1).width - small.of(Id::Text1).width, 1600 - 784);
+  EXPECT_EQ(large.of(Id::Text1).width - small.of(Id::Text1).width, 1600 - 1200);
   for (const Id id : {Id::CmdRead, Id::TxtNoSecs, Id::CmdWrite, Id::Option8}) {
     EXPECT_EQ(large.of(id).y, small.of(id).y);
     EXPECT_EQ(large.of(id).height, small.of(id).height);
@@ -123,11 +133,12 @@ TEST(Layout, CommandsThatWriteStandApart) {
 
 TEST(Layout, TabOrderReadsEachGroupFromTopToBottom) {
   const Placed window({1000, 760}, 96);
-  const std::vector<std::vector<Id>> groups = {{Id::TxtStartLBA, Id::TxtNoSecs, Id::TxtCurrent},
+  const std::vector<std::vector<Id>> groups = {{Id::TxtStartLBA, Id::TxtNoSecs, Id::TxtCurrent, Id::PicProgress},
                                                {Id::CmdRead, Id::CmdRndRD, Id::CmdFind, Id::CmdRnd},
                                                {Id::CmdSlowRate, Id::cmdCancel, Id::CmdHelp, Id::CmdExit},
                                                {Id::CmdDisplay, Id::cmdWriteBuffer},
                                                {Id::TxtPattern, Id::CmdWrite},
+                                               {Id::OptGraph, Id::PicPanel, Id::TxtStatus},
                                                {Id::Option1, Id::TxtStartLBA, Id::Frame1, Id::TxtStatus, Id::Text1}};
   for (const auto& group : groups) {
     for (std::size_t i = 1; i < group.size(); ++i) {
@@ -138,10 +149,26 @@ TEST(Layout, TabOrderReadsEachGroupFromTopToBottom) {
 }
 
 TEST(Layout, AScalingTooLargeForTheScreenGivesWay) {
-  EXPECT_EQ(platform::fitting_dpi({760, 480}, kLeastSize, 192), 96);
-  EXPECT_EQ(platform::fitting_dpi({1520, 960}, kLeastSize, 192), 192);
-  EXPECT_EQ(platform::fitting_dpi({1520, 720}, kLeastSize, 192), 144);
-  EXPECT_EQ(platform::fitting_dpi({0, 0}, kLeastSize, 192), 1);
+  const auto fitting = [](Size client, int dpi) { return platform::fitting_dpi(client, kLeastSize, kWholeSize, dpi); };
+  EXPECT_EQ(fitting({760, 480}, 192), 96);
+  EXPECT_EQ(fitting({1520, 1360}, 192), 192);
+  EXPECT_EQ(fitting({1520, 1020}, 192), 144);  // for the panel
+  EXPECT_EQ(fitting({1520, 600}, 192), 120);   // no room for it at 100 % either
+  EXPECT_EQ(fitting({0, 0}, 192), 1);
+}
+
+TEST(Layout, ThePanelTakesTheFreeRoomAndLeavesTheTextItsOwn) {
+  const Placed wide({1264, 861}, 96);
+  EXPECT_GE(wide.of(Id::PicPanel).x, wide.of(Id::CmdExit).x + wide.of(Id::CmdExit).width);
+  EXPECT_EQ(wide.of(Id::PicPanel).y + wide.of(Id::PicPanel).height, wide.of(Id::Frame1).y + wide.of(Id::Frame1).height);
+  EXPECT_GE(wide.of(Id::PicPanel).width, 440);
+  for (const Placed& window : many_windows()) {
+    if (!shows_panel(window)) continue;
+    const bool beside = window.of(Id::PicPanel).y < window.of(Id::Frame1).y;
+    EXPECT_TRUE(beside || window.of(Id::Text1).height >= window.of(Id::PicPanel).height) << window.client.width;
+  }
+  EXPECT_TRUE(shows_panel(Placed({1008, 729}, 96)) && shows_panel(Placed({1264, 861}, 192)));
+  EXPECT_FALSE(shows_panel(Placed({784, 521}, 96)));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "app/panel.h"
 #include "app/program.h"
 #include "buffer/edit.h"
 #include "disk/counters.h"
@@ -40,6 +41,7 @@ void forget_program() {
   counters = {};
   progress = {};
   measure = {};
+  panel = {};
   frame = {};
   event_log = {};
   csv_rows = {};

@@ -57,11 +57,13 @@ TEST(Resizing, GivesTheTextTheRoomAndCoversNothing) {
   const Program program("/VDISK:0=DEMO");
   HWND const frame = program.button("  Sector Edit Functions ");
   LONG height = 0;
-  for (const int more : {0, 60, 130}) {
-    ::SetWindowPos(program.window(), nullptr, 5, 5, 800 + 2 * more, 600 + more, SWP_NOZORDER);
+  // Without the panel, with it below the commands, and beside them.
+  for (const SIZE size : {SIZE{800, 600}, {1000, 760}, {1240, 640}, {1270, 800}}) {
+    ::SetWindowPos(program.window(), nullptr, 5, 5, size.cx, size.cy, SWP_NOZORDER);
     program.answer_time();
+    EXPECT_EQ(program.find("SectorixPicture", "Rate graph") != nullptr, size.cx > 800);
     const RECT text = place_of(program.edit(kText));
-    if (more != 0) EXPECT_GT(text.bottom - text.top, height);
+    if (size.cx == 1270) EXPECT_GT(text.bottom - text.top, height);
     height = text.bottom - text.top;
     const auto all = program.children();
     for (std::size_t i = 0; i < all.size(); ++i) {

@@ -126,13 +126,14 @@ void draw_text(Canvas* canvas, const Rect& place, std::string_view text, Align a
   ::SetBkMode(canvas->device, TRANSPARENT);
   ::SetTextColor(canvas->device, code_of(color));
   ::DrawTextA(canvas->device, text.data(), static_cast<int>(text.size()), &area,
-              side | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
+              side | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_NOCLIP);
 }
 
 Size text_size(const Canvas& canvas, std::string_view text) {
-  SIZE size{};
-  ::GetTextExtentPoint32A(canvas.device, text.data(), static_cast<int>(text.size()), &size);
-  return {size.cx, size.cy};
+  RECT area{};
+  ::DrawTextA(canvas.device, text.data(), static_cast<int>(text.size()), &area,
+              DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
+  return {static_cast<int>(area.right), static_cast<int>(area.bottom)};
 }
 
 }  // namespace platform

@@ -34,7 +34,6 @@ void paint_buffered(HWND window, HDC screen) {
   HBITMAP const bitmap = ::CreateCompatibleBitmap(screen, area.right, area.bottom);
   HGDIOBJ const bitmap_before = ::SelectObject(device, bitmap);
   HGDIOBJ const font_before = ::SelectObject(device, main_window.gui_font);
-  shown_of(window)->revision = picture->revision();
   platform::Canvas canvas{device, {area.right, area.bottom}, main_window.dpi};
   picture->paint(&canvas);
   ::BitBlt(screen, 0, 0, area.right, area.bottom, device, 0, 0, SRCCOPY);

@@ -1,0 +1,187 @@
+#include "app/panel.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include "app/handlers.h"
+#include "app/progress_bar.h"
+#include "form/form1.h"
+#include "measure/measure.h"
+#include "platform/headless/canvas.h"
+#include "tests/support/rig.h"
+
+namespace {
+
+using headless::Drawn;
+using platform::Canvas;
+using platform::Mark;
+using platform::Point;
+using ::testing::Contains;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+// The practice disk's places.
+constexpr double kSectors = 2097152.0;
+constexpr double kUnreadable = 624000.0;
+constexpr double kSlow = 1249248.0;
+
+class PanelPicture : public Rig {
+ protected:
+  void read_practice_disk() {
+    open("/VDISK:0=DEMO");
+    click(CmdRead_Click);
+  }
+
+  static Canvas painted(platform::Size size = {464, 216}, int dpi = 96, platform::SystemColors colors = {}) {
+    Canvas canvas{size, dpi, colors, {}};
+    kPanelPicture.paint(&canvas);
+    return canvas;
+  }
+
+  /// Where the marks of a kind stand in the range, 0 to 1. The legend's are not in the plot.
+  static std::vector<double> marks(const Canvas& canvas, Mark mark) {
+    std::vector<double> places;
+    for (const Drawn& drawn : canvas.drawn) {
+      if (drawn.what != Drawn::What::mark || drawn.mark != mark || !contains(panel.plot, drawn.points[0])) continue;
+      places.push_back(static_cast<double>(drawn.points[0].x - panel.plot.x) / panel.plot.width);
+    }
+    return places;
+  }
+
+  static std::vector<std::string> texts(const Canvas& canvas) {
+    std::vector<std::string> all;
+    for (const Drawn& drawn : canvas.drawn) {
+      if (drawn.what == Drawn::What::text) all.push_back(drawn.text);
+    }
+    return all;
+  }
+
+  static Point in_plot(double share) {
+    return {panel.plot.x + static_cast<int>(share * panel.plot.width), panel.plot.y + 5};
+  }
+};
+
+TEST_F(PanelPicture, IsACalmHintBeforeARun) {
+  open("/VDISK:0=DEMO");
+  EXPECT_THAT(texts(painted()), ::testing::ElementsAre("The rates of a run appear here."));
+  kPanelPicture.on_double_click({200, 100});
+  EXPECT_EQ(form1.TxtStartLBA.text(), "0");
+  EXPECT_FALSE(form1.RangeEdited);
+}
+
+TEST_F(PanelPicture, MarksStandWhereTheDiskIsSlowAndUnreadable) {
+  read_practice_disk();
+  for (const int scale : {1, 2}) {
+    const Canvas canvas = painted({464 * scale, 216 * scale}, 96 * scale);
+    // A transfer of 20480 sectors is a hundredth of the disk.
+    EXPECT_THAT(marks(canvas, Mark::triangle), ::testing::ElementsAre(::testing::DoubleNear(kSlow / kSectors, 0.01)));
+    EXPECT_THAT(marks(canvas, Mark::cross),
+                ::testing::ElementsAre(::testing::DoubleNear(kUnreadable / kSectors, 0.01)));
+    EXPECT_THAT(texts(canvas), ::testing::IsSupersetOf({"MB/s", "slow: 2", "errors: 1", "0.2 GB", "100"}));
+  }
+}
+
+TEST_F(PanelPicture, TheLineFallsWithTheDiskAndDipsAtItsSlowZone) {
+  read_practice_disk();
+  const Canvas canvas = painted();
+  std::vector<Point> line;
+  for (const Drawn& drawn : canvas.drawn) {
+    if (drawn.what == Drawn::What::polyline && drawn.points.size() > 10)
+      line.insert(line.end(), drawn.points.begin(), drawn.points.end());
+  }
+  ASSERT_FALSE(line.empty());
+  EXPECT_LT(line.front().y, line.back().y);
+  const auto lowest = std::max_element(line.begin(), line.end(), [](Point a, Point b) { return a.y < b.y; });
+  EXPECT_NEAR(static_cast<double>(lowest->x - panel.plot.x) / panel.plot.width, kSlow / kSectors, 0.015);
+}
+
+TEST_F(PanelPicture, RandomTestsArePoints) {
+  open("/VDISK:0=DEMO");
+  begin({.kind = RunKind::random_read, .sectors = 1000, .work = 2});
+  record({.lba = 100, .sectors = 256, .start = 1.0, .end = 1.1});
+  record({.lba = 900, .sectors = 256, .start = 2.0, .end = 2.1});
+  EXPECT_THAT(marks(painted(), Mark::dot),
+              ::testing::ElementsAre(::testing::DoubleNear(0.1, 0.01), ::testing::DoubleNear(0.9, 0.01)));
+}
+
+TEST_F(PanelPicture, HoveringTellsAndADoubleClickTakesTheStart) {
+  read_practice_disk();
+  painted();
+  const Point slow = in_plot(kSlow / kSectors);
+  const std::uint64_t before = kPanelPicture.revision();
+  kPanelPicture.on_hover(&slow);
+  EXPECT_NE(kPanelPicture.revision(), before);
+  EXPECT_THAT(texts(painted()), Contains(StartsWith("LBA 124")));
+  EXPECT_THAT(kPanelPicture.description(), ::testing::AllOf(HasSubstr(" MB/s ("), HasSubstr(" ms")));
+  kPanelPicture.on_double_click(slow);
+  EXPECT_NEAR(std::stod(form1.TxtStartLBA.text()), kSlow, 6000.0);
+  EXPECT_TRUE(form1.RangeEdited);
+}
+
+TEST_F(PanelPicture, ARunningCommandKeepsItsStart) {
+  read_practice_disk();
+  painted();
+  form1.CommandRunning = true;
+  kPanelPicture.on_double_click(in_plot(0.5));
+  EXPECT_EQ(form1.TxtStartLBA.text(), "0");
+}
+
+TEST_F(PanelPicture, TheBlockMapShowsTheWorstOfEachCell) {
+  read_practice_disk();
+  OptMap_Click();
+  EXPECT_TRUE(panel.map_tab.on() && !panel.graph_tab.on());
+  const Canvas canvas = painted();
+  EXPECT_THAT(texts(canvas), ::testing::IsSupersetOf({"error: 1", "< 50 ms: 2", "< 3 ms: 100"}));
+  const auto color_at = [&](double lba) {
+    const auto cell = static_cast<std::int64_t>(lba / kSectors * static_cast<double>(panel.grid.cells));
+    const platform::Rect place = place_of_cell(panel.grid, cell);
+    const auto drawn = std::find_if(canvas.drawn.begin(), canvas.drawn.end(), [&](const Drawn& one) {
+      return one.what == Drawn::What::fill && one.place.x == place.x && one.place.y == place.y;
+    });
+    EXPECT_EQ(cell_at(panel.grid, {place.x, place.y}), cell);
+    return drawn->pen.color;
+  };
+  EXPECT_EQ(color_at(kUnreadable), (platform::Color{0, 0, 0}));
+  EXPECT_NE(color_at(kSlow), color_at(0.0));
+  EXPECT_EQ(color_at(0.0), color_at(kSectors - 1.0));
+}
+
+TEST_F(PanelPicture, EverythingStaysOnTheCanvasAndInHighContrastInSystemColours) {
+  read_practice_disk();
+  const platform::Color green{0, 255, 0};
+  for (const platform::Size size : {platform::Size{464, 216}, {732, 80}, {1800, 216}}) {
+    for (const auto click_view : {OptGraph_Click, OptMap_Click}) {
+      click_view();
+      const Canvas canvas = painted(size, 96, {{0, 0, 0}, green, {0, 0, 0}, green, true});
+      for (const Drawn& drawn : canvas.drawn) {
+        EXPECT_TRUE(drawn.pen.color.red == 0 && drawn.pen.color.blue == 0);
+        for (const Point point : drawn.points) EXPECT_TRUE(point.x >= 0 && point.x <= size.width) << point.x;
+      }
+    }
+  }
+}
+
+TEST_F(PanelPicture, ProgressSaysPhaseShareAndTimeLeft) {
+  open("/VDISK:0=DEMO");
+  EXPECT_EQ(progress_words().what, "");
+  form1.CommandRunning = true;
+  begin({.kind = RunKind::write, .sectors = 1000});
+  record({.wrote = true, .sectors = 250, .start = 1.0, .end = 31.0});
+  EXPECT_EQ(progress_words().what, "writing 25%");
+  EXPECT_EQ(progress_words().left, "1:30 left");
+  EXPECT_DOUBLE_EQ(progress_share().done, 0.25);
+  form1.CommandRunning = false;
+  EXPECT_EQ(progress_words().what, "stopped at 25%");
+}
+
+TEST_F(PanelPicture, TheBarIsAsLongAsTheShareDone) {
+  form1.CommandRunning = true;
+  begin({.kind = RunKind::read, .sectors = 1000});
+  record({.sectors = 500, .start = 1.0, .end = 2.0});
+  Canvas canvas{{202, 34}, 96, {}, {}};
+  kProgressPicture.paint(&canvas);
+  EXPECT_EQ(canvas.drawn.back().place.width, 100);
+}
+
+}  // namespace

@@ -1,0 +1,88 @@
+#include <gtest/gtest.h>
+
+#include "tests/window/program.h"
+
+namespace {
+
+constexpr const char* kPractice = "/VDISK:0=DEMO";
+constexpr const char* kPicture = "SectorixPicture";
+
+HWND picture(const Program& program, const std::string& begin) {
+  for (HWND child : program.children()) {
+    if (class_of(child) == kPicture && text_of(child).rfind(begin, 0) == 0) return child;
+  }
+  return nullptr;
+}
+
+bool shows(const Program& program, const std::string& begin) {
+  return wait_until([&] { return picture(program, begin) != nullptr; });
+}
+
+/// The middle of a picture, as a mouse message has it.
+LPARAM middle(HWND window) {
+  const RECT place = place_of(window);
+  return MAKELPARAM((place.right - place.left) / 2, (place.bottom - place.top) / 2);
+}
+
+void read_some(const Program& program) {
+  set_text(program.edit(kCount), "60000");
+  program.press("Sequential READ");
+  ASSERT_TRUE(shows(program, "Progress: finished"));
+  ASSERT_TRUE(wait_until([&] { return enabled(program.button("Sequential READ")); }));
+}
+
+TEST(Panel, TheMouseAndTheKeyboardSwitchTheView) {
+  const Program program(kPractice);
+  ASSERT_TRUE(shows(program, "Rate graph"));
+  EXPECT_TRUE(checked(program.button("Rate graph")) && !checked(program.button("Block map")));
+  program.press("Block map");
+  EXPECT_TRUE(shows(program, "Block map"));
+  program.set_focus(program.button("Block map"));
+  program.key(VK_LEFT);
+  EXPECT_TRUE(shows(program, "Rate graph"));
+  EXPECT_TRUE(checked(program.button("Rate graph")) && !checked(program.button("Block map")));
+  program.access_key('o');
+  EXPECT_TRUE(shows(program, "Block map"));
+  EXPECT_TRUE(checked(program.button("Drive 0")));
+}
+
+TEST(Panel, ADoubleClickTakesTheStart) {
+  const Program program(kPractice);
+  ASSERT_TRUE(shows(program, "Rate graph"));
+  HWND const graph = picture(program, "Rate graph");
+  ::PostMessageA(graph, WM_LBUTTONDBLCLK, MK_LBUTTON, middle(graph));  // nothing to take yet
+  read_some(program);
+  EXPECT_EQ(text_of(program.edit(kStart)), "0");
+  ::PostMessageA(graph, WM_LBUTTONDBLCLK, MK_LBUTTON, middle(graph));
+  EXPECT_TRUE(wait_until([&] { return text_of(program.edit(kStart)) != "0"; }));
+  EXPECT_NEAR(std::stod(text_of(program.edit(kStart))), 30000.0, 3000.0);
+}
+
+TEST(Panel, HoveringTellsWhatIsThere) {
+  const Program program(kPractice);
+  read_some(program);
+  for (const char* view : {"Rate graph", "Block map"}) {
+    program.press(view);
+    ASSERT_TRUE(shows(program, view));
+    HWND const graph = picture(program, view);
+    ::PostMessageA(graph, WM_MOUSEMOVE, 0, middle(graph));
+    ASSERT_TRUE(wait_until([&] { return text_of(graph).find(" ms") != std::string::npos; })) << text_of(graph);
+    EXPECT_EQ(text_of(graph).rfind(std::string(view) + ", LBA ", 0), 0U);
+    EXPECT_NE(text_of(graph).find(" MB/s ("), std::string::npos);
+  }
+}
+
+TEST(Panel, ProgressRunsWithTheCommand) {
+  write_file("slow.vd", "sectors 4000000\nrate 60\n");
+  const Program program("/VDISK:0=slow.vd");
+  EXPECT_TRUE(shows(program, "Progress"));
+  program.press("Sequential READ");
+  EXPECT_TRUE(wait_until([&] {
+    HWND const bar = picture(program, "Progress: reading ");
+    return bar != nullptr && text_of(bar).find(" left") != std::string::npos;
+  }));
+  program.press("Cancel");
+  EXPECT_TRUE(shows(program, "Progress: stopped at "));
+}
+
+}  // namespace
