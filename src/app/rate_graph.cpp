@@ -142,7 +142,8 @@ void draw_slow_limit(const Drawing& drawing) {
 /// Slow transfers stand at their rate, errors, which have none, at the upper edge.
 void draw_marks(const Drawing& drawing) {
   const int size = drawing.px(kMark);
-  for (const GraphMark& mark : graph_marks(drawing.measured.map, drawing.plot.width, 2 * size)) {
+  const std::int64_t widest = std::int64_t{2} * size;
+  for (const GraphMark& mark : graph_marks(drawing.measured.map, drawing.plot.width, widest)) {
     const int x = drawing.plot.x + static_cast<int>(mark.pixel);
     const int y =
         mark.error ? drawing.plot.y + size : std::min(drawing.y_at(mark.lowest_rate), drawing.bottom() - size);
