@@ -18,6 +18,7 @@
 #include "ops/totals.h"
 #include "ops/visit.h"
 #include "platform/clock.h"
+#include "platform/window.h"
 #include "smart/identification.h"
 
 namespace {
@@ -123,6 +124,7 @@ void OffTrack_Write_Test() {
                              "MB not tested\r\n";
   form1.Text1.set_text(header);
   PrintReport(header);
+  platform::show_now();
   counters.OpStartTime = platform::seconds_since_midnight();
   make_passes(passes);
   if (form1.Exit_Requested) return;

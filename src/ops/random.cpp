@@ -21,6 +21,7 @@
 #include "ops/totals.h"
 #include "ops/visit.h"
 #include "platform/clock.h"
+#include "platform/window.h"
 #include "smart/identification.h"
 
 RandomTest random_test;
@@ -65,6 +66,7 @@ void begin_measure(RunKind kind, std::int64_t transfers) {
 
 /// Makes the passes, each followed by its count and the test for a cancel.
 void make_visits(void (*visit)()) {
+  platform::show_now();
   counters.OpStartTime = platform::seconds_since_midnight();
   for (std::int32_t pass = 0; pass < random_test.passes; ++pass) {
     visit();

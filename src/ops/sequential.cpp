@@ -17,6 +17,7 @@
 #include "ops/range.h"
 #include "ops/totals.h"
 #include "platform/clock.h"
+#include "platform/window.h"
 
 namespace {
 
@@ -30,6 +31,7 @@ void announce(const std::string& doing) {
 /// Transfers the whole range: first the whole chunks, then what is left of it.
 void transfer_range(bool (*transfer)(std::int64_t*, std::int64_t, std::int64_t, Events), std::int64_t lba,
                     std::int64_t chunk) {
+  platform::show_now();
   counters.OpStartTime = platform::seconds_since_midnight();
   transfer(&lba, counters.No_Secs, chunk, Events::run);
   const std::int64_t left = counters.No_Secs - counters.Sectors_Done;

@@ -72,6 +72,10 @@ void run_window();
 /// most every 10 ms, since asking costs.
 void DoEvents();
 
+/// Shows everything as it stands, so that a stretch of work whose time is taken does not begin with that. Handles no
+/// events.
+void show_now();
+
 /// A command begins: fellow commands are disabled, texts become read-only, the focus goes to Cancel. The machine does
 /// not go to sleep until it ends.
 void begin_command();

@@ -68,6 +68,8 @@ void DoEvents() {
   }
 }
 
+void show_now() {}
+
 void begin_command() {
   ++desktop.commands_begun;
 }
