@@ -50,7 +50,7 @@ void begin_progress_line() {
   if (!wanted()) return;
   line = {};
   line.on_terminal = platform::err_is_terminal();
-  line.due = platform::coarse_milliseconds() + (line.on_terminal ? 0 : kPlainPause);
+  line.due = platform::coarse_milliseconds() + (line.on_terminal ? kTerminalPause : kPlainPause);
 }
 
 void show_progress_line() {

@@ -119,6 +119,44 @@ TEST_F(Program, TheCancelButtonLeavesTheWindowOpen) {
   EXPECT_THAT(form1.Text1.text(), HasSubstr("Finished!"));
 }
 
+TEST_F(Program, WhatIsPressedWhileTheWindowComesUpNeverChangesARun) {
+  headless::desktop.has_display = true;
+  const std::string disks = disk_switch(0, "sectors 1000\nserial S\n") + disk_switch(1, "sectors 2000\nserial S\n");
+  const auto press_at_first_pump = [](void (*handler)()) {
+    headless::desktop.pumps = 0;
+    headless::desktop.at_pump = [handler](int pump) {
+      if (pump == 1) handler();
+    };
+  };
+  press_at_first_pump(Option2_Click);
+  EXPECT_EQ(start(disks + "/D:0 /OP:WRITE /SERIAL:S"), 3U) << "another drive";
+  press_at_first_pump(headless::press_control_c);
+  EXPECT_EQ(start(disks + "/D:0 /OP:WRITE /SERIAL:S"), 3U);
+  EXPECT_THAT(out(), Not(HasSubstr("Writing ")));
+  press_at_first_pump(CmdWrite_Click);
+  headless::desktop.out.clear();
+  EXPECT_EQ(start(disks + "/D:0 /OP:READ /START:5 /COUNT:3"), 0U);
+  EXPECT_THAT(out(), Not(HasSubstr("Writing ")));
+  press_at_first_pump(TxtNoSecs_Click);
+  EXPECT_EQ(start(disks + "/D:0 /OP:READ"), 0U);
+  EXPECT_THAT(out(), HasSubstr("Reading 1000 sectors"));
+}
+
+TEST_F(Program, ADriveButtonEndsARunAsCancelled) {
+  headless::desktop.at_pump = [](int pump) {
+    if (pump == 3) Option2_Click();
+  };
+  EXPECT_EQ(start(disk_switch(0, "sectors 100000\n") + disk_switch(1, "sectors 5\n") + "/D:0 /OP:READ"), 3U);
+  EXPECT_THAT(out(), Not(HasSubstr("Check_drv 1")));
+}
+
+TEST_F(Program, LostOutputIsTold) {
+  headless::desktop.out_fails = 112;
+  EXPECT_EQ(start(disk_switch(0, "sectors 10\n") + "/D:0 /OP:READ"), 0U);
+  EXPECT_EQ(count_of(err(), "The report cannot be written: error 112."), 1);
+  EXPECT_EQ(count_of(err(), "The variables cannot be written to \"-\": error 112."), 3);
+}
+
 TEST_F(Program, MistakesAreOneLineAndOpenNoDisk) {
   const std::string disk = disk_switch(0, "sectors 10\n");
   for (const std::string line : {"/OP:READ",

@@ -141,6 +141,29 @@ TEST_F(RandomTests, WhatCannotBeWrittenBackIsSavedAndNamedLast) {
   EXPECT_THAT(read_file(name.substr(0, name.size() - 1)), StartsWith(lba + " "));
 }
 
+TEST_F(RandomTests, TheNextPlacesDoNotDependOnWhatCouldBeRead) {
+  const auto last_place = [&](const std::string& faults) {
+    random_numbers = {};
+    open_on("sectors 4096\n" + faults);
+    press(CmdRnd_Click, {"3", "8"});
+    return disk.Buf_LBA;
+  };
+  EXPECT_EQ(last_place(""), last_place("fail read 0 4096\n"));
+}
+
+TEST_F(RandomTests, AFlushThatFailsBehindTheWriteBackIsALostPlace) {
+  open_on("sectors 4096\nserial F\n");
+  headless::desktop.at_pump = [](int) {
+    // Seek, read; seek, lock, write, flush, unlock; seek, read; seek, lock, write, flush.
+    headless::desktop.calls_made = 0;
+    headless::desktop.fail_first = headless::desktop.fail_last = 13;
+  };
+  headless::desktop.current_volume = path("");
+  press(CmdRnd_Click, {"1", "8"});
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("Former contents of 8 sectors at LBA "));
+  EXPECT_EQ(counters.TotalErrors, 0);
+}
+
 TEST_F(RandomTests, NoRescueFileGoesToTheDiskUnderTest) {
   headless::desktop.current_volume = "x:";
   open_on("sectors 4096\nfail write 0 4096\nvolume X:\n");

@@ -118,9 +118,40 @@ TEST_F(SequentialRead, ASecondCommandDoesNotStartInsideTheFirst) {
   EXPECT_EQ(count_of(form1.Text1.text(), "Finished!"), 1);
 }
 
+TEST_F(SequentialRead, ACommandBehindADriveButtonWaitsForTheSelection) {
+  attach(3, "sectors 777\n");
+  open_on("sectors 100\n");
+  headless::desktop.pumps = 0;
+  headless::desktop.at_pump = [](int pump) {
+    if (pump == 1) CmdWrite_Click();
+  };
+  click(Option4_Click);
+  EXPECT_TRUE(headless::desktop.boxes.empty()) << "it would have asked about drive 0";
+  EXPECT_EQ(form1.SelectedDrive, 3);
+}
+
+TEST_F(SequentialRead, WhatTheUserTypedOutranksTheCommandLinesRange) {
+  open("/START:7 /COUNT:3 /VDISK:0=" + write_file("d.vd", "sectors 1000\n"));
+  form1.TxtStartLBA.set_typed("100");
+  form1.TxtNoSecs.set_typed("5");
+  range_typed();
+  click(CmdRead_Click);
+  EXPECT_THAT(form1.Text1.text(), StartsWith("Reading 5 sectors starting at LBA 100"));
+}
+
+TEST_F(SequentialRead, WhatWasNotReadIsNotShown) {
+  open_on("sectors 100\nfail read 0 1\n");
+  range("0", "2");
+  click(CmdRead_Click);
+  click(display_click);
+  EXPECT_EQ(count_of(form1.Text1.text(), "[Sector "), 0);
+  EXPECT_EQ(count_of(form1.Text1.text(), "Type: 0 "), 4) << "no bytes of anything else";
+}
+
 TEST_F(SequentialRead, AMissingDriveIsToldAndCountsItsFailures) {
   open("");
   range("0", "10");
+  click(Option4_Click);
   click(CmdRead_Click);
   EXPECT_THAT(lines_with(form1.Text1.text(), "ERROR:"), ElementsAre("ERROR: 6 - Invalid Handle"));
   EXPECT_EQ(output.ExitCode, 2) << "1 for the drive, 1 for the transfer";
