@@ -24,7 +24,10 @@ void add_point(const Transfer& transfer, float rate, RateMap* map) {
   // A linear congruential step, so that a run gives the same picture twice; Knuth's MMIX constants.
   map->sampler = map->sampler * 6364136223846793005U + 1442695040888963407U;
   const auto seen = static_cast<std::uint64_t>(++map->points_seen);
-  const std::uint64_t place = seen <= RateMap::kPoints ? seen - 1 : (map->sampler >> 20) % seen;
+  // The generator's upper bits as a fraction of 1: a division would cost more than all the rest.
+  const double chance = static_cast<double>(map->sampler >> 32) * 0x1p-32;
+  const std::uint64_t place =
+      seen <= RateMap::kPoints ? seen - 1 : static_cast<std::uint64_t>(chance * static_cast<double>(seen));
   if (place >= RateMap::kPoints) return;
   map->point.at(place) = {transfer.lba, rate, static_cast<float>(transfer.seconds), transfer.slow, transfer.error != 0};
 }
@@ -67,8 +70,7 @@ void add_rate(const Transfer& transfer, LatencyClass which, RateMap* map) {
   const std::int64_t from = transfer.lba - map->first_lba;
   if (from >= map->sectors) return;
   const std::int64_t end = from + std::min(transfer.sectors, map->sectors - from);
-  const std::int64_t last = (end - 1) / map->column_sectors;
-  for (std::int64_t i = from / map->column_sectors; i <= last; ++i) {
+  for (std::int64_t i = from / map->column_sectors; i * map->column_sectors < end; ++i) {
     const std::int64_t begin = i * map->column_sectors;
     const std::int64_t within = std::min(end - begin, map->column_sectors) - std::max<std::int64_t>(from - begin, 0);
     add_to_column(transfer, which, rate, within, &map->column.at(static_cast<std::size_t>(i)));
