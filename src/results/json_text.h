@@ -8,7 +8,7 @@
 /// given in objects and left empty in arrays.
 class JsonText {
  public:
-  JsonText() { text_ = "{"; }
+  JsonText() : text_("{") {}
 
   void open_object(std::string_view name = {}) { open(name, '{'); }
   void open_array(std::string_view name) { open(name, '['); }

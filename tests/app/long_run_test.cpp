@@ -1,0 +1,55 @@
+// Runs past the sizes and times that programs forget about.
+
+#include <gmock/gmock.h>
+
+#include "app/handlers.h"
+#include "disk/counters.h"
+#include "form/form1.h"
+#include "tests/support/rig.h"
+
+namespace {
+
+using ::testing::HasSubstr;
+
+class LongRun : public Rig {
+ protected:
+  std::uint32_t run_on(const std::string& disk_file, const std::string& switches) {
+    return start("/VDISK:0=" + write_file("d.vd", disk_file) + " /D:0 " + switches);
+  }
+};
+
+TEST_F(LongRun, TwentyTerabytesAreAddressedToTheLastSector) {
+  const std::string disk = "sectors 39062500000\nfail read 39062499990 1\n";
+  EXPECT_EQ(run_on(disk, "/OP:READ /START:39062479000"), 1U);
+  EXPECT_THAT(out(), HasSubstr("Reading 21000 sectors starting at LBA 39062479000 on drive 0"));
+  EXPECT_THAT(out(), HasSubstr("Error Reading Sector 39062499480 for 520 sectors."));
+  EXPECT_EQ(run_on(disk, "/OP:RANDOMWRITE /PASSES:50 /COUNT:8"), 0U);
+  EXPECT_EQ(run_on(disk, "/OP:SEARCH /FIND:!H00 /START:39062490000"), 0U);
+  EXPECT_THAT(out(), HasSubstr("SET QV_D_FOUND_LBA=\r\n"));
+}
+
+TEST_F(LongRun, CountsPassThirtyTwoBits) {
+  open("/VDISK:0=" + write_file("d.vd", "sectors 39062500000\n"));
+  headless::desktop.keeps_calls = false;
+  headless::desktop.at_pump = [](int) {
+    if (counters.Sectors_Done == 20480) counters.Sectors_Done = 9'000'000'000;
+    if (counters.Sectors_Done > 9'000'500'000) form1.MyCancel = true;
+  };
+  click(CmdRead_Click);
+  EXPECT_THAT(form1.TxtStatus.text(), HasSubstr("9000512000 sectors in "));
+  EXPECT_THAT(form1.TxtStatus.text(), HasSubstr("(23%)"));
+}
+
+TEST_F(LongRun, ADriveThatVanishesMidwayIsCountedToTheEnd) {
+  EXPECT_EQ(run_on("sectors 204800\nvanish 4\n", "/OP:READ"), 6U);
+  EXPECT_EQ(count_of(out(), "ERROR: 1167 - The device is not connected.\r\n"), 6);
+  EXPECT_THAT(out(), HasSubstr("SET QV_D_TOTERR=6\r\n"));
+}
+
+TEST_F(LongRun, AFullDiskUnderTheReportIsToldAndTheRunGoesOn) {
+  EXPECT_EQ(run_on("sectors 1000\n", "/OP:READ /REPORT:/dev/full /VARS:" + path("vars")), 0U);
+  EXPECT_EQ(count_of(err(), "The report cannot be written: error 112. The run goes on."), 1);
+  EXPECT_THAT(read_file(path("vars")), HasSubstr("SET QV_D_TOTERR=0"));
+}
+
+}  // namespace
