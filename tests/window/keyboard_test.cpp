@@ -57,6 +57,17 @@ TEST(Keyboard, TheTextTakesEnterAndMoreThan32Kilobytes) {
   EXPECT_TRUE(end == "\r\ny" || end == "y\r\n") << end;  // the translated Enter may come behind the character
 }
 
+TEST(Keyboard, LettersWithoutAltStartNothing) {
+  const Program program(kPractice);
+  program.set_focus(program.button("Drive 0"));
+  const auto before = program.contents();
+  program.type("prx");
+  ::Sleep(300);
+  EXPECT_FALSE(program.box_is_open());
+  EXPECT_TRUE(program.running());
+  EXPECT_EQ(program.contents(), before);
+}
+
 TEST(Keyboard, AccessKeysPressTheirButtons) {
   const Program program(kPractice);
   program.set_focus(program.edit(kStart));

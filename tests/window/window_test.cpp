@@ -134,6 +134,20 @@ TEST(Read, CancelStopsItAndGivesTheButtonsBack) {
   EXPECT_LT(std::atoll(text_of(program.edit(kCurrent)).c_str()), 4000000);
 }
 
+TEST(Read, APressOnALockedButtonIsNotKeptForLater) {
+  write_file("slow_end.vd", "sectors 1000\nslow 0 1 1500\n");
+  const Program program("/VDISK:0=slow_end.vd");
+  program.press("Sequential READ");
+  ASSERT_TRUE(wait_until([&] { return !enabled(program.button("Sequential READ")); }));
+  HWND const write = program.button("Fill Buffer with Pattern and WRITE");
+  ::PostMessageA(write, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(4, 4));
+  ::PostMessageA(write, WM_LBUTTONUP, 0, MAKELPARAM(4, 4));
+  ASSERT_TRUE(wait_until([&] { return idle(program); }));
+  ::Sleep(300);
+  EXPECT_FALSE(program.box_is_open());
+  EXPECT_EQ(text_of(program.edit(kText)).find("Writing"), std::string::npos);
+}
+
 TEST(Read, TheWindowAnswersMeanwhile) {
   write_file("large.vd", "sectors 4000000000\n");
   const Program program("/VDISK:0=large.vd");
