@@ -39,11 +39,10 @@ std::string why_none(std::uint32_t code) {
 std::uint32_t write_and_close(kernel32::Handle file, std::span<const std::uint8_t> bytes) {
   std::uint32_t moved = 0;
   std::uint32_t code = 0;
-  if (!kernel32::WriteFile(file, bytes.data(), static_cast<std::uint32_t>(bytes.size()), &moved)) {
-    code = kernel32::GetLastError();
-  } else if (moved < bytes.size()) {
+  const bool written = kernel32::WriteFile(file, bytes.data(), static_cast<std::uint32_t>(bytes.size()), &moved);
+  if (written && moved < bytes.size()) {
     code = kDiskFull;
-  } else if (!kernel32::FlushFileBuffers(file)) {
+  } else if (!written || !kernel32::FlushFileBuffers(file)) {
     code = kernel32::GetLastError();
   }
   if (!kernel32::CloseHandle(file) && code == 0) code = kernel32::GetLastError();
