@@ -56,7 +56,8 @@ void stroke_dashes(HDC device, Point from, Point to, int width) {
     return Point{from.x + static_cast<int>(std::lround((to.x - from.x) * share)),
                  from.y + static_cast<int>(std::lround((to.y - from.y) * share))};
   };
-  for (double way = 0.0; way < length; way += 2.0 * dash) stroke(device, at(way), at(way + dash));
+  const auto dashes = static_cast<int>(std::ceil(length / (2.0 * dash)));
+  for (int i = 0; i < dashes; ++i) stroke(device, at(2.0 * dash * i), at(2.0 * dash * i + dash));
 }
 
 }  // namespace
