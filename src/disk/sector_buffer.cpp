@@ -1,5 +1,6 @@
 #include "disk/sector_buffer.h"
 
+#include <cstring>
 #include <new>
 
 namespace {
@@ -14,6 +15,9 @@ void SectorBuffer::resize(std::int64_t bytes) {
   if (bytes > capacity_) {
     memory_.reset();
     memory_.reset(static_cast<std::uint8_t*>(::operator new[](static_cast<std::size_t>(bytes), kPage)));
+    // The system gives memory when it is first touched: by the first transfer, whose rate would be several times too
+    // low.
+    std::memset(memory_.get(), 0, static_cast<std::size_t>(bytes));
     capacity_ = bytes;
   }
   size_ = bytes;
