@@ -10,11 +10,11 @@ namespace win32 {
 
 namespace {
 
-/// Null where there is none. COM is joined as the management service does it, whoever comes first.
+/// Null where there is none.
 ITaskbarList3* taskbar() {
   static const Com<ITaskbarList3> list = [] {
     Com<ITaskbarList3> made;
-    ::CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    if (!join_apartment()) return made;
     const HRESULT result =
         ::CoCreateInstance(CLSID_TaskbarList, nullptr, CLSCTX_INPROC_SERVER, IID_ITaskbarList3, made.out());
     if (FAILED(result) || !made || FAILED(made->HrInit())) return Com<ITaskbarList3>();
