@@ -44,14 +44,12 @@ void draw_sign(Canvas* canvas, const LegendEntry& entry, const Rect& place, cons
       return;
     case Sign::triangle:
     case Sign::cross:
-    case Sign::dot: {
-      const Mark mark = entry.sign == Sign::triangle ? Mark::triangle
-                        : entry.sign == Sign::cross  ? Mark::cross
-                                                     : Mark::dot;
-      const int size = entry.sign == Sign::dot ? platform::scaled(3, dpi) : platform::scaled(kMark, dpi);
-      draw_mark(canvas, mark, center, size, {entry.color, platform::scaled(2, dpi)});
+      draw_mark(canvas, entry.sign == Sign::triangle ? Mark::triangle : Mark::cross, center,
+                platform::scaled(kMark, dpi), {entry.color, platform::scaled(2, dpi)});
       return;
-    }
+    case Sign::dot:
+      draw_dots(canvas, {&center, 1}, platform::scaled(3, dpi), entry.color);
+      return;
   }
 }
 

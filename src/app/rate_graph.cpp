@@ -126,11 +126,13 @@ void draw_band_and_line(const Drawing& drawing) {
 
 void draw_points(const Drawing& drawing) {
   const RateMap& map = drawing.measured.map;
+  std::vector<Point> centers;
   for (const RatePoint& point : points(map)) {
     if (point.failed) continue;
     const int x = drawing.plot.x + static_cast<int>(x_of(map, point.lba, drawing.plot.width));
-    draw_mark(drawing.canvas, Mark::dot, {x, drawing.y_at(point.rate)}, drawing.px(2), {drawing.palette.average});
+    centers.push_back({x, drawing.y_at(point.rate)});
   }
+  draw_dots(drawing.canvas, centers, drawing.px(2), drawing.palette.average);
 }
 
 void draw_slow_limit(const Drawing& drawing) {

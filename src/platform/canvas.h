@@ -22,8 +22,8 @@ struct Pen {
   bool dashed = false;
 };
 
-/// Marks that differ in shape: a hollow triangle, a diagonal cross, a filled dot.
-enum class Mark : std::uint8_t { triangle, cross, dot };
+/// Marks that differ in shape: a hollow triangle, a diagonal cross.
+enum class Mark : std::uint8_t { triangle, cross };
 
 enum class Align : std::uint8_t { left, center, right };
 
@@ -55,6 +55,9 @@ void draw_polyline(Canvas* canvas, std::span<const Point> points, const Pen& pen
 
 /// A mark `size` pixels wide and high around `center`.
 void draw_mark(Canvas* canvas, Mark mark, Point center, int size, const Pen& pen);
+
+/// Filled dots `size` pixels wide and high around `centers`; thousands cost little.
+void draw_dots(Canvas* canvas, std::span<const Point> centers, int size, Color color);
 
 /// One line of text in the window's face, in the middle of the place's height. ASCII.
 void draw_text(Canvas* canvas, const Rect& place, std::string_view text, Align align, Color color);

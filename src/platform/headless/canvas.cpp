@@ -32,6 +32,10 @@ void draw_mark(Canvas* canvas, Mark mark, Point center, int size, const Pen& pen
   canvas->drawn.push_back({Drawn::What::mark, {0, 0, size, size}, {center}, pen, mark, {}});
 }
 
+void draw_dots(Canvas* canvas, std::span<const Point> centers, int size, Color color) {
+  canvas->drawn.push_back({Drawn::What::dots, {0, 0, size, size}, {centers.begin(), centers.end()}, {color}, {}, {}});
+}
+
 void draw_text(Canvas* canvas, const Rect& place, std::string_view text, Align /*align*/, Color color) {
   canvas->drawn.push_back({Drawn::What::text, place, {}, {color}, {}, std::string(text)});
 }

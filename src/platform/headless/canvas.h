@@ -7,13 +7,14 @@
 
 namespace headless {
 
-/// One call on the canvas. `points` are a line's or polyline's corners, a mark's centre.
+/// One call on the canvas. `points` are a line's or polyline's corners, the centres of a mark
+/// or of dots.
 struct Drawn {
-  enum class What { fill, line, polyline, mark, text } what = What::fill;
+  enum class What { fill, line, polyline, mark, dots, text } what = What::fill;
   platform::Rect place;
   std::vector<platform::Point> points;
   platform::Pen pen;
-  platform::Mark mark = platform::Mark::dot;
+  platform::Mark mark = platform::Mark::triangle;
   std::string text;
 };
 

@@ -108,9 +108,7 @@ void draw_mark(Canvas* canvas, Mark mark, Point center, int size, const Pen& pen
   const int right = left + size;
   const int bottom = top + size;
   const Selected selected(canvas->device, make_pen(pen));
-  if (mark == Mark::dot) {
-    fill(canvas, {left, top, size, size}, pen.color);
-  } else if (mark == Mark::cross) {
+  if (mark == Mark::cross) {
     stroke(canvas->device, {left, top}, {right, bottom});
     stroke(canvas->device, {left, bottom}, {right, top});
   } else {
@@ -119,6 +117,16 @@ void draw_mark(Canvas* canvas, Mark mark, Point center, int size, const Pen& pen
     ::Polygon(canvas->device, corners, 3);
     ::SelectObject(canvas->device, brush);
   }
+}
+
+void draw_dots(Canvas* canvas, std::span<const Point> centers, int size, Color color) {
+  HGDIOBJ const before = ::SelectObject(canvas->device, ::GetStockObject(DC_BRUSH));
+  ::SetDCBrushColor(canvas->device, code_of(color));
+  const int half = size / 2;
+  for (const Point& center : centers) {
+    ::PatBlt(canvas->device, center.x - half, center.y - half, size, size, PATCOPY);
+  }
+  ::SelectObject(canvas->device, before);
 }
 
 void draw_text(Canvas* canvas, const Rect& place, std::string_view text, Align align, Color color) {
