@@ -60,7 +60,12 @@ void report_write_failure(std::int64_t lba, std::int64_t sectors) {
   report_failure("Writing", lba, sectors);
 }
 
-bool transfer_once(const Direction& direction, std::int64_t lba, std::int64_t sectors) {
+constexpr Direction kReading{ReadAt, report_read_failure, "reading", false};
+constexpr Direction kWriting{WriteAt, report_write_failure, "writing", true};
+
+/// Made for each direction: a call through a pointer would be left at the price of a small transfer's bookkeeping.
+template <const Direction& direction>
+bool transfer_once(std::int64_t lba, std::int64_t sectors) {
   form1.TxtStatus.set_deferred<position_text>(PositionFacts{lba, sectors, direction.doing});
   form1.TxtCurrent.set_deferred<lba_text>(lba);
   progress.XferStart = platform::seconds_since_midnight();
@@ -78,8 +83,8 @@ bool transfer_once(const Direction& direction, std::int64_t lba, std::int64_t se
   return done;
 }
 
-bool transfer_all(const Direction& direction, std::int64_t* lba, std::int64_t total, std::int64_t per_transfer,
-                  Events events) {
+template <const Direction& direction>
+bool transfer_all(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer, Events events) {
   if (per_transfer <= 0) return true;
   bool all_done = true;
   const std::int64_t transfers = total / per_transfer;
@@ -89,15 +94,12 @@ bool transfer_all(const Direction& direction, std::int64_t* lba, std::int64_t to
       platform::DoEvents();
       if (form1.MyCancel) break;
     }
-    all_done = transfer_once(direction, *lba, per_transfer) && all_done;
+    all_done = transfer_once<direction>(*lba, per_transfer) && all_done;
     Display_Progress(per_transfer, *lba);
     *lba = lba_after(*lba, per_transfer);
   }
   return all_done;
 }
-
-constexpr Direction kReading{ReadAt, report_read_failure, "reading", false};
-constexpr Direction kWriting{WriteAt, report_write_failure, "writing", true};
 
 }  // namespace
 
@@ -107,13 +109,13 @@ std::int64_t lba_after(std::int64_t lba, std::int64_t sectors) {
 }
 
 bool read_once(std::int64_t lba, std::int64_t sectors) {
-  return transfer_once(kReading, lba, sectors);
+  return transfer_once<kReading>(lba, sectors);
 }
 
 bool Read_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer, Events events) {
-  return transfer_all(kReading, lba, total, per_transfer, events);
+  return transfer_all<kReading>(lba, total, per_transfer, events);
 }
 
 bool Write_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer, Events events) {
-  return transfer_all(kWriting, lba, total, per_transfer, events);
+  return transfer_all<kWriting>(lba, total, per_transfer, events);
 }

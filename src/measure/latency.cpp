@@ -54,8 +54,9 @@ const char* class_text(LatencyClass which) {
 LatencyClass class_of(const Transfer& transfer) {
   constexpr double kFullSize = 256.0;  // sectors
   if (transfer.error != 0) return LatencyClass::error;
-  const double scale = std::max(static_cast<double>(transfer.sectors) / kFullSize, 1.0);
-  const double milliseconds = transfer.seconds * 1000.0 / scale;
+  const auto sectors = static_cast<double>(transfer.sectors);
+  double milliseconds = transfer.seconds * 1000.0;
+  if (sectors > kFullSize) milliseconds *= kFullSize / sectors;
   std::size_t which = 0;
   while (which < kClassLimits.size() && milliseconds >= kClassLimits.at(which)) ++which;
   return static_cast<LatencyClass>(which);
