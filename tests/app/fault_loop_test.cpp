@@ -5,6 +5,7 @@
 
 #include <limits>
 
+#include "app/handlers.h"
 #include "disk/counters.h"
 #include "form/form1.h"
 #include "tests/support/rig.h"
@@ -16,6 +17,7 @@ struct Scenario {
   const char* name;
   const char* switches;
   bool writes;
+  void (*button)() = nullptr;  // pressed once the window is there
 };
 
 void PrintTo(const Scenario& scenario, std::ostream* to) {
@@ -34,7 +36,12 @@ class FaultLoop : public Rig, public ::testing::WithParamInterface<Scenario> {
     headless::desktop = {};
     headless::desktop.fail_first = first;
     headless::desktop.fail_last = last;
+    headless::desktop.has_display = GetParam().button != nullptr;
     const std::uint32_t code = start("/VDISK:0=" + path("d.vd") + " " + GetParam().switches);
+    if (GetParam().button != nullptr && code == 0) {
+      click(GetParam().button);
+      EXPECT_TRUE(click(CmdExit_Click)) << "call " << first << " to " << last;
+    }
     EXPECT_EQ(virtualdisk::open_handles(), 0) << "call " << first << " to " << last;
     virtualdisk::detach_all();
     EXPECT_EQ(headless::desktop.open_files, 0) << "call " << first << " to " << last;
@@ -76,8 +83,8 @@ INSTANTIATE_TEST_SUITE_P(Runs, FaultLoop,
                                            Scenario{"RandomRead", "/D:0 /OP:RANDOMREAD /PASSES:2 /COUNT:4", false},
                                            Scenario{"Search", "/D:0 /OP:SEARCH /FIND:t33", false},
                                            Scenario{"Show", "/D:0 /OP:SHOW", false},
-                                           Scenario{"Smart", "/D:0 /OP:SMART", false},
-                                           Scenario{"List", "/LIST", false}),
+                                           Scenario{"Smart", "/D:0 /OP:SMART", false}, Scenario{"List", "/LIST", false},
+                                           Scenario{"Window", "/D:0", false, CmdRead_Click}),
                          [](const auto& info) { return info.param.name; });
 
 }  // namespace

@@ -1,9 +1,15 @@
-// The promise of the non-destructive test: whatever happens to a run, the disk is afterwards what it was before.
+// The promise of the non-destructive tests: whatever happens to a run, the disk is afterwards what it was before.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <functional>
+#include <limits>
+#include <map>
 #include <set>
 
 #include "app/handlers.h"
@@ -12,40 +18,63 @@
 #include "form/form1.h"
 #include "form/output.h"
 #include "form/run.h"
+#include "measure/measure.h"
+#include "ops/off_track.h"
 #include "ops/visit.h"
 #include "tests/support/rig.h"
 #include "virtualdisk/virtualdisk.h"
 
 namespace {
 
-using ::testing::HasSubstr;
+struct WriteTest {
+  const char* name;
+  void (*button)();
+  std::vector<std::string> answers;  // behind the number of passes
+  std::int64_t disk_sectors;
+  std::int64_t sectors;      // of a visit
+  std::int64_t transferred;  // sectors a pass
+};
 
-class NothingLost : public Rig {
+void PrintTo(const WriteTest& test, std::ostream* to) {
+  *to << test.name;
+}
+
+/// The sectors that hold anything, by their LBA.
+using Contents = std::map<std::int64_t, std::string>;
+
+class NothingLost : public Rig, public ::testing::WithParamInterface<WriteTest> {
  protected:
   NothingLost() {
-    write_image("a.img", 4096);
-    image_ = read_file(path("a.img"));
+    std::ofstream(path("a.img")).close();
+    std::filesystem::resize_file(path("a.img"), static_cast<std::uintmax_t>(GetParam().disk_sectors) * 512);
+    fill_visited_places();
+    contents_ = contents();
   }
 
-  /// A run of `passes` visits of 8 sectors on the image.
-  void visit(int passes, const std::string& directives = "") {
+  /// A run of `passes` passes on the image.
+  void visit(int passes, const std::string& directives = "", void (*told)(const Transfer&) = nullptr) {
     open("/VDISK:0=" + write_file("d.vd", "image a.img\n" + directives));
-    headless::desktop.answers = {std::to_string(passes), "8"};
+    headless::desktop.answers = {std::to_string(passes)};
+    for (const std::string& answer : GetParam().answers) headless::desktop.answers.push_back(answer);
     headless::desktop.pumps = 0;
     headless::desktop.calls_made = 0;
-    click(CmdRnd_Click);
+    measure.on_transfer = told;
+    click(GetParam().button);
     virtualdisk::detach_all();
   }
 
-  bool image_is_whole() { return read_file(path("a.img")) == image_; }
+  bool image_is_whole() { return contents() == contents_; }
 
   /// Puts the places that the report's last lines name back as they were, and gives their number. What was saved of
   /// them must be what they held.
   int restore_lost_places() {
+    const std::string sectors = std::to_string(GetParam().sectors);
     std::set<std::int64_t> places;
-    for (const std::string& line : lines_with(form1.Text1.text(), "Former contents of 8 sectors at LBA ")) {
+    for (const std::string& line :
+         lines_with(form1.Text1.text(), "Former contents of " + sectors + " sectors at LBA ")) {
       const std::int64_t lba = std::stoll(line.substr(line.find("LBA ") + 4));
-      const std::string former = image_.substr(static_cast<std::size_t>(lba * 512), 8 * 512);
+      std::string former;
+      for (std::int64_t i = 0; i < GetParam().sectors; ++i) former += contents_.at(lba + i);
       const std::size_t named = line.find("in the file ");
       if (named != std::string::npos && places.count(lba) == 0) {
         const std::string file = line.substr(named + 12, line.size() - named - 13);
@@ -53,23 +82,68 @@ class NothingLost : public Rig {
         std::remove(file.c_str());
       }
       places.insert(lba);
-      std::fstream image(path("a.img"), std::ios::binary | std::ios::in | std::ios::out);
-      image.seekp(lba * 512).write(former.data(), std::ssize(former));
+      write_at(lba, former);
     }
     return static_cast<int>(places.size());
   }
 
-  std::string image_;
+ private:
+  void write_at(std::int64_t lba, const std::string& bytes) {
+    std::fstream image(path("a.img"), std::ios::binary | std::ios::in | std::ios::out);
+    image.seekp(lba * 512).write(bytes.data(), std::ssize(bytes));
+  }
+
+  /// Numbers the sectors that the runs of a test are going to write to, and those around them: every program draws the
+  /// same places.
+  void fill_visited_places() {
+    static std::set<std::int64_t> written;
+    written.clear();
+    visit(50, "", [](const Transfer& transfer) {
+      if (writes(transfer.phase)) written.insert(transfer.lba);
+    });
+    ASSERT_GT(written.size(), 40U);
+    constexpr std::int64_t kAround = 100;
+    for (const std::int64_t lba : written) {
+      const std::int64_t first = std::max<std::int64_t>(lba - kAround, 0);
+      const std::int64_t end = std::min(lba + GetParam().sectors + kAround, GetParam().disk_sectors);
+      std::string sectors;
+      for (std::int64_t i = first; i < end; ++i) {
+        std::string sector = "LBA " + std::to_string(i);
+        sector.resize(512, '.');
+        sectors += sector;
+      }
+      write_at(first, sectors);
+    }
+  }
+
+  /// Reads the parts of the sparse image that exist.
+  Contents contents() {
+    Contents found;
+    const int image = ::open(path("a.img").c_str(), O_RDONLY);
+    const std::string zeros(512, '\0');
+    std::string sector(512, '\0');
+    for (off_t at = 0; (at = ::lseek(image, at, SEEK_DATA)) >= 0;) {
+      const off_t hole = ::lseek(image, at, SEEK_HOLE);
+      for (; at < hole && ::pread(image, sector.data(), 512, at) == 512; at += 512) {
+        if (sector != zeros) found[at / 512] = sector;
+      }
+    }
+    ::close(image);
+    return found;
+  }
+
+  Contents contents_;
 };
 
-TEST_F(NothingLost, AfterFiftyPassesTheDiskIsWhatItWas) {
+TEST_P(NothingLost, AfterFiftyPassesTheDiskIsWhatItWas) {
   visit(50);
   EXPECT_TRUE(image_is_whole());
-  EXPECT_EQ(counters.Sectors_Done, 50 * 4 * 8);
+  EXPECT_EQ(counters.Sectors_Done, 50 * GetParam().transferred);
+  EXPECT_EQ(counters.TotalErrors, 0);
   EXPECT_EQ(counters.TotalCErrors, 0);
 }
 
-TEST_F(NothingLost, EveryInterruptionAtEveryPumpLeavesTheDiskWhole) {
+TEST_P(NothingLost, EveryInterruptionAtEveryPumpLeavesTheDiskWhole) {
   const std::vector<std::pair<const char*, std::function<void()>>> interruptions = {
       {"Cancel", cmdCancel_Click},
       {"Exit", CmdExit_Click},
@@ -95,13 +169,13 @@ TEST_F(NothingLost, EveryInterruptionAtEveryPumpLeavesTheDiskWhole) {
   }
 }
 
-TEST_F(NothingLost, AnySystemCallMayFailOnceOrForGoodAndTheReportNamesWhatIsLost) {
+TEST_P(NothingLost, AnySystemCallMayFailOnceOrForGoodAndTheReportNamesWhatIsLost) {
   visit(3);
   const std::int64_t calls = headless::desktop.calls_made;
   ASSERT_GT(calls, 60);
   int places_lost = 0;
   for (std::int64_t failing = 1; failing <= calls; ++failing) {
-    for (const std::int64_t last : {failing, std::int64_t{INT64_MAX}}) {
+    for (const std::int64_t last : {failing, std::numeric_limits<std::int64_t>::max()}) {
       headless::desktop = {};
       headless::desktop.at_pump = [failing, last](int pump) {
         if (pump != 1) return;
@@ -116,12 +190,17 @@ TEST_F(NothingLost, AnySystemCallMayFailOnceOrForGoodAndTheReportNamesWhatIsLost
   EXPECT_GT(places_lost, 0) << "a failing write-back was among them";
 }
 
-TEST_F(NothingLost, AVanishingDriveLosesAtMostItsLastPlace) {
+TEST_P(NothingLost, AVanishingDriveLosesAtMostItsLastPlace) {
   for (int transfers = 0; transfers <= 12; ++transfers) {
     visit(3, "vanish " + std::to_string(transfers) + "\n");
     EXPECT_LE(restore_lost_places(), 1) << transfers;
     EXPECT_TRUE(image_is_whole()) << transfers;
   }
 }
+
+INSTANTIATE_TEST_SUITE_P(Tests, NothingLost,
+                         ::testing::Values(WriteTest{"RandomWrite", CmdRnd_Click, {"8"}, 4096, 8, 32},
+                                           WriteTest{"OffTrack", Cmd_OffTrack_Write, {}, 409600, 30, 92}),
+                         [](const auto& info) { return info.param.name; });
 
 }  // namespace
