@@ -12,7 +12,7 @@ MainWindow main_window;
 namespace {
 
 /// When the fields are shown again while a command runs: 30 times a second, but showing and painting them takes at most
-/// a fortieth of the time.
+/// a hundredth of the time.
 double next_show = 0.0;
 
 /// The taskbar belongs to another process: asked twice a second.
@@ -31,7 +31,7 @@ void show_and_paint() {
   show_share_when_due(start);
   ::RedrawWindow(main_window.window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
   constexpr double kFrame = 1.0 / 30.0;
-  constexpr double kRest = 40.0;
+  constexpr double kRest = 100.0;
   const double end = platform::steady_seconds();
   next_show = std::max(start + kFrame, end + kRest * (end - start));
 }
