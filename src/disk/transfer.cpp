@@ -68,6 +68,7 @@ template <const Direction& direction>
 bool transfer_once(std::int64_t lba, std::int64_t sectors) {
   form1.TxtStatus.set_deferred<position_text>(PositionFacts{lba, sectors, direction.doing});
   form1.TxtCurrent.set_deferred<lba_text>(lba);
+  fetch_column(lba, measure.map);
   progress.XferStart = platform::seconds_since_midnight();
   const bool done = direction.transfer(lba, sectors);
   progress.XferEnd = platform::seconds_since_midnight();

@@ -77,6 +77,12 @@ void add_rate(const Transfer& transfer, LatencyClass which, RateMap* map) {
   }
 }
 
+void fetch_column(std::int64_t lba, const RateMap& map) {
+  if (lba < map.first_lba || lba - map.first_lba >= map.sectors) return;
+  const std::int64_t from = lba - map.first_lba;
+  __builtin_prefetch(&map.column.at(static_cast<std::size_t>(from / map.column_sectors)), 1);
+}
+
 std::span<const RatePoint> points(const RateMap& map) {
   const auto kept = std::min<std::uint64_t>(static_cast<std::uint64_t>(map.points_seen), RateMap::kPoints);
   return std::span<const RatePoint>(map.point).first(kept);

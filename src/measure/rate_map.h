@@ -55,6 +55,10 @@ void lay_out(std::int64_t first_lba, std::int64_t sectors, bool keeps_points, Ra
 /// Adds a transfer to the stretches it touches; what lies outside the range is left out.
 void add_rate(const Transfer& transfer, LatencyClass which, RateMap* map);
 
+/// A transfer from `lba` begins: the stretch that add_rate() will change comes into the processor's cache meanwhile. On
+/// a random test each is somewhere else, and its memory would be waited for after every transfer.
+void fetch_column(std::int64_t lba, const RateMap& map);
+
 /// The points kept.
 std::span<const RatePoint> points(const RateMap& map);
 

@@ -126,7 +126,7 @@ void run_window() {
 
 void DoEvents() {
   // Asked after every transfer, a million times a second: a cheap tick alone decides whether there is more to do.
-  constexpr std::uint64_t kPause = 10;
+  constexpr std::uint64_t kPause = 20;
   static std::uint64_t next = 0;
   if (coarse_milliseconds() < next) return;
   win32::turn_interruptions();
