@@ -7,31 +7,33 @@
 /// Numbers in byte layouts, read and written one byte at a time. The caller sees to the bounds.
 namespace bytes {
 
+/// A number of `size` bytes, at most 8, least significant byte first.
+inline std::uint64_t le(std::span<const std::uint8_t> data, std::size_t at, std::size_t size) {
+  std::uint64_t value = 0;
+  for (std::size_t i = size; i-- > 0;) value = value << 8U | data[at + i];
+  return value;
+}
+
+inline void put_le(std::span<std::uint8_t> data, std::size_t at, std::size_t size, std::uint64_t value) {
+  for (std::size_t i = 0; i < size; ++i) data[at + i] = static_cast<std::uint8_t>(value >> (8U * i) & 0xFFU);
+}
+
 inline std::uint16_t le16(std::span<const std::uint8_t> data, std::size_t at) {
-  return static_cast<std::uint16_t>(data[at] | data[at + 1] << 8U);
+  return static_cast<std::uint16_t>(le(data, at, 2));
 }
 
 inline std::uint32_t le32(std::span<const std::uint8_t> data, std::size_t at) {
-  return static_cast<std::uint32_t>(le16(data, at)) | static_cast<std::uint32_t>(le16(data, at + 2)) << 16U;
+  return static_cast<std::uint32_t>(le(data, at, 4));
 }
 
 inline std::uint64_t le64(std::span<const std::uint8_t> data, std::size_t at) {
-  return le32(data, at) | static_cast<std::uint64_t>(le32(data, at + 4)) << 32U;
+  return le(data, at, 8);
 }
 
+/// Four bytes, most significant byte first.
 inline std::uint32_t be32(std::span<const std::uint8_t> data, std::size_t at) {
   return static_cast<std::uint32_t>(data[at]) << 24U | static_cast<std::uint32_t>(data[at + 1]) << 16U |
          static_cast<std::uint32_t>(data[at + 2]) << 8U | data[at + 3];
-}
-
-inline void put_le16(std::span<std::uint8_t> data, std::size_t at, std::uint16_t value) {
-  data[at] = static_cast<std::uint8_t>(value);
-  data[at + 1] = static_cast<std::uint8_t>(value >> 8U);
-}
-
-inline void put_le32(std::span<std::uint8_t> data, std::size_t at, std::uint32_t value) {
-  put_le16(data, at, static_cast<std::uint16_t>(value));
-  put_le16(data, at + 2, static_cast<std::uint16_t>(value >> 16U));
 }
 
 }  // namespace bytes

@@ -4,7 +4,7 @@
 
 void put_command(const DriveCommand& command, std::span<std::uint8_t> request) {
   constexpr std::uint8_t kDriveHead = 0xA0;
-  bytes::put_le32(request, 0, command.data_bytes);
+  bytes::put_le(request, 0, 4, command.data_bytes);
   request[4] = command.features;
   request[5] = 1;  // sector count
   request[6] = 1;  // sector number

@@ -74,15 +74,15 @@ std::array<std::uint8_t, kPassThroughBytes> read_capacity_request() {
   constexpr std::uint8_t kSense = 24;
   constexpr std::uint8_t kData = 192;
   std::array<std::uint8_t, kPassThroughBytes> request{};
-  bytes::put_le16(request, 0, kHeader);
+  bytes::put_le(request, 0, 2, kHeader);
   request[4] = 1;  // target id
   request[6] = 6;  // CDB length: 6 for a command of 10 bytes; kept, drivers go by the operation code
   request[7] = kSense;
   request[8] = 1;  // data come from the device
-  bytes::put_le32(request, 12, kData);
-  bytes::put_le32(request, 16, 2);  // seconds
-  bytes::put_le32(request, 20, kPassThroughData);
-  bytes::put_le32(request, 24, kHeader);
+  bytes::put_le(request, 12, 4, kData);
+  bytes::put_le(request, 16, 4, 2);  // seconds
+  bytes::put_le(request, 20, 4, kPassThroughData);
+  bytes::put_le(request, 24, 4, kHeader);
   request[28] = 0x25;  // READ CAPACITY (10)
   request[29] = 8;
   request[32] = kData;
@@ -101,11 +101,11 @@ constexpr std::size_t kMiniportBytes = 576;
 std::array<std::uint8_t, kMiniportBytes> miniport_request() {
   constexpr std::string_view kSignature = "SCSIDISK";
   std::array<std::uint8_t, kMiniportBytes> request{};
-  bytes::put_le32(request, 0, kSrbHeader);
+  bytes::put_le(request, 0, 4, kSrbHeader);
   std::copy(kSignature.begin(), kSignature.end(), request.begin() + 4);
-  bytes::put_le32(request, 12, 2);  // seconds
-  bytes::put_le32(request, 16, kMiniportIdentify);
-  bytes::put_le32(request, 24, kMiniportBytes - kSrbHeader);
+  bytes::put_le(request, 12, 4, 2);  // seconds
+  bytes::put_le(request, 16, 4, kMiniportIdentify);
+  bytes::put_le(request, 24, 4, kMiniportBytes - kSrbHeader);
   put_command({.data_bytes = kPageBytes, .command = kIdentifyDevice}, std::span(request).subspan(kSrbHeader));
   return request;
 }

@@ -6,7 +6,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "virtualdisk/bytes.h"
+#include "virtualdisk/page.h"
 #include "virtualdisk/files.h"
 
 namespace virtualdisk {

@@ -4,6 +4,7 @@
 #include <array>
 #include <string_view>
 
+#include "platform/bytes.h"
 #include "virtualdisk/identify.h"
 
 namespace virtualdisk {
@@ -58,7 +59,7 @@ bool is_command(In request, const Command& command) {
   constexpr std::uint8_t kDriveHead = 0xA0;
   const std::array<std::uint8_t, 7> registers = {
       command.features, 1, 1, command.cylinder_low, command.cylinder_high, kDriveHead, command.command};
-  return get_le(request, 0, 4) == command.buffer_bytes &&
+  return bytes::le(request, 0, 4) == command.buffer_bytes &&
          std::equal(registers.begin(), registers.end(), request.begin() + 4);
 }
 
@@ -80,7 +81,7 @@ Page identity_of(const Disk& disk) {
 
 /// A status without an error, then the page.
 void put_page(Out out, const Page& page) {
-  put_le(out, 0, 4, page.size());
+  bytes::put_le(out, 0, 4, page.size());
   std::copy(page.begin(), page.end(), out.begin() + kStatusBytes);
 }
 
@@ -100,7 +101,7 @@ std::uint32_t get_version(const Disk& disk, Out out, std::uint32_t* returned) {
   out[0] = 1;  // version
   out[1] = 1;  // revision
   out[3] = device_map(disk);
-  put_le(out, 4, 4, kAtaAtapiSmart);
+  bytes::put_le(out, 4, 4, kAtaAtapiSmart);
   return 0;
 }
 
@@ -137,11 +138,11 @@ std::uint32_t get_geometry(const Disk& disk, Out out, std::uint32_t* returned) {
   const Geometry geometry =
       disk.file.geometry.value_or(Geometry{disk.sectors / (kHeads * kTrackSectors), kHeads, kTrackSectors});
   start_reply(out, kGeometryBytes, returned);
-  put_le(out, 0, 8, static_cast<std::uint64_t>(geometry.cylinders));
-  put_le(out, 8, 4, kFixedMedia);
-  put_le(out, 12, 4, static_cast<std::uint64_t>(geometry.heads));
-  put_le(out, 16, 4, static_cast<std::uint64_t>(geometry.sectors));
-  put_le(out, 20, 4, kSectorBytes);
+  bytes::put_le(out, 0, 8, static_cast<std::uint64_t>(geometry.cylinders));
+  bytes::put_le(out, 8, 4, kFixedMedia);
+  bytes::put_le(out, 12, 4, static_cast<std::uint64_t>(geometry.heads));
+  bytes::put_le(out, 16, 4, static_cast<std::uint64_t>(geometry.sectors));
+  bytes::put_le(out, 20, 4, kSectorBytes);
   return 0;
 }
 
@@ -152,7 +153,7 @@ std::uint32_t get_length(const Disk& disk, Out out, std::uint32_t* returned) {
   // The largest disk of all is one sector longer than a signed length can say.
   const std::int64_t sayable = std::min(disk.sectors, kMaxSectors - 1) * kSectorBytes;
   start_reply(out, kLengthBytes, returned);
-  put_le(out, 0, 8, static_cast<std::uint64_t>(disk.file.length.value_or(sayable)));
+  bytes::put_le(out, 0, 8, static_cast<std::uint64_t>(disk.file.length.value_or(sayable)));
   return 0;
 }
 
@@ -172,7 +173,7 @@ std::uint32_t read_capacity(const Disk& disk, In in, Out out, std::uint32_t* ret
   if (out.size() < kData + kDataRoom) return kInsufficientBuffer;
   start_reply(out, kData + kCapacityBytes, returned);
   std::copy(kRequest.begin(), kRequest.end(), out.begin());
-  put_le(out, 12, 4, kCapacityBytes);
+  bytes::put_le(out, 12, 4, kCapacityBytes);
   const auto last = static_cast<std::uint64_t>(std::min(disk.sectors - 1, kMostLast));
   for (std::size_t i = 0; i < 4; ++i) {
     out[kData + i] = static_cast<std::uint8_t>(last >> (24 - 8 * i) & 0xFF);
@@ -210,15 +211,15 @@ std::uint32_t control_drive(Disk& disk, std::uint32_t code, In in, Out out, std:
 std::uint32_t control_port(Disk& disk, std::uint32_t code, In in, Out out, std::uint32_t* returned) {
   constexpr std::string_view kSignature = "SCSIDISK";
   if (code != kMiniport) return kInvalidFunction;
-  const bool whole = in.size() >= kMiniportBytes && get_le(in, 0, 4) == kSrbBytes &&
+  const bool whole = in.size() >= kMiniportBytes && bytes::le(in, 0, 4) == kSrbBytes &&
                      std::equal(kSignature.begin(), kSignature.end(), in.begin() + 4) &&
-                     get_le(in, 16, 4) == kMiniportIdentify && get_le(in, 24, 4) == kSrbDataBytes &&
+                     bytes::le(in, 16, 4) == kMiniportIdentify && bytes::le(in, 24, 4) == kSrbDataBytes &&
                      is_command(in.subspan(kSrbBytes), kIdentify);
   if (!whole) return kInvalidParameter;
   if (out.size() < kMiniportBytes) return kInsufficientBuffer;
   std::array<std::uint8_t, kSrbBytes> header{};
   std::copy_n(in.begin(), kSrbBytes, header.begin());
-  put_le(header, 20, 4, 0);  // the port driver's return code
+  bytes::put_le(header, 20, 4, 0);  // the port driver's return code
   start_reply(out, kMiniportBytes, returned);
   std::copy(header.begin(), header.end(), out.begin());
   put_page(out.subspan(kSrbBytes), identity_of(disk));

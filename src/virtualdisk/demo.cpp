@@ -5,7 +5,8 @@
 #include <cstdint>
 #include <string>
 
-#include "virtualdisk/bytes.h"
+#include "platform/bytes.h"
+#include "virtualdisk/page.h"
 
 namespace virtualdisk {
 namespace {
@@ -102,8 +103,8 @@ Page partition_sector() {
     put_place(page, at + 1, partition.first);
     page[at + 4] = partition.type;
     put_place(page, at + 5, partition.first + partition.sectors - 1);
-    put_le(page, at + 8, 4, partition.first);
-    put_le(page, at + 12, 4, partition.sectors);
+    bytes::put_le(page, at + 8, 4, partition.first);
+    bytes::put_le(page, at + 12, 4, partition.sectors);
     at += kEntryBytes;
   }
   page[510] = 0x55;

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <limits>
 
-#include "virtualdisk/bytes.h"
+#include "virtualdisk/page.h"
 
 namespace virtualdisk {
 namespace {

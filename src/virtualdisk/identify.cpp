@@ -2,15 +2,17 @@
 
 #include <algorithm>
 
+#include "platform/bytes.h"
+
 namespace virtualdisk {
 namespace {
 
 void put_word(Page& page, std::size_t word, std::uint64_t value) {
-  put_le(page, 2 * word, 2, value);
+  bytes::put_le(page, 2 * word, 2, value);
 }
 
 void put_words(Page& page, std::size_t word, std::size_t words, std::int64_t value) {
-  put_le(page, 2 * word, 2 * words, static_cast<std::uint64_t>(value));
+  bytes::put_le(page, 2 * word, 2 * words, static_cast<std::uint64_t>(value));
 }
 
 /// An ATA string: two characters a word, the first in the high byte, blanks at the end.

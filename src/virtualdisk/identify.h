@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "virtualdisk/bytes.h"
+#include "virtualdisk/page.h"
 
 namespace virtualdisk {
 

@@ -1,5 +1,7 @@
 #include "virtualdisk/smart.h"
 
+#include "platform/bytes.h"
+
 namespace virtualdisk {
 namespace {
 
@@ -31,7 +33,7 @@ void add_to_raw(Page& page, std::size_t entry, std::uint64_t step) {
   unsigned before = 0;
   unsigned after = 0;
   for (std::size_t i = 0; i < kRawBytes; ++i) before += page[raw + i];
-  put_le(page, raw, kRawBytes, get_le(page, raw, kRawBytes) + step);
+  bytes::put_le(page, raw, kRawBytes, bytes::le(page, raw, kRawBytes) + step);
   for (std::size_t i = 0; i < kRawBytes; ++i) after += page[raw + i];
   page[kChecksum] = static_cast<std::uint8_t>((page[kChecksum] + before - after) & 0xFF);
 }
@@ -40,14 +42,14 @@ void add_to_raw(Page& page, std::size_t entry, std::uint64_t step) {
 
 Page attribute_page(std::span<const Attribute> attributes) {
   Page page{};
-  put_le(page, 0, 2, kRevision);
+  bytes::put_le(page, 0, 2, kRevision);
   std::size_t entry = kFirstEntry;
   for (const Attribute& attribute : attributes) {
     page[entry] = attribute.id;
-    put_le(page, entry + 1, 2, attribute.flags);
+    bytes::put_le(page, entry + 1, 2, attribute.flags);
     page[entry + 3] = attribute.current;
     page[entry + 4] = attribute.worst;
-    put_le(page, entry + kRawInEntry, kRawBytes, attribute.raw);
+    bytes::put_le(page, entry + kRawInEntry, kRawBytes, attribute.raw);
     entry += kEntryBytes;
   }
   page[kChecksum] = page_checksum(page);
@@ -56,7 +58,7 @@ Page attribute_page(std::span<const Attribute> attributes) {
 
 Page threshold_page(std::span<const Attribute> attributes) {
   Page page{};
-  put_le(page, 0, 2, kRevision);
+  bytes::put_le(page, 0, 2, kRevision);
   std::size_t entry = kFirstEntry;
   for (const Attribute& attribute : attributes) {
     page[entry] = attribute.id;

@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-#include "virtualdisk/bytes.h"
+#include "virtualdisk/page.h"
 #include "virtualdisk/disk_file.h"
 
 namespace virtualdisk {

@@ -5,6 +5,7 @@
 
 #include <numeric>
 
+#include "platform/bytes.h"
 #include "tests/virtualdisk/bench.h"
 
 namespace virtualdisk {
@@ -64,7 +65,7 @@ class ControlTest : public BenchTest {
     return request;
   }
 
-  std::uint64_t number(std::size_t at, std::size_t size) const { return get_le(reply_, at, size); }
+  std::uint64_t number(std::size_t at, std::size_t size) const { return bytes::le(reply_, at, size); }
 
   /// An ATA string of the reply's IDENTIFY data, read as the drive's words hold it.
   std::string ata_text(std::size_t page, std::size_t word, std::size_t words) const {
