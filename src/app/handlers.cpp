@@ -19,7 +19,6 @@ namespace {
 
 constexpr std::uint32_t kLeaveAfter = 1000;  // milliseconds
 constexpr std::int16_t kLeft = 1;
-constexpr std::int16_t kCancelled = 3;
 
 void request_exit() {
   form1.Exit_Requested = true;

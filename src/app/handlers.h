@@ -1,5 +1,10 @@
 #pragma once
 
+#include <cstdint>
+
+/// The exit code after a command that the user stopped.
+inline constexpr std::int16_t kCancelled = 3;
+
 /// What the main window's controls do. Each is called by the window while the program is idle or pumps events.
 
 /// Marks the range as the user's own: a drive selection no longer overwrites it.

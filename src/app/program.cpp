@@ -58,7 +58,6 @@ constexpr std::array<void (*)(), 7> kCommands = {read_command, write_command, ra
 
 /// True when the user stopped the run before it began: by Control-C, Cancel or another drive's button.
 bool stopped_at_start() {
-  constexpr std::int16_t kCancelled = 3;
   if (form1.SelectedDrive != run.drive) output.ExitCode = kCancelled;
   return output.ExitCode == kCancelled;
 }
