@@ -17,7 +17,7 @@ using ::testing::StartsWith;
 
 class Writing : public Rig {
  protected:
-  Writing() { image_ = write_image("a.img", 100); }
+  Writing() : pristine_(read_file(write_image("a.img", 100))) {}
 
   /// Runs the program with /OP on drive 0, the image with `directives` more.
   std::uint32_t run_op(const std::string& switches, const std::string& directives = "") {
@@ -31,17 +31,13 @@ class Writing : public Rig {
   std::string sector(std::int64_t lba) const {
     return read_file(path("a.img")).substr(static_cast<std::size_t>(lba * kSectorSize), kSectorSize);
   }
-  bool untouched() const { return read_file(path("a.img")) == read_file(pristine()); }
-  std::string pristine() const {
-    if (read_file(path("pristine.img")).empty()) const_cast<Writing*>(this)->write_image("pristine.img", 100);
-    return path("pristine.img");
-  }
+  bool untouched() const { return read_file(path("a.img")) == pristine_; }
   static void range(const std::string& start, const std::string& count) {
     form1.TxtStartLBA.set_text(start);
     form1.TxtNoSecs.set_text(count);
   }
 
-  std::string image_;
+  std::string pristine_;
 };
 
 TEST_F(Writing, ThePatternGoesToExactlyTheSectorsOfTheRun) {
@@ -111,7 +107,7 @@ TEST_F(Writing, ThreeEditedBytesAreListedAskedAboutAndWritten) {
   ASSERT_EQ(headless::desktop.boxes.size(), 2U);
   EXPECT_EQ(headless::desktop.boxes[0].text, "3 bytes edited - OK to overwrite 2 sectors?");
   EXPECT_EQ(headless::desktop.boxes[1].title, "Write 2 sectors starting at sector 40 from the buffer?");
-  std::string expected = read_file(pristine());
+  std::string expected = pristine_;
   for (const std::size_t at : {40 * 512 + 0, 40 * 512 + 16, 41 * 512 + 0}) expected[at] = '\xFE';
   EXPECT_EQ(read_file(path("a.img")), expected);
 }
