@@ -3,11 +3,15 @@
 
 #include <gmock/gmock.h>
 
+#include <deque>
+#include <filesystem>
 #include <limits>
+#include <string>
 
 #include "app/handlers.h"
 #include "disk/counters.h"
 #include "form/form1.h"
+#include "ops/random.h"
 #include "tests/support/rig.h"
 #include "virtualdisk/virtualdisk.h"
 
@@ -18,6 +22,7 @@ struct Scenario {
   const char* switches;
   bool writes;
   void (*button)() = nullptr;  // pressed once the window is there
+  std::deque<std::string> answers = {};
 };
 
 void PrintTo(const Scenario& scenario, std::ostream* to) {
@@ -30,13 +35,17 @@ class FaultLoop : public Rig, public ::testing::WithParamInterface<Scenario> {
     write_image("a.img", 64);
     write_file("d.vd", "image a.img\nserial S\nsmart 5 0x33 100 100 36 0\nsmart 9 0x32 99 99 0 12\nvolume X:\n");
     image_ = read_file(path("a.img"));
+    // Rescue files go where the program is.
+    std::filesystem::current_path(path(""));
   }
+  ~FaultLoop() override { std::filesystem::current_path(before_); }
 
   std::uint32_t run_failing(std::int64_t first, std::int64_t last) {
     headless::desktop = {};
     headless::desktop.fail_first = first;
     headless::desktop.fail_last = last;
     headless::desktop.has_display = GetParam().button != nullptr;
+    headless::desktop.answers = GetParam().answers;
     const std::uint32_t code = start("/VDISK:0=" + path("d.vd") + " " + GetParam().switches);
     if (GetParam().button != nullptr && code == 0) {
       click(GetParam().button);
@@ -57,6 +66,7 @@ class FaultLoop : public Rig, public ::testing::WithParamInterface<Scenario> {
   }
 
   std::string image_;
+  std::filesystem::path before_ = std::filesystem::current_path();
 };
 
 TEST_P(FaultLoop, EndsWithATrueReportWhicheverCallFails) {
@@ -77,14 +87,18 @@ TEST_P(FaultLoop, EndsWithATrueReportWhicheverCallFails) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Runs, FaultLoop,
-                         ::testing::Values(Scenario{"Read", "/D:0 /OP:READ", false},
-                                           Scenario{"Write", "/D:0 /OP:WRITE /SERIAL:S /START:3 /COUNT:2", true},
-                                           Scenario{"RandomRead", "/D:0 /OP:RANDOMREAD /PASSES:2 /COUNT:4", false},
-                                           Scenario{"Search", "/D:0 /OP:SEARCH /FIND:t33", false},
-                                           Scenario{"Show", "/D:0 /OP:SHOW", false},
-                                           Scenario{"Smart", "/D:0 /OP:SMART", false}, Scenario{"List", "/LIST", false},
-                                           Scenario{"Window", "/D:0", false, CmdRead_Click}),
-                         [](const auto& info) { return info.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    Runs, FaultLoop,
+    ::testing::Values(Scenario{"Read", "/D:0 /OP:READ", false},
+                      Scenario{"Write", "/D:0 /OP:WRITE /SERIAL:S /START:3 /COUNT:2", true},
+                      Scenario{"RandomRead", "/D:0 /OP:RANDOMREAD /PASSES:2 /COUNT:4", false},
+                      Scenario{"Search", "/D:0 /OP:SEARCH /FIND:t33", false}, Scenario{"Show", "/D:0 /OP:SHOW", false},
+                      Scenario{"Smart", "/D:0 /OP:SMART", false}, Scenario{"List", "/LIST", false},
+                      Scenario{"RandomWrite", "/D:0 /OP:RANDOMWRITE /SERIAL:S /PASSES:2 /COUNT:4", true},
+                      Scenario{"ReadButton", "/D:0", false, CmdRead_Click},
+                      Scenario{"SearchButton", "/D:0", false, CmdFind_Click, {"t33"}},
+                      Scenario{"WriteButton", "/D:0", true, CmdWrite_Click, {"OK"}},
+                      Scenario{"DestructiveButton", "/D:0", true, Cmd_Destructive_Random_Write, {"OK", "2", "4"}}),
+    [](const auto& info) { return info.param.name; });
 
 }  // namespace
