@@ -1,17 +1,6 @@
 #include "platform/win32/com.h"
 
-#include "platform/win32/main_window.h"
-
 namespace win32 {
-
-bool join_apartment() {
-  // The shell's objects live in the window's apartment: from another one COM would make two threads to reach them, and
-  // every system call of a process with several threads costs more. Without a window nobody turns the messages that
-  // such an apartment lives on.
-  static const bool joined = SUCCEEDED(
-      ::CoInitializeEx(nullptr, main_window.window != nullptr ? COINIT_APARTMENTTHREADED : COINIT_MULTITHREADED));
-  return joined;
-}
 
 std::string narrow(std::wstring_view text) {
   const int length = static_cast<int>(text.size());

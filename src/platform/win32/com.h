@@ -42,10 +42,6 @@ struct Variant : VARIANT {
   ~Variant() { ::VariantClear(this); }
 };
 
-/// Enters the program's thread into COM, at the first call; for once the window is open or will not be. False when the
-/// system refused.
-bool join_apartment();
-
 /// UTF-16 to the ANSI code page and back.
 std::string narrow(std::wstring_view text);
 std::wstring wide(std::string_view text);

@@ -10,11 +10,11 @@ namespace win32 {
 
 namespace {
 
-/// Null where there is none.
+/// Null where there is none. It lives in the window's own apartment: from another COM would make threads to reach it.
 ITaskbarList3* taskbar() {
   static const Com<ITaskbarList3> list = [] {
     Com<ITaskbarList3> made;
-    if (!join_apartment()) return made;
+    if (FAILED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) return made;
     const HRESULT result =
         ::CoCreateInstance(CLSID_TaskbarList, nullptr, CLSCTX_INPROC_SERVER, IID_ITaskbarList3, made.out());
     if (FAILED(result) || !made || FAILED(made->HrInit())) return Com<ITaskbarList3>();
