@@ -26,7 +26,8 @@ void release_lone_console();
 /// shutdown make it call `on_exit`, and hold the system back, as long as it allows, until allow_shutdown().
 void watch_console(void (*on_cancel)(), void (*on_exit)());
 
-/// Between the two the disk holds data that are not its own: a console that closes waits for the end.
+/// Between the two the disk holds data that are not its own: a console that closes waits for the end, and a session
+/// that ends is told why the program does not answer.
 void hold_shutdown();
 void allow_shutdown();
 

@@ -6,6 +6,7 @@
 
 #include "platform/win32/interruption.h"
 #include "platform/win32/main_window.h"
+#include "platform/win32/user_function.h"
 
 namespace win32 {
 
@@ -46,10 +47,6 @@ void turn_interruptions() {
 
 void request_exit() {
   exit_pressed = true;
-}
-
-bool shutdown_held() {
-  return held;
 }
 
 }  // namespace win32
@@ -109,10 +106,20 @@ void watch_console(void (*on_cancel)(), void (*on_exit)()) {
 
 void hold_shutdown() {
   win32::held = true;
+  // Events wait while the disk holds other data, the session's end among them. A program that then does not answer is
+  // not ended if it gave a reason, which the user sees.
+  using Create = BOOL(WINAPI*)(HWND, LPCWSTR);
+  static const auto create = win32::user_function<Create>("ShutdownBlockReasonCreate");
+  HWND const window = win32::main_window.window;
+  if (create != nullptr && window != nullptr) create(window, L"The disk is being given its contents back.");
 }
 
 void allow_shutdown() {
   win32::held = false;
+  using Destroy = BOOL(WINAPI*)(HWND);
+  static const auto destroy = win32::user_function<Destroy>("ShutdownBlockReasonDestroy");
+  HWND const window = win32::main_window.window;
+  if (destroy != nullptr && window != nullptr) destroy(window);
 }
 
 }  // namespace platform

@@ -4,16 +4,11 @@
 #include <cstring>
 
 #include "platform/scale.h"
+#include "platform/win32/user_function.h"
 
 namespace win32 {
 
 namespace {
-
-/// A function of user32 that older systems lack.
-template <typename Function>
-Function user_function(const char* name) {
-  return reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleA("user32"), name)));
-}
 
 int monitor_dpi(HWND window) {
   static const auto get_dpi = user_function<UINT(WINAPI*)(HWND)>("GetDpiForWindow");

@@ -9,7 +9,4 @@ void turn_interruptions();
 /// The session ends: the next turn_interruptions() exits.
 void request_exit();
 
-/// True between hold_shutdown() and allow_shutdown().
-bool shutdown_held();
-
 }  // namespace win32

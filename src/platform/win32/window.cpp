@@ -57,18 +57,6 @@ void on_active(bool active) {
   if (active && main_window.focus != nullptr) ::SetFocus(main_window.focus);
 }
 
-/// Log-off and shutdown. While the disk holds data that are not its own the session is asked to wait: the system shows
-/// the reason, and goes on by itself when the program has ended.
-LRESULT on_session_may_end(HWND window) {
-  if (!shutdown_held()) return TRUE;
-  using Block = BOOL(WINAPI*)(HWND, LPCWSTR);
-  static const auto block = reinterpret_cast<Block>(
-      reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleA("user32"), "ShutdownBlockReasonCreate")));
-  if (block != nullptr) block(window, L"The disk is being given its contents back.");
-  request_exit();
-  return FALSE;
-}
-
 LRESULT CALLBACK main_procedure(HWND window, UINT message, WPARAM word, LPARAM long_word) {
   switch (message) {
     case WM_COMMAND:
@@ -108,7 +96,7 @@ LRESULT CALLBACK main_procedure(HWND window, UINT message, WPARAM word, LPARAM l
       if (::IsWindowEnabled(window) != FALSE) main_window.table.on_close();
       return 0;
     case WM_QUERYENDSESSION:
-      return on_session_may_end(window);
+      return TRUE;
     case WM_ENDSESSION:
       if (word != FALSE) {
         request_exit();
