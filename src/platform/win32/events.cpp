@@ -11,8 +11,8 @@ MainWindow main_window;
 
 namespace {
 
-/// When the fields are shown again while a command runs: 30 times a second, but showing and painting them takes at most
-/// a hundredth of the time.
+/// When the fields are shown again while a command runs: about 30 times a second, but showing and painting them takes
+/// at most a hundredth of the time.
 double next_show = 0.0;
 
 /// The taskbar belongs to another process: asked twice a second.
@@ -30,7 +30,7 @@ void show_and_paint() {
   show_pictures();
   show_share_when_due(start);
   ::RedrawWindow(main_window.window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-  constexpr double kFrame = 1.0 / 30.0;
+  constexpr double kFrame = 0.030;  // just under two of the ticks at which events run
   constexpr double kRest = 100.0;
   const double end = platform::steady_seconds();
   next_show = std::max(start + kFrame, end + kRest * (end - start));
@@ -126,7 +126,7 @@ void run_window() {
 
 void DoEvents() {
   // Asked after every transfer, a million times a second: a cheap tick alone decides whether there is more to do.
-  constexpr std::uint64_t kPause = 20;
+  constexpr std::uint64_t kPause = 10;
   static std::uint64_t next = 0;
   if (coarse_milliseconds() < next) return;
   win32::turn_interruptions();
