@@ -2,6 +2,7 @@
 
 #include "app/startup.h"
 #include "form/form1.h"
+#include "measure/measure.h"
 #include "ops/select_drive.h"
 #include "platform/window.h"
 #include "results/results.h"
@@ -12,6 +13,7 @@ void run_command(void (*command)()) {
   platform::begin_command();
   begin_results(program_version());
   command();
+  measure.stopped = form1.MyCancel;
   finish_results();
   // Deals with what was pressed meanwhile as during the command, then gives the buttons back.
   platform::end_command();

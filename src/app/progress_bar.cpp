@@ -55,7 +55,7 @@ ProgressWords progress_words() {
   if (measure.plan.kind == RunKind::none) return {};
   const HowFar how = how_far(measure);
   const std::string percent = std::to_string(static_cast<int>(how.share * kPercent)) + "%";
-  if (!form1.CommandRunning) return {how.share >= 1.0 ? "finished" : "stopped at " + percent, {}};
+  if (!form1.CommandRunning) return {measure.stopped ? "stopped at " + percent : "finished", {}};
   return {std::string(phase_text(how.phase)) + " " + percent,
           how.seconds_left < 0.0 ? std::string() : duration_text(how.seconds_left) + " left"};
 }

@@ -58,6 +58,7 @@ struct Measure {
   std::int64_t slow = 0;
   std::int64_t failed = 0;
   std::int64_t failed_writes = 0;
+  bool stopped = false;  // the run ended because the user wanted it to
   double seconds = 0.0;  // from the first transfer's start to the last one's end
   double first_start = 0.0;
   double last_start = 0.0;  // times of day; `days` midnights lie between them

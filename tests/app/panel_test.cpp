@@ -179,7 +179,16 @@ TEST_F(PanelPicture, ProgressSaysPhaseShareAndTimeLeft) {
   EXPECT_EQ(progress_words().left, "1:30 left");
   EXPECT_DOUBLE_EQ(progress_share().done, 0.25);
   form1.CommandRunning = false;
+  measure.stopped = true;
   EXPECT_EQ(progress_words().what, "stopped at 25%");
+}
+
+TEST_F(PanelPicture, ASearchThatFindsIsNotStopped) {
+  open("/VDISK:0=DEMO");
+  headless::desktop.answers = {"H55AA"};
+  click(CmdFind_Click);
+  EXPECT_LT(progress_share().done, 1.0);
+  EXPECT_EQ(progress_words().what, "finished");
 }
 
 TEST_F(PanelPicture, TheBarIsAsLongAsTheShareDone) {
