@@ -65,7 +65,7 @@ constexpr Direction kWriting{WriteAt, report_write_failure, "writing", true};
 
 /// Made for each direction: a call through a pointer would be left at the price of a small transfer's bookkeeping.
 template <const Direction& direction>
-bool transfer_once(std::int64_t lba, std::int64_t sectors) {
+bool transfer_once(std::int64_t lba, std::int64_t sectors, bool tells_slow) {
   form1.TxtStatus.set_deferred<position_text>(PositionFacts{lba, sectors, direction.doing});
   form1.TxtCurrent.set_deferred<lba_text>(lba);
   fetch_column(lba, measure.map);
@@ -73,7 +73,7 @@ bool transfer_once(std::int64_t lba, std::int64_t sectors) {
   const bool done = direction.transfer(lba, sectors);
   progress.XferEnd = platform::seconds_since_midnight();
   record({.wrote = direction.writes,
-          .slow = is_slow(sectors, progress.XferEnd - progress.XferStart),
+          .slow = tells_slow && is_slow(sectors, progress.XferEnd - progress.XferStart),
           .error = done ? 0 : disk.Errno,
           .lba = lba,
           .sectors = sectors,
@@ -95,7 +95,7 @@ bool transfer_all(std::int64_t* lba, std::int64_t total, std::int64_t per_transf
       platform::DoEvents();
       if (form1.MyCancel) break;
     }
-    all_done = transfer_once<direction>(*lba, per_transfer) && all_done;
+    all_done = transfer_once<direction>(*lba, per_transfer, true) && all_done;
     Display_Progress(per_transfer, *lba);
     *lba = lba_after(*lba, per_transfer);
   }
@@ -110,7 +110,7 @@ std::int64_t lba_after(std::int64_t lba, std::int64_t sectors) {
 }
 
 bool read_once(std::int64_t lba, std::int64_t sectors) {
-  return transfer_once<kReading>(lba, sectors);
+  return transfer_once<kReading>(lba, sectors, false);
 }
 
 bool Read_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer, Events events) {

@@ -19,5 +19,5 @@ bool Write_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_trans
 std::int64_t lba_after(std::int64_t lba, std::int64_t sectors);
 
 /// One timed read of `sectors` sectors from `lba`, shown in the status line, its failure counted and reported, added to
-/// Sectors_Done. False when it failed.
+/// Sectors_Done. False when it failed. However slow it is, nobody is told.
 bool read_once(std::int64_t lba, std::int64_t sectors);

@@ -24,6 +24,7 @@ void show_command() {
 void smart_command() {
   form1.Text1.set_text({});
   if (!open_for_operation()) return;
+  form1.MyCancel = false;  // left by the drive's selection
   Get_Smart_Data(form1.SelectedDrive);
   const std::string listing =
       smart.Smart_List.empty() ? "Warning: No SMART data available\r\n" : "SMART DATA\r\n" + smart.Smart_List;

@@ -108,6 +108,24 @@ TEST_F(ResultsTest, ThePracticeDisksFaultsAreWhereAllThreeFilesSay) {
   EXPECT_NEAR(marks("slow").back().second, 1269760, 2622);
 }
 
+TEST_F(ResultsTest, ASearchHasNoSlowTransfersSinceItsReportHasNone) {
+  start("/VDISK:0=DEMO /D:0 /OP:SEARCH /FIND:tSectorix_was_here" + files());
+  EXPECT_EQ(document()["totals"]["slow_transfers"], 0);
+  EXPECT_EQ(document()["slow_zones"].size(), 0U);
+  EXPECT_EQ(count_of(form1.Text1.text(), "Slow xfer"), 0);
+  EXPECT_TRUE(marks("slow").empty());
+}
+
+TEST_F(ResultsTest, SmartDataAreToldOfADriveThatWasNotTested) {
+  EXPECT_EQ(start("/VDISK:0=DEMO /D:0 /OP:SMART" + files()), 0U);
+  const json result = document();
+  EXPECT_EQ(result["operation"]["name"], "smart");
+  EXPECT_EQ(result["operation"]["cancelled"], false);
+  EXPECT_EQ(result["totals"]["transfers"], 0);
+  EXPECT_TRUE(result["smart"]["before"].empty());
+  EXPECT_FALSE(result["smart"]["after"].empty());
+}
+
 TEST_F(ResultsTest, TheDocumentTellsTheWholeRun) {
   headless::desktop.wmi_answers = {{.query = "SELECT * FROM Win32_NTLogEvent",
                                     .rows = {{{"TimeWritten", "20260301100001.000000+060"},
