@@ -14,14 +14,13 @@ Disk disk;
 
 namespace {
 
-constexpr std::uint32_t kAccessDenied = 5;        // winerror.h: ERROR_ACCESS_DENIED
-constexpr std::uint32_t kEndOfFile = 38;          // ERROR_HANDLE_EOF
-constexpr std::uint32_t kDiskFull = 112;          // ERROR_DISK_FULL
-constexpr std::int64_t kMostSectors = 4'194'303;  // the most whose bytes fit a signed 32-bit number
+constexpr std::uint32_t kAccessDenied = 5;  // winerror.h: ERROR_ACCESS_DENIED
+constexpr std::uint32_t kEndOfFile = 38;    // ERROR_HANDLE_EOF
+constexpr std::uint32_t kDiskFull = 112;    // ERROR_DISK_FULL
 
 bool may_transfer(std::int64_t lba, std::int64_t count) {
   constexpr std::int64_t kLastLba = std::numeric_limits<std::int64_t>::max() / kSectorSize;
-  return lba >= 0 && lba <= kLastLba && count >= 0 && count <= kMostSectors &&
+  return lba >= 0 && lba <= kLastLba && count >= 0 && count <= kLargestTransfer &&
          count * kSectorSize <= disk.Sec_Buf.size();
 }
 

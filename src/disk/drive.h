@@ -20,6 +20,9 @@ extern Disk disk;
 /// What a transfer that the program itself refuses fails with: ERROR_INVALID_DATA (winerror.h).
 inline constexpr std::uint32_t kRefusedTransfer = 13;
 
+/// The most sectors of one transfer: their bytes fit a signed 32-bit number.
+inline constexpr std::int64_t kLargestTransfer = 4'194'303;
+
 /// Makes Sec_Buf `bytes` long for a command that begins at `lba`. It shows as holding nothing, and what a view could
 /// show of its start is zeros, until a transfer fills it.
 void remake_buffer(std::int64_t bytes, std::int64_t lba);
@@ -36,7 +39,7 @@ void CloseDrive();
 
 /// Reads `count` sectors from `lba` into the start of Sec_Buf with one system call. False on failure, also when fewer
 /// bytes came than asked; disk.Errno has the code (38 where the system gave none), disk.Buf_Secs is 0 then. A transfer
-/// larger than Sec_Buf or than 4,194,303 sectors, or with a negative number, makes no call and fails with 13.
+/// larger than Sec_Buf or than kLargestTransfer, or with a negative number, makes no call and fails with 13.
 bool ReadAt(std::int64_t lba, std::int64_t count);
 
 /// Writes `count` sectors from the start of Sec_Buf to `lba` and flushes them. Fails like ReadAt, a short write with

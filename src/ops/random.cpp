@@ -14,6 +14,7 @@
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "form/output.h"
+#include "form/run.h"
 #include "measure/measure.h"
 #include "ops/frame.h"
 #include "ops/random_numbers.h"
@@ -30,14 +31,21 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
+constexpr std::int16_t kNothingDone = 1;  // exit code
+
 /// The bytes of a visit; the buffer has one more, which is never transferred or compared.
 std::span<std::uint8_t> visit_bytes() {
   const std::int64_t bytes = std::min(counters.No_Secs * kSectorSize, disk.Sec_Buf.size());
   return disk.Sec_Buf.bytes().first(static_cast<std::size_t>(bytes));
 }
 
+/// The sectors of a visit that a transfer can move; all transfers of a larger visit are refused.
+std::int64_t movable_sectors() {
+  return std::min(counters.No_Secs, kLargestTransfer);
+}
+
 void size_buffer() {
-  remake_buffer(counters.No_Secs * kSectorSize + 1, 0);
+  remake_buffer(movable_sectors() * kSectorSize + 1, 0);
 }
 
 /// Takes the parameters into counters.No_Secs and random_test. False when the user leaves, or when the disk has no room
@@ -49,6 +57,7 @@ bool begin_test() {
   if (identification.Drive_Sectors > counters.No_Secs) return true;
   report_and_show("The disk has " + std::to_string(identification.Drive_Sectors) + " sectors, a visit " +
                   std::to_string(counters.No_Secs) + ": nothing was done.\r\n");
+  if (run.op) output.ExitCode = kNothingDone;
   return false;
 }
 
@@ -61,7 +70,7 @@ std::string what_is_done() {
 void begin_measure(RunKind kind, std::int64_t transfers) {
   begin({.kind = kind,
          .sectors = identification.Drive_Sectors,
-         .work = random_test.passes * counters.No_Secs * transfers});
+         .work = random_test.passes * movable_sectors() * transfers});
 }
 
 /// Makes the passes, each followed by its count and the test for a cancel.

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <limits>
 #include <set>
 
 #include "app/handlers.h"
@@ -104,6 +105,20 @@ TEST_F(RandomTests, ADiskNoLargerThanAVisitIsLeftAlone) {
   press(CmdRnd_Click, {"5", "1000"});
   EXPECT_THAT(form1.Text1.text(), StartsWith("The disk has 1000 sectors, a visit 1000: nothing was done.\r\n"));
   EXPECT_EQ(counters.Sectors_Done, 0);
+  EXPECT_EQ(start("/VDISK:0=" + path("d.vd") + " /D:0 /OP:RANDOMREAD"), 1U) << "a caller must not think it was tested";
+}
+
+TEST_F(RandomTests, AVisitLargerThanATransferIsRefusedWithoutItsMemory) {
+  open_on("sectors 100000000000\n");
+  run.count = 50000000000;
+  run.passes = std::numeric_limits<std::int32_t>::max();
+  form1.CommandLineMode = true;
+  headless::desktop.at_pump = [](int pump) {
+    if (pump > 3) form1.MyCancel = true;
+  };
+  press(CmdRndRD_Click, {});
+  EXPECT_GT(counters.TotalErrors, 0);
+  EXPECT_EQ(disk.Errno, kRefusedTransfer);
 }
 
 TEST_F(RandomTests, StrayAndLostWritesAreCompareErrors) {
@@ -153,6 +168,7 @@ TEST_F(RandomTests, TheNextPlacesDoNotDependOnWhatCouldBeRead) {
 
 TEST_F(RandomTests, AFlushThatFailsBehindTheWriteBackIsALostPlace) {
   open_on("sectors 4096\nserial F\n");
+  run.report = path("r.txt");
   headless::desktop.at_pump = [](int) {
     // Seek, read; seek, lock, write, flush, unlock; seek, read; seek, lock, write, flush.
     headless::desktop.calls_made = 0;
