@@ -78,11 +78,11 @@ TEST_P(FaultLoop, EndsWithATrueReportWhicheverCallFails) {
     for (const std::int64_t last : {failing, std::numeric_limits<std::int64_t>::max()}) {
       run_failing(failing, last);
       expect_true_report(failing);
-      if (GetParam().writes) {
-        write_image("a.img", 64);
-      } else {
-        ASSERT_EQ(read_file(path("a.img")), image_) << "call " << failing;
-      }
+      if (read_file(path("a.img")) == image_) continue;
+      // What a non-destructive test could not give back it tells.
+      const bool told = count_of(err(), "could not be written back") > 0;
+      EXPECT_TRUE(GetParam().writes || told) << "call " << failing;
+      write_image("a.img", 64);
     }
   }
 }
@@ -94,7 +94,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Scenario{"RandomRead", "/D:0 /OP:RANDOMREAD /PASSES:2 /COUNT:4", false},
                       Scenario{"Search", "/D:0 /OP:SEARCH /FIND:t33", false}, Scenario{"Show", "/D:0 /OP:SHOW", false},
                       Scenario{"Smart", "/D:0 /OP:SMART", false}, Scenario{"List", "/LIST", false},
-                      Scenario{"RandomWrite", "/D:0 /OP:RANDOMWRITE /SERIAL:S /PASSES:2 /COUNT:4", true},
+                      Scenario{"RandomWrite", "/D:0 /OP:RANDOMWRITE /SERIAL:S /PASSES:2 /COUNT:4", false},
                       Scenario{"ReadButton", "/D:0", false, CmdRead_Click},
                       Scenario{"SearchButton", "/D:0", false, CmdFind_Click, {"t33"}},
                       Scenario{"WriteButton", "/D:0", true, CmdWrite_Click, {"OK"}},
