@@ -7,13 +7,14 @@
 
 namespace {
 
+constexpr std::uint32_t kDiskFull = 112;  // winerror.h: ERROR_DISK_FULL
+
 std::string temporary_name(const OutputFile& file) {
   return file.name + ".tmp";
 }
 
 /// "The file "x.csv" cannot be written: error 112 - There is not enough space on the disk."
-std::string failure(const OutputFile& file, const std::string& what) {
-  const std::uint32_t code = kernel32::GetLastError();
+std::string failure(const OutputFile& file, const std::string& what, std::uint32_t code) {
   return "The file \"" + file.name + "\" " + what + ": error " + std::to_string(code) + " - " + SystemErrorText(code);
 }
 
@@ -28,7 +29,8 @@ std::string open_output(const std::string& name, OutputFile* file) {
   file->name = name;
   file->handle = kernel32::CreateFileA(temporary_name(*file).c_str(), platform::kGenericWrite, platform::kShareRead,
                                        platform::kCreateAlways, 0);
-  return file->handle == kernel32::kInvalidHandle ? failure(*file, "cannot be made") : std::string();
+  return file->handle == kernel32::kInvalidHandle ? failure(*file, "cannot be made", kernel32::GetLastError())
+                                                  : std::string();
 }
 
 std::string write_output(std::string_view text, OutputFile* file) {
@@ -38,7 +40,7 @@ std::string write_output(std::string_view text, OutputFile* file) {
     std::uint32_t moved = 0;
     const bool done = kernel32::WriteFile(file->handle, part.data(), static_cast<std::uint32_t>(part.size()), &moved);
     if (!done || moved != part.size()) {
-      std::string line = failure(*file, "cannot be written");
+      std::string line = failure(*file, "cannot be written", done ? kDiskFull : kernel32::GetLastError());
       abandon_output(file);
       return line;
     }
@@ -54,7 +56,7 @@ std::string finish_output(OutputFile* file) {
                             platform::kReplaceExisting | platform::kWriteThrough)) {
     return {};
   }
-  return failure(*file, "cannot be replaced") + " Its contents are in \"" + temporary + "\".";
+  return failure(*file, "cannot be replaced", kernel32::GetLastError()) + " Its contents are in \"" + temporary + "\".";
 }
 
 void abandon_output(OutputFile* file) {
