@@ -4,7 +4,7 @@
 #include <memory>
 #include <span>
 
-/// Page-aligned bytes that know their length. Growing and shrinking reuse the memory and do not clear it.
+/// Page-aligned bytes that know their length. Shrinking, and growing to what it once was, keep the memory.
 class SectorBuffer {
  public:
   /// Makes the buffer `bytes` long; its contents are unspecified afterwards.

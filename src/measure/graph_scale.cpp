@@ -61,13 +61,6 @@ double x_of(const RateMap& map, std::int64_t lba, double width) {
   return static_cast<double>(lba - map.first_lba) * width / static_cast<double>(map.sectors);
 }
 
-std::int64_t lba_at(const RateMap& map, double x, double width) {
-  if (map.sectors <= 0 || width <= 0.0) return map.first_lba;
-  const double share = std::clamp(x / width, 0.0, 1.0);
-  const auto from = static_cast<std::int64_t>(share * static_cast<double>(map.sectors));
-  return map.first_lba + std::min(from, map.sectors - 1);
-}
-
 double y_of(const Scale& scale, double value, double height) {
   return height * (1.0 - std::clamp(value / scale.top, 0.0, 1.0));
 }

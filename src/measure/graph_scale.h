@@ -32,9 +32,8 @@ struct RangeAxis {
 };
 RangeAxis range_axis(std::int64_t first_lba, std::int64_t sectors, int most_ticks);
 
-/// The pixel of `lba` on an axis `width` pixels long, and the other way round: the LBA at pixel `x`.
+/// The pixel of `lba` on an axis `width` pixels long.
 double x_of(const RateMap& map, std::int64_t lba, double width);
-std::int64_t lba_at(const RateMap& map, double x, double width);
 
 /// The pixel of `value` on a scale drawn `height` pixels high, 0 at its top.
 double y_of(const Scale& scale, double value, double height);

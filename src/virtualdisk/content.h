@@ -6,8 +6,8 @@
 #include <string>
 #include <unordered_map>
 
-#include "virtualdisk/page.h"
 #include "virtualdisk/files.h"
+#include "virtualdisk/page.h"
 
 namespace virtualdisk {
 

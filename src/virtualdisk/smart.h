@@ -4,8 +4,8 @@
 #include <span>
 #include <vector>
 
-#include "virtualdisk/page.h"
 #include "virtualdisk/disk_file.h"
+#include "virtualdisk/page.h"
 
 namespace virtualdisk {
 

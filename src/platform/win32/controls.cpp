@@ -1,5 +1,3 @@
-
-
 #include <string>
 
 #include "platform/scale.h"
