@@ -102,7 +102,7 @@ class NothingLost : public Rig, public ::testing::WithParamInterface<WriteTest> 
       if (writes(transfer.phase)) written.insert(transfer.lba);
     });
     ASSERT_GT(written.size(), 40U);
-    constexpr std::int64_t kAround = 100;
+    constexpr std::int64_t kAround = 30;
     for (const std::int64_t lba : written) {
       const std::int64_t first = std::max<std::int64_t>(lba - kAround, 0);
       const std::int64_t end = std::min(lba + GetParam().sectors + kAround, GetParam().disk_sectors);
