@@ -15,12 +15,14 @@ namespace {
 /// at most a hundredth of the time.
 double next_show = 0.0;
 
-/// The taskbar belongs to another process: asked twice a second.
+/// When the taskbar is told next. It belongs to another process, and COM makes two threads to reach it, with which
+/// system calls cost more: it is told twice a second, and nothing of a command that is over before anybody looks there.
+double next_share = 0.0;
+
 void show_share_when_due(double now) {
   constexpr double kPause = 0.5;
-  static double next = 0.0;
-  if (!main_window.busy || now < next) return;
-  next = now + kPause;
+  if (!main_window.busy || now < next_share) return;
+  next_share = now + kPause;
   show_on_taskbar(main_window.table.share());
 }
 
@@ -148,6 +150,8 @@ void begin_command() {
   if (main.window == nullptr || main.busy) return;
   win32::take_typing();
   main.busy = true;
+  constexpr double kWorthTelling = 2.0;  // seconds
+  win32::next_share = steady_seconds() + kWorthTelling;
   win32::note_focus();
   main.focus_before = main.focus;
   // First the focus, then the buttons: a disabled control that has it swallows every key.

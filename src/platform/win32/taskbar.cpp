@@ -10,11 +10,11 @@ namespace win32 {
 
 namespace {
 
-/// Null where there is none. It lives in the window's own apartment: from another COM would make threads to reach it.
+/// Null where there is none. COM is joined as the management service does it, whoever comes first.
 ITaskbarList3* taskbar() {
   static const Com<ITaskbarList3> list = [] {
     Com<ITaskbarList3> made;
-    if (FAILED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) return made;
+    ::CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     const HRESULT result =
         ::CoCreateInstance(CLSID_TaskbarList, nullptr, CLSCTX_INPROC_SERVER, IID_ITaskbarList3, made.out());
     if (FAILED(result) || !made || FAILED(made->HrInit())) return Com<ITaskbarList3>();
@@ -23,19 +23,22 @@ ITaskbarList3* taskbar() {
   return list.get();
 }
 
+bool shows_progress = false;
+
 }  // namespace
 
 void show_on_taskbar(const platform::Share& share) {
   ITaskbarList3* const list = taskbar();
   if (list == nullptr) return;
+  shows_progress = true;
   constexpr ULONGLONG kWhole = 1000;
   list->SetProgressState(main_window.window, share.failed ? TBPF_ERROR : TBPF_NORMAL);
   list->SetProgressValue(main_window.window, static_cast<ULONGLONG>(share.done * static_cast<double>(kWhole)), kWhole);
 }
 
 void clear_taskbar() {
-  ITaskbarList3* const list = taskbar();
-  if (list != nullptr) list->SetProgressState(main_window.window, TBPF_NOPROGRESS);
+  if (shows_progress) taskbar()->SetProgressState(main_window.window, TBPF_NOPROGRESS);
+  shows_progress = false;
 }
 
 }  // namespace win32

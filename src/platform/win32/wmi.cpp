@@ -1,68 +1,31 @@
 #include "platform/wmi.h"
 
 #include <array>
-#include <condition_variable>
-#include <functional>
-#include <mutex>
 #include <optional>
 #include <string_view>
-#include <system_error>
-#include <thread>
-#include <type_traits>
 
 #include "platform/win32/com.h"
 #include "platform/win32/win_api.h"
 
 namespace win32 {
 
-namespace {
-
-/// A thread in the multithreaded apartment, which does one piece of work after the other while its caller waits. In the
-/// window's own apartment a call to the service would hand out messages meanwhile, and handlers would run in the middle
-/// of a query.
-class ServiceThread {
- public:
-  ServiceThread() {
-    std::thread([this] { serve(); }).detach();
-  }
-
-  /// Returns when `work` is done.
-  void run(const std::function<void()>& work) {
-    std::unique_lock lock(mutex_);
-    work_ = &work;
-    changed_.notify_all();
-    changed_.wait(lock, [this] { return work_ == nullptr; });
-  }
-
- private:
-  [[noreturn]] void serve() {
-    ::CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    for (;;) {
-      std::unique_lock lock(mutex_);
-      changed_.wait(lock, [this] { return work_ != nullptr; });
-      (*work_)();
-      work_ = nullptr;
-      changed_.notify_all();
-    }
-  }
-
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  const std::function<void()>* work_ = nullptr;  // null when it is done
-};
-
-/// Null where the system has no thread for it. It stays until the process ends: under Wine a thread that ends shortly
-/// before has cost the exit code.
-ServiceThread* service_thread() {
-  static ServiceThread* const made = []() -> ServiceThread* {
-    try {
-      return new ServiceThread;
-    } catch (const std::system_error&) {
-      return nullptr;
-    }
-  }();
-  return made;
+std::string narrow(std::wstring_view text) {
+  const int length = static_cast<int>(text.size());
+  const int bytes = ::WideCharToMultiByte(CP_ACP, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+  std::string result(static_cast<std::size_t>(bytes), '\0');
+  ::WideCharToMultiByte(CP_ACP, 0, text.data(), length, result.data(), bytes, nullptr, nullptr);
+  return result;
 }
+
+std::wstring wide(std::string_view text) {
+  const int bytes = static_cast<int>(text.size());
+  const int length = ::MultiByteToWideChar(CP_ACP, 0, text.data(), bytes, nullptr, 0);
+  std::wstring result(static_cast<std::size_t>(length), L'\0');
+  ::MultiByteToWideChar(CP_ACP, 0, text.data(), bytes, result.data(), length);
+  return result;
+}
+
+namespace {
 
 /// The handles given out: a service, or the rows of a query.
 struct Reached {
@@ -115,54 +78,9 @@ std::optional<std::string> property_text(IDispatch* row, const std::string& prop
   return text_of(value);
 }
 
-platform::WmiHandle open_service(const std::string& moniker) {
-  Com<IDispatch> service;
-  const std::wstring name = wide(moniker);
-  if (FAILED(::CoGetObject(name.c_str(), nullptr, IID_IDispatch, service.out())) || !service) return platform::kNoWmi;
-  return keep({std::move(service), {}});
-}
-
-platform::WmiHandle run_query(platform::WmiHandle service, const std::string& query, std::uint32_t flags) {
-  const auto found = reached.find(service);
-  if (found == reached.end() || !found->second.service) return platform::kNoWmi;
-  std::array<Variant, 3> arguments;
-  arguments[0].vt = VT_I4;
-  arguments[0].lVal = static_cast<LONG>(flags);
-  if (!set_text(&arguments[1], "WQL") || !set_text(&arguments[2], query)) return platform::kNoWmi;
-  std::array<VARIANT, 3> plain = {arguments[0], arguments[1], arguments[2]};
-  Variant set;
-  if (FAILED(invoke(found->second.service.get(), L"ExecQuery", plain.data(), 3, &set))) return platform::kNoWmi;
-  if (set.vt != VT_DISPATCH || set.pdispVal == nullptr) return platform::kNoWmi;
-
-  Variant list;
-  DISPPARAMS none{};
-  if (FAILED(set.pdispVal->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT, kMethodOrProperty, &none, &list,
-                                  nullptr, nullptr))) {
-    return platform::kNoWmi;
-  }
-  if ((list.vt != VT_UNKNOWN && list.vt != VT_DISPATCH) || list.punkVal == nullptr) return platform::kNoWmi;
-  Com<IEnumVARIANT> rows;
-  if (FAILED(list.punkVal->QueryInterface(IID_IEnumVARIANT, rows.out())) || !rows) return platform::kNoWmi;
-  return keep({{}, std::move(rows)});
-}
-
-platform::WmiNext next_row(platform::WmiHandle rows, const std::vector<std::string>& properties,
-                           platform::WmiRow* row) {
-  const auto found = reached.find(rows);
-  if (found == reached.end() || !found->second.rows) return platform::WmiNext::failed;
-  Variant next;
-  ULONG fetched = 0;
-  const HRESULT result = found->second.rows->Next(1, &next, &fetched);
-  if (FAILED(result)) return platform::WmiNext::failed;
-  if (result == S_FALSE || fetched == 0) return platform::WmiNext::end;
-  if (next.vt != VT_DISPATCH || next.pdispVal == nullptr) return platform::WmiNext::failed;
-  row->clear();
-  for (const std::string& property : properties) {
-    const std::optional<std::string> text = property_text(next.pdispVal, property);
-    if (!text) return platform::WmiNext::failed;
-    (*row)[property] = *text;
-  }
-  return platform::WmiNext::row;
+bool join_apartment() {
+  static const bool joined = SUCCEEDED(::CoInitializeEx(nullptr, COINIT_MULTITHREADED));
+  return joined;
 }
 
 }  // namespace
@@ -170,32 +88,61 @@ platform::WmiNext next_row(platform::WmiHandle rows, const std::vector<std::stri
 
 namespace platform {
 
-namespace {
-
-/// What `work` gives, done on the service's thread; `otherwise` where there is none.
-template <typename Work>
-std::invoke_result_t<Work> on_service_thread(Work work, std::invoke_result_t<Work> otherwise) {
-  if (win32::service_thread() == nullptr) return otherwise;
-  win32::service_thread()->run([&] { otherwise = work(); });
-  return otherwise;
-}
-
-}  // namespace
+using win32::Com;
+using win32::Variant;
 
 WmiHandle wmi_open(const std::string& moniker) {
-  return on_service_thread([&] { return win32::open_service(moniker); }, kNoWmi);
+  if (!win32::join_apartment()) return kNoWmi;
+  Com<IDispatch> service;
+  const std::wstring name = win32::wide(moniker);
+  if (FAILED(::CoGetObject(name.c_str(), nullptr, IID_IDispatch, service.out())) || !service) return kNoWmi;
+  return win32::keep({std::move(service), {}});
 }
 
 WmiHandle wmi_query(WmiHandle service, const std::string& query, std::uint32_t flags) {
-  return on_service_thread([&] { return win32::run_query(service, query, flags); }, kNoWmi);
+  const auto found = win32::reached.find(service);
+  if (found == win32::reached.end() || !found->second.service) return kNoWmi;
+  std::array<Variant, 3> arguments;
+  arguments[0].vt = VT_I4;
+  arguments[0].lVal = static_cast<LONG>(flags);
+  if (!win32::set_text(&arguments[1], "WQL") || !win32::set_text(&arguments[2], query)) return kNoWmi;
+  std::array<VARIANT, 3> plain = {arguments[0], arguments[1], arguments[2]};
+  Variant set;
+  if (FAILED(win32::invoke(found->second.service.get(), L"ExecQuery", plain.data(), 3, &set))) return kNoWmi;
+  if (set.vt != VT_DISPATCH || set.pdispVal == nullptr) return kNoWmi;
+
+  Variant list;
+  DISPPARAMS none{};
+  if (FAILED(set.pdispVal->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT, win32::kMethodOrProperty, &none, &list,
+                                  nullptr, nullptr))) {
+    return kNoWmi;
+  }
+  if ((list.vt != VT_UNKNOWN && list.vt != VT_DISPATCH) || list.punkVal == nullptr) return kNoWmi;
+  Com<IEnumVARIANT> rows;
+  if (FAILED(list.punkVal->QueryInterface(IID_IEnumVARIANT, rows.out())) || !rows) return kNoWmi;
+  return win32::keep({{}, std::move(rows)});
 }
 
 WmiNext wmi_next(WmiHandle rows, const std::vector<std::string>& properties, WmiRow* row) {
-  return on_service_thread([&] { return win32::next_row(rows, properties, row); }, WmiNext::failed);
+  const auto found = win32::reached.find(rows);
+  if (found == win32::reached.end() || !found->second.rows) return WmiNext::failed;
+  Variant next;
+  ULONG fetched = 0;
+  const HRESULT result = found->second.rows->Next(1, &next, &fetched);
+  if (FAILED(result)) return WmiNext::failed;
+  if (result == S_FALSE || fetched == 0) return WmiNext::end;
+  if (next.vt != VT_DISPATCH || next.pdispVal == nullptr) return WmiNext::failed;
+  row->clear();
+  for (const std::string& property : properties) {
+    const std::optional<std::string> text = win32::property_text(next.pdispVal, property);
+    if (!text) return WmiNext::failed;
+    (*row)[property] = *text;
+  }
+  return WmiNext::row;
 }
 
 void wmi_close(WmiHandle handle) {
-  on_service_thread([handle] { return win32::reached.erase(handle); }, 0);
+  win32::reached.erase(handle);
 }
 
 }  // namespace platform
