@@ -63,7 +63,8 @@ void report_write_failure(std::int64_t lba, std::int64_t sectors) {
 constexpr Direction kReading{ReadAt, report_read_failure, "reading", false};
 constexpr Direction kWriting{WriteAt, report_write_failure, "writing", true};
 
-/// Made for each direction: a call through a pointer would be left at the price of a small transfer's bookkeeping.
+/// One timed transfer. `tells_slow`: the report has a line of it when it is slow. Made for each direction, so that
+/// small transfers are spared a call through a pointer.
 template <const Direction& direction>
 bool transfer_once(std::int64_t lba, std::int64_t sectors, bool tells_slow) {
   form1.TxtStatus.set_deferred<position_text>(PositionFacts{lba, sectors, direction.doing});
