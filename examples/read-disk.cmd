@@ -22,13 +22,21 @@ if not exist sectorix-vars.cmd (
   exit /b %CODE%
 )
 call sectorix-vars.cmd
-if not "%QV_D_TOTERR%"=="0" (
-  echo %QV_D_MODEL%: %QV_D_TOTERR% transfers failed. Exit code %CODE%.
-  exit /b %CODE%
-)
-if not "%CODE%"=="0" (
-  echo %QV_D_MODEL%: all sectors read, but SMART or the event log changed. Exit code %CODE%.
-  exit /b %CODE%
-)
+rem No blocks from here on: a drive's own text may hold parentheses, which would end them.
+if not "%QV_D_TOTERR%"=="0" goto failed
+if "%CODE%"=="3" goto stopped
+if not "%CODE%"=="0" goto changed
 echo %QV_D_MODEL%: all sectors read. Exit code 0.
 exit /b 0
+
+:failed
+echo %QV_D_MODEL%: %QV_D_TOTERR% transfers failed. Exit code %CODE%.
+exit /b %CODE%
+
+:stopped
+echo %QV_D_MODEL%: stopped before the end, or three findings in SMART and the event log. Exit code 3.
+exit /b 3
+
+:changed
+echo %QV_D_MODEL%: all sectors read, but SMART or the event log changed. Exit code %CODE%.
+exit /b %CODE%
