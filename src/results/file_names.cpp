@@ -80,7 +80,8 @@ std::string check(const Output_Name& output, const std::string& path) {
   if (name == "-") return shown + "is no file; only /REPORT and /VARS go to standard output.";
   std::string problem = why_no_file(name);
   if (!problem.empty()) return shown + problem;
-  if (is_virtual_disk(path)) return shown + "is a virtual disk of this run.";
+  if (is_virtual_disk(path) || (output.replaced && is_virtual_disk(path + ".TMP")))
+    return shown + "is a virtual disk of this run.";
   if (writes_to_disk() && lies_on_drive(path, named_drive()) != OnDrive::no)
     return shown + "lies on the disk under test.";
   if (const std::uint32_t code = why_not_writable(name)) {
@@ -111,10 +112,13 @@ std::string check_output_names() {
     const std::string path = same_file(**output.name);
     std::string problem = check(output, path);
     if (!problem.empty()) return problem;
-    if (std::find(paths.begin(), paths.end(), path) != paths.end()) {
-      return std::string(output.which) + ": \"" + **output.name + "\" is named twice.";
+    // A file that is replaced has two names, one while it is written.
+    for (const std::string& taken : output.replaced ? std::vector{path, path + ".TMP"} : std::vector{path}) {
+      if (std::find(paths.begin(), paths.end(), taken) != paths.end()) {
+        return std::string(output.which) + ": \"" + **output.name + "\" is named twice.";
+      }
+      paths.push_back(taken);
     }
-    paths.push_back(path);
   }
   return {};
 }

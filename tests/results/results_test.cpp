@@ -187,6 +187,7 @@ TEST_F(ResultsTest, NamesOfDevicesAndFoldersAreRefusedBeforeAnythingIsWritten) {
   EXPECT_EQ(start(disk + " /JSON:" + path("missing/r.json")), 1U);
   EXPECT_EQ(start(disk + " /CSV:" + path("same") + " /JSON:" + path("same")), 1U);
   EXPECT_THAT(err(), HasSubstr("is named twice"));
+  EXPECT_EQ(start(disk + " /CSV:" + path("one.tmp") + " /JSON:" + path("one")), 1U) << "the name while it is written";
   EXPECT_EQ(start(disk + " /CSV:" + path("d0.vd")), 1U);
   EXPECT_THAT(err(), HasSubstr("is a virtual disk of this run"));
   EXPECT_FALSE(exists("r.txt"));
