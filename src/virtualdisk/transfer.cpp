@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "platform/clock.h"
 #include "virtualdisk/disk.h"
 
@@ -21,7 +23,8 @@ void end_transfer(Disk& disk, const Range& range, Event event, double started) {
   if (slow) grow(disk.smart, Event::slow);
   if (seconds <= 0.0) return;
   const double left = seconds - (platform::steady_seconds() - started);
-  if (left > 0.0) platform::wait(left);
+  constexpr double kLongest = 86400.0;  // a day, whatever a disk file says
+  if (left > 0.0) platform::wait(std::min(left, kLongest));
 }
 
 double start_time(const Disk& disk) {
