@@ -16,7 +16,6 @@ namespace {
 
 constexpr std::uint32_t kAccessDenied = 5;  // winerror.h: ERROR_ACCESS_DENIED
 constexpr std::uint32_t kEndOfFile = 38;    // ERROR_HANDLE_EOF
-constexpr std::uint32_t kDiskFull = 112;    // ERROR_DISK_FULL
 
 bool may_transfer(std::int64_t lba, std::int64_t count) {
   constexpr std::int64_t kLastLba = std::numeric_limits<std::int64_t>::max() / kSectorSize;
@@ -112,7 +111,7 @@ bool WriteAt(std::int64_t lba, std::int64_t count) {
   const bool written = kernel32::WriteFile(disk.hDrive, disk.Sec_Buf.data(), bytes, &moved);
   disk.Errno = kernel32::GetLastError();
   if (!written) return false;
-  if (moved < bytes) return failed(disk.Errno != 0 ? disk.Errno : kDiskFull);
+  if (moved < bytes) return failed(disk.Errno != 0 ? disk.Errno : platform::kDiskFull);
   disk.Buf_Secs = moved / kSectorSize;
   disk.flush_errno = kernel32::FlushFileBuffers(disk.hDrive) ? 0 : kernel32::GetLastError();
   kernel32::UnlockFile(disk.hDrive, offset_low, offset_high, length.low, length.high);

@@ -15,12 +15,11 @@ constexpr std::string_view kTitle = "Sectorix";
 
 /// Gives 0, or the system's code.
 std::uint32_t write_all(kernel32::Handle file, std::string_view text) {
-  constexpr std::uint32_t kDiskFull = 112;  // winerror.h: ERROR_DISK_FULL
   std::uint32_t moved = 0;
   if (!kernel32::WriteFile(file, text.data(), static_cast<std::uint32_t>(text.size()), &moved)) {
     return kernel32::GetLastError();
   }
-  return moved == text.size() ? 0 : kDiskFull;
+  return moved == text.size() ? 0 : platform::kDiskFull;
 }
 
 /// Appends `lines` to the file `name`, made where there is none. Gives 0, or the system's code.

@@ -13,7 +13,6 @@
 namespace {
 
 constexpr std::uint32_t kFileExists = 80;  // winerror.h: ERROR_FILE_EXISTS
-constexpr std::uint32_t kDiskFull = 112;   // ERROR_DISK_FULL
 constexpr int kMostTries = 1000;
 
 /// The folder of the report, with its last separator; empty for the current one.
@@ -41,7 +40,7 @@ std::uint32_t write_and_close(kernel32::Handle file, std::span<const std::uint8_
   std::uint32_t code = 0;
   const bool written = kernel32::WriteFile(file, bytes.data(), static_cast<std::uint32_t>(bytes.size()), &moved);
   if (written && moved < bytes.size()) {
-    code = kDiskFull;
+    code = platform::kDiskFull;
   } else if (!written || !kernel32::FlushFileBuffers(file)) {
     code = kernel32::GetLastError();
   }

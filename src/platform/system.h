@@ -28,6 +28,9 @@ inline constexpr std::uint32_t kFileBegin = 0;
 inline constexpr std::uint32_t kFileCurrent = 1;
 inline constexpr std::uint32_t kFileEnd = 2;
 
+/// What a write that was cut short means where the system gave no code: ERROR_DISK_FULL (winerror.h).
+inline constexpr std::uint32_t kDiskFull = 112;
+
 /// Opens or creates `name`; kInvalidHandle on failure.
 Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_mode, std::uint32_t disposition,
                    std::uint32_t flags);

@@ -74,13 +74,33 @@ bool writes_to_disk() {
   return run.op == Operation::write || run.op == Operation::random_write;
 }
 
+/// False for an output that is not wanted, or goes to standard output as it may.
+bool is_file(const Output_Name& output) {
+  return *output.name && (output.replaced || **output.name != "-");
+}
+
+/// Compares names alone, so that no file is touched for a run that is then refused.
+std::string named_twice() {
+  std::vector<std::string> taken;
+  for (const Output_Name& output : outputs()) {
+    if (!is_file(output)) continue;
+    std::vector<std::string> names = {same_file(**output.name)};
+    if (output.replaced) names.push_back(same_file(temporary_name(**output.name)));
+    if (std::find_first_of(names.begin(), names.end(), taken.begin(), taken.end()) != names.end()) {
+      return std::string(output.which) + ": \"" + **output.name + "\" is named twice.";
+    }
+    taken.insert(taken.end(), names.begin(), names.end());
+  }
+  return {};
+}
+
 std::string check(const Output_Name& output, const std::string& path) {
   const std::string& name = **output.name;
   const std::string shown = std::string(output.which) + ": \"" + name + "\" ";
   if (name == "-") return shown + "is no file; only /REPORT and /VARS go to standard output.";
   std::string problem = why_no_file(name);
   if (!problem.empty()) return shown + problem;
-  if (is_virtual_disk(path) || (output.replaced && is_virtual_disk(path + ".TMP")))
+  if (is_virtual_disk(path) || (output.replaced && is_virtual_disk(same_file(temporary_name(name)))))
     return shown + "is a virtual disk of this run.";
   if (writes_to_disk() && lies_on_drive(path, named_drive()) != OnDrive::no)
     return shown + "lies on the disk under test.";
@@ -106,19 +126,12 @@ std::string why_no_file(const std::string& name) {
 }
 
 std::string check_output_names() {
-  std::vector<std::string> paths;
+  const std::string twice = named_twice();
+  if (!twice.empty()) return twice;
   for (const Output_Name& output : outputs()) {
-    if (!*output.name || (!output.replaced && **output.name == "-")) continue;
-    const std::string path = same_file(**output.name);
-    std::string problem = check(output, path);
+    if (!is_file(output)) continue;
+    std::string problem = check(output, same_file(**output.name));
     if (!problem.empty()) return problem;
-    // A file that is replaced has two names, one while it is written.
-    for (const std::string& taken : output.replaced ? std::vector{path, path + ".TMP"} : std::vector{path}) {
-      if (std::find(paths.begin(), paths.end(), taken) != paths.end()) {
-        return std::string(output.which) + ": \"" + **output.name + "\" is named twice.";
-      }
-      paths.push_back(taken);
-    }
   }
   return {};
 }

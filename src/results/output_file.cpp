@@ -7,12 +7,6 @@
 
 namespace {
 
-constexpr std::uint32_t kDiskFull = 112;  // winerror.h: ERROR_DISK_FULL
-
-std::string temporary_name(const OutputFile& file) {
-  return file.name + ".tmp";
-}
-
 /// "The file "x.csv" cannot be written: error 112 - There is not enough space on the disk."
 std::string failure(const OutputFile& file, const std::string& what, std::uint32_t code) {
   return "The file \"" + file.name + "\" " + what + ": error " + std::to_string(code) + " - " + SystemErrorText(code);
@@ -25,10 +19,14 @@ void close(OutputFile* file) {
 
 }  // namespace
 
+std::string temporary_name(const std::string& name) {
+  return name + ".tmp";
+}
+
 std::string open_output(const std::string& name, OutputFile* file) {
   file->name = name;
-  file->handle = kernel32::CreateFileA(temporary_name(*file).c_str(), platform::kGenericWrite, platform::kShareRead,
-                                       platform::kCreateAlways, 0);
+  file->handle = kernel32::CreateFileA(temporary_name(file->name).c_str(), platform::kGenericWrite,
+                                       platform::kShareRead, platform::kCreateAlways, 0);
   return file->handle == kernel32::kInvalidHandle ? failure(*file, "cannot be made", kernel32::GetLastError())
                                                   : std::string();
 }
@@ -40,7 +38,7 @@ std::string write_output(std::string_view text, OutputFile* file) {
     std::uint32_t moved = 0;
     const bool done = kernel32::WriteFile(file->handle, part.data(), static_cast<std::uint32_t>(part.size()), &moved);
     if (!done || moved != part.size()) {
-      std::string line = failure(*file, "cannot be written", done ? kDiskFull : kernel32::GetLastError());
+      std::string line = failure(*file, "cannot be written", done ? platform::kDiskFull : kernel32::GetLastError());
       abandon_output(file);
       return line;
     }
@@ -51,7 +49,7 @@ std::string write_output(std::string_view text, OutputFile* file) {
 
 std::string finish_output(OutputFile* file) {
   close(file);
-  const std::string temporary = temporary_name(*file);
+  const std::string temporary = temporary_name(file->name);
   if (kernel32::MoveFileExA(temporary.c_str(), file->name.c_str(),
                             platform::kReplaceExisting | platform::kWriteThrough)) {
     return {};
@@ -62,7 +60,7 @@ std::string finish_output(OutputFile* file) {
 void abandon_output(OutputFile* file) {
   if (file->handle == kernel32::kInvalidHandle) return;
   close(file);
-  kernel32::DeleteFileA(temporary_name(*file).c_str());
+  kernel32::DeleteFileA(temporary_name(file->name).c_str());
 }
 
 std::string write_whole_file(const std::string& name, std::string_view text) {

@@ -12,6 +12,9 @@ struct OutputFile {
   kernel32::Handle handle = kernel32::kInvalidHandle;
 };
 
+/// The name that a file has while it is written.
+std::string temporary_name(const std::string& name);
+
 /// Creates the temporary file. An empty text, or one line that says what failed.
 std::string open_output(const std::string& name, OutputFile* file);
 

@@ -188,6 +188,9 @@ TEST_F(ResultsTest, NamesOfDevicesAndFoldersAreRefusedBeforeAnythingIsWritten) {
   EXPECT_EQ(start(disk + " /CSV:" + path("same") + " /JSON:" + path("same")), 1U);
   EXPECT_THAT(err(), HasSubstr("is named twice"));
   EXPECT_EQ(start(disk + " /CSV:" + path("one.tmp") + " /JSON:" + path("one")), 1U) << "the name while it is written";
+  write_file("old.tmp", "an old report");
+  EXPECT_EQ(start(disk_switch("sectors 10\n") + "/OP:READ /REPORT:" + path("old.tmp") + " /CSV:" + path("old")), 1U);
+  EXPECT_EQ(read_file(path("old.tmp")), "an old report") << "a refused run touches nothing";
   EXPECT_EQ(start(disk + " /CSV:" + path("d0.vd")), 1U);
   EXPECT_THAT(err(), HasSubstr("is a virtual disk of this run"));
   EXPECT_FALSE(exists("r.txt"));
