@@ -95,8 +95,6 @@ LRESULT CALLBACK main_procedure(HWND window, UINT message, WPARAM word, LPARAM l
       // A box that is open goes first, also for other programs that ask.
       if (::IsWindowEnabled(window) != FALSE) main_window.table.on_close();
       return 0;
-    case WM_QUERYENDSESSION:
-      return TRUE;
     case WM_ENDSESSION:
       if (word != FALSE) {
         request_exit();
