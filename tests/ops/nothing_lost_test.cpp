@@ -33,6 +33,7 @@ struct WriteTest {
   std::int64_t disk_sectors;
   std::int64_t sectors;      // of a visit
   std::int64_t transferred;  // sectors a pass
+  std::int64_t around;       // sectors on each side of a visit that hold something too
 };
 
 void PrintTo(const WriteTest& test, std::ostream* to) {
@@ -102,10 +103,9 @@ class NothingLost : public Rig, public ::testing::WithParamInterface<WriteTest> 
       if (writes(transfer.phase)) written.insert(transfer.lba);
     });
     ASSERT_GT(written.size(), 40U);
-    constexpr std::int64_t kAround = 30;
     for (const std::int64_t lba : written) {
-      const std::int64_t first = std::max<std::int64_t>(lba - kAround, 0);
-      const std::int64_t end = std::min(lba + GetParam().sectors + kAround, GetParam().disk_sectors);
+      const std::int64_t first = std::max<std::int64_t>(lba - GetParam().around, 0);
+      const std::int64_t end = std::min(lba + GetParam().sectors + GetParam().around, GetParam().disk_sectors);
       std::string sectors;
       for (std::int64_t i = first; i < end; ++i) {
         std::string sector = "LBA " + std::to_string(i);
@@ -199,8 +199,8 @@ TEST_P(NothingLost, AVanishingDriveLosesAtMostItsLastPlace) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Tests, NothingLost,
-                         ::testing::Values(WriteTest{"RandomWrite", CmdRnd_Click, {"8"}, 4096, 8, 32},
-                                           WriteTest{"OffTrack", Cmd_OffTrack_Write, {}, 409600, 30, 92}),
+                         ::testing::Values(WriteTest{"RandomWrite", CmdRnd_Click, {"8"}, 4096, 8, 32, 4096},
+                                           WriteTest{"OffTrack", Cmd_OffTrack_Write, {}, 409600, 30, 92, 100}),
                          [](const auto& info) { return info.param.name; });
 
 }  // namespace
