@@ -126,12 +126,9 @@ std::string why_no_file(const std::string& name) {
 }
 
 std::string check_output_names() {
-  const std::string twice = named_twice();
-  if (!twice.empty()) return twice;
+  std::string problem = named_twice();
   for (const Output_Name& output : outputs()) {
-    if (!is_file(output)) continue;
-    std::string problem = check(output, same_file(**output.name));
-    if (!problem.empty()) return problem;
+    if (problem.empty() && is_file(output)) problem = check(output, same_file(**output.name));
   }
-  return {};
+  return problem;
 }
