@@ -12,6 +12,7 @@
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "form/run.h"
+#include "platform/device_names.h"
 #include "platform/system.h"
 #include "results/output_file.h"
 
@@ -30,15 +31,6 @@ const std::array<Output_Name, 5>& outputs() {
                                                     {"/JSON", &run.json, true},
                                                     {"/GRAPH", &run.graph, true}}};
   return names;
-}
-
-/// The names that the system keeps for devices in every folder, whatever their extension (Windows, "Naming Files").
-bool is_reserved(const std::string& name) {
-  constexpr std::array<std::string_view, 6> kNames = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
-  const std::string stem = trimmed(name.substr(0, name.find_first_of(".:")));
-  if (std::find(kNames.begin(), kNames.end(), stem) != kNames.end()) return true;
-  const bool port = stem.size() == 4 && (stem.starts_with("COM") || stem.starts_with("LPT"));
-  return port && stem[3] >= '1' && stem[3] <= '9';
 }
 
 /// The code with which opening the file for writing fails; 0 also where there is none yet.
@@ -100,8 +92,7 @@ std::string check(const Output_Name& output, const std::string& path) {
   if (name == "-") return shown + "is no file; only /REPORT and /VARS go to standard output.";
   std::string problem = why_no_file(name);
   if (!problem.empty()) return shown + problem;
-  if (is_virtual_disk(path) || (output.replaced && is_virtual_disk(same_file(temporary_name(name)))))
-    return shown + "is a virtual disk of this run.";
+  if (is_virtual_disk(path)) return shown + "is a virtual disk of this run.";
   if (writes_to_disk() && lies_on_drive(path, named_drive()) != OnDrive::no)
     return shown + "lies on the disk under test.";
   if (const std::uint32_t code = why_not_writable(name)) {
@@ -117,11 +108,8 @@ std::string check(const Output_Name& output, const std::string& path) {
 }  // namespace
 
 std::string why_no_file(const std::string& name) {
-  std::string path = upper_case(name);
-  std::replace(path.begin(), path.end(), '/', '\\');
-  if (path.starts_with("\\\\.\\") || path.starts_with("\\\\?\\") || path.starts_with("\\??\\")) return "is a device.";
-  if (path.empty() || path.back() == '\\' || path.back() == ':') return "is a folder.";
-  if (is_reserved(path.substr(path.find_last_of('\\') + 1))) return "is a device.";
+  if (platform::names_device(name)) return "is a device.";
+  if (name.empty() || std::string_view("/\\:").find(name.back()) != std::string_view::npos) return "is a folder.";
   return {};
 }
 

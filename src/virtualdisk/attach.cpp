@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/device_names.h"
 #include "virtualdisk/demo.h"
 #include "virtualdisk/files.h"
 
@@ -107,7 +108,7 @@ ParsedDisk describe(const std::string& file) {
   }
   std::string text;
   const std::string reason =
-      is_device_name(file) ? "is a device, not a file" : read_file(file, kLongestDiskFile, &text);
+      platform::names_device(file) ? "is a device, not a file" : read_file(file, kLongestDiskFile, &text);
   if (reason.empty()) return parse_disk_file(text, file);
   parsed.error = file + " " + reason;
   return parsed;

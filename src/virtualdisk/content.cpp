@@ -4,6 +4,8 @@
 #include <cstring>
 #include <new>
 
+#include "platform/device_names.h"
+
 namespace virtualdisk {
 namespace {
 
@@ -16,7 +18,7 @@ bool all_zero(const std::uint8_t* bytes, std::size_t size) {
 }  // namespace
 
 std::string Content::open_image(const std::string& name) {
-  if (is_device_name(name)) return "is a device, not a file";
+  if (platform::names_device(name)) return "is a device, not a file";
   // Nobody else writes while it is attached: a report of that name would cut the image off.
   constexpr std::uint32_t kShared = platform::kShareRead;
   constexpr std::uint32_t kBoth = platform::kGenericRead | platform::kGenericWrite;

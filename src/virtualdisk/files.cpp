@@ -19,11 +19,6 @@ std::string base_name(const std::string& path) {
   return path.substr(path.find_last_of("/\\") + 1);
 }
 
-bool is_device_name(const std::string& name) {
-  const auto slash = [&](std::size_t i) { return name[i] == '\\' || name[i] == '/'; };
-  return name.size() >= 4 && slash(0) && slash(1) && (name[2] == '.' || name[2] == '?') && slash(3);
-}
-
 std::string read_file(const std::string& name, std::uint32_t most, std::string* contents) {
   const auto refused = [](const char* what) {
     return std::string(what) + " (error " + std::to_string(platform::GetLastError()) + ")";

@@ -33,9 +33,6 @@ std::string resolved(const std::string& name, const std::string& beside);
 /// The last part of a path.
 std::string base_name(const std::string& path);
 
-/// True for the names of devices, which are no files.
-bool is_device_name(const std::string& name);
-
 /// The whole file into `contents`; gives an empty text or the reason. More than `most` bytes are a reason too.
 std::string read_file(const std::string& name, std::uint32_t most, std::string* contents);
 

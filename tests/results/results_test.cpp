@@ -10,11 +10,13 @@
 #include "app/handlers.h"
 #include "eventlog/event_log.h"
 #include "form/form1.h"
+#include "form/output.h"
 #include "measure/measure.h"
 #include "results/csv_rows.h"
 #include "results/file_names.h"
 #include "results/json_text.h"
 #include "results/svg_graph.h"
+#include "results/tell.h"
 #include "tests/support/rig.h"
 
 namespace {
@@ -174,8 +176,8 @@ TEST_F(ResultsTest, TextsAreEscaped) {
 }
 
 TEST_F(ResultsTest, NamesOfDevicesAndFoldersAreRefusedBeforeAnythingIsWritten) {
-  for (const char* name :
-       {"\\\\.\\PhysicalDrive0", "//./c:", "\\\\?\\X:", "nul", "c:\\x\\Com1.csv", "aux .txt", "x\\", "x/", "C:"}) {
+  for (const char* name : {"\\\\.\\PhysicalDrive0", "//./c:", "\\\\?\\X:", "\\??\\X:", "nul", "c:\\x\\Com1.csv",
+                           "aux .txt", "x\\", "x/", "C:"}) {
     EXPECT_THAT(why_no_file(name), testing::StartsWith("is a ")) << name;
   }
   EXPECT_EQ(why_no_file("c:\\com10\\console.csv"), "");
@@ -226,6 +228,38 @@ TEST_F(ResultsTest, AFullDiskIsToldOnceAndTheRunGoesOn) {
   EXPECT_EQ(count_of(err(), "cannot be written: error 112"), 1);
   EXPECT_FALSE(exists("r.csv"));
   EXPECT_FALSE(exists("r.csv.tmp"));
+}
+
+TEST_F(ResultsTest, NoFileOrConsoleIsWaitedForDuringAVisit) {
+  begin({.kind = RunKind::random_write, .sectors = 100000});
+  begin_csv(path("missing/r.csv"));
+  headless::desktop.calls.clear();
+  std::int64_t rows = 0;
+  for (; headless::desktop.calls.empty() && rows < 10000; ++rows) {
+    hold_report();
+    for (int row = 0; row < 6; ++row) add_csv_row({.lba = rows, .sectors = 1, .seconds = 0.001});
+    ASSERT_TRUE(headless::desktop.calls.empty()) << "after visit " << rows;
+    release_report();
+    add_csv_row({.lba = rows, .sectors = 1, .seconds = 0.001});
+  }
+  EXPECT_LT(rows, 10000);
+  EXPECT_EQ(count_of(err(), "cannot be made"), 1);
+  hold_report();
+  tell("Told during a visit.");
+  EXPECT_EQ(count_of(err(), "visit"), 0);
+  release_report();
+  EXPECT_EQ(count_of(err(), "Told during a visit.\r\n"), 1);
+}
+
+TEST_F(ResultsTest, TheTemporaryFileOfAFormerRunStays) {
+  write_file("r.csv.tmp", "all that is left");
+  start(disk_switch("sectors 10\n") + "/OP:READ" + files());
+  EXPECT_EQ(rows().size(), 1U);
+  EXPECT_EQ(read_file(path("r.csv.tmp")), "all that is left");
+  EXPECT_FALSE(exists("r.csv.tmp2"));
+  for (int number = 2; number <= 9; ++number) write_file("r.csv.tmp" + std::to_string(number), "more");
+  EXPECT_EQ(start(disk_switch("sectors 10\n") + "/OP:READ" + files()), 1U);
+  EXPECT_THAT(err(), HasSubstr("r.csv.tmp9\": error 80"));
 }
 
 TEST_F(ResultsTest, ManyRowsGoThroughABufferOfOneSize) {

@@ -30,6 +30,8 @@ TEST_F(AttachTest, SaysWhatIsWrongWithTheFilesNamed) {
   EXPECT_EQ(error_of("image three.img\nsectors 4"), ":2: sectors must be at most the image's 3: 4");
   EXPECT_EQ(error_of("image short.page"), ":1: short.page holds no whole sector");
   EXPECT_EQ(error_of(R"(image \\.\PhysicalDrive1)"), R"(:1: \\.\PhysicalDrive1 is a device, not a file)");
+  EXPECT_EQ(error_of("image nul"), ":1: nul is a device, not a file");
+  EXPECT_EQ(attach(0, "CON"), "CON is a device, not a file");
   EXPECT_EQ(error_of("sectors 4\nidentify short.page"), ":2: short.page has fewer than 512 bytes");
   EXPECT_EQ(error_of("sectors 4\nattributes three.img"), ":2: three.img has more than 512 bytes");
   EXPECT_EQ(attach(0, path("none.vd")), path("none.vd") + " cannot be opened (error 2)");
