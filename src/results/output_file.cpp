@@ -24,11 +24,17 @@ std::string temporary_name(const std::string& name) {
 }
 
 std::string open_output(const std::string& name, OutputFile* file) {
+  constexpr std::uint32_t kFileExists = 80;  // winerror.h: ERROR_FILE_EXISTS
+  constexpr int kNames = 9;
   file->name = name;
-  file->handle = kernel32::CreateFileA(temporary_name(file->name).c_str(), platform::kGenericWrite,
-                                       platform::kShareRead, platform::kCreateAlways, 0);
-  return file->handle == kernel32::kInvalidHandle ? failure(*file, "cannot be made", kernel32::GetLastError())
-                                                  : std::string();
+  for (int number = 1; number <= kNames; ++number) {
+    file->temporary = temporary_name(name) + (number == 1 ? "" : std::to_string(number));
+    file->handle = kernel32::CreateFileA(file->temporary.c_str(), platform::kGenericWrite, platform::kShareRead,
+                                         platform::kCreateNew, 0);
+    if (file->handle != kernel32::kInvalidHandle) return {};
+    if (kernel32::GetLastError() != kFileExists) break;
+  }
+  return failure(*file, "cannot be made as \"" + file->temporary + "\"", kernel32::GetLastError());
 }
 
 std::string write_output(std::string_view text, OutputFile* file) {
@@ -49,18 +55,18 @@ std::string write_output(std::string_view text, OutputFile* file) {
 
 std::string finish_output(OutputFile* file) {
   close(file);
-  const std::string temporary = temporary_name(file->name);
-  if (kernel32::MoveFileExA(temporary.c_str(), file->name.c_str(),
+  if (kernel32::MoveFileExA(file->temporary.c_str(), file->name.c_str(),
                             platform::kReplaceExisting | platform::kWriteThrough)) {
     return {};
   }
-  return failure(*file, "cannot be replaced", kernel32::GetLastError()) + " Its contents are in \"" + temporary + "\".";
+  return failure(*file, "cannot be replaced", kernel32::GetLastError()) + " Its contents are in \"" + file->temporary +
+         "\".";
 }
 
 void abandon_output(OutputFile* file) {
   if (file->handle == kernel32::kInvalidHandle) return;
   close(file);
-  kernel32::DeleteFileA(temporary_name(file->name).c_str());
+  kernel32::DeleteFileA(file->temporary.c_str());
 }
 
 std::string write_whole_file(const std::string& name, std::string_view text) {

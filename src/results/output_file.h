@@ -5,17 +5,19 @@
 
 #include "device/kernel32.h"
 
-/// A file that is written under a temporary name ("NAME.tmp", in the same folder) and renamed when it is whole, so that
-/// nobody ever reads half of one under its own name.
+/// A file that is written under a temporary name in the same folder and renamed when it is whole, so that nobody ever
+/// reads half of one under its own name.
 struct OutputFile {
   std::string name;  // the final one
+  std::string temporary;
   kernel32::Handle handle = kernel32::kInvalidHandle;
 };
 
-/// The name that a file has while it is written.
+/// The name that a file has while it is written, unless there is a file of that name: "NAME.tmp".
 std::string temporary_name(const std::string& name);
 
-/// Creates the temporary file. An empty text, or one line that says what failed.
+/// Creates the temporary file; "NAME.tmp2" to "NAME.tmp9" where a former run's lies there, since that may be all that
+/// is left of its results. An empty text, or one line that says what failed.
 std::string open_output(const std::string& name, OutputFile* file);
 
 /// Appends `text`. On failure the temporary file is deleted and the line says why.
