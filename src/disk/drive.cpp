@@ -8,7 +8,6 @@
 #include "disk/error_text.h"
 #include "form/form1.h"
 #include "form/output.h"
-#include "platform/console.h"
 
 Disk disk;
 
@@ -51,7 +50,7 @@ void report_open_failure(int n, const std::string& path, std::uint32_t code) {
               " Source=Sectorix");
   if (code == kAccessDenied && !output.access_denied_told) {
     output.access_denied_told = true;
-    platform::write_err("Access is denied: run as administrator.\r\n");
+    tell_on_stderr("Access is denied: run as administrator.");
   }
 }
 

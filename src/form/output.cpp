@@ -33,11 +33,6 @@ std::uint32_t append_to_file(const std::string& name, std::string_view lines) {
   return code;
 }
 
-void tell_on_stderr(std::string line) {
-  line += "\r\n";
-  platform::write_err(line);
-}
-
 void write_report(std::string_view text) {
   const std::uint32_t code = output.report_handle == kernel32::kInvalidHandle ? platform::write_out(text)
                                                                               : write_all(output.report_handle, text);
@@ -85,7 +80,19 @@ void hold_report() {
 void release_report() {
   output.report_held = false;
   if (!output.held_lines.empty()) write_report(output.held_lines);
+  if (!output.held_errors.empty()) platform::write_err(output.held_errors);
   output.held_lines.clear();
+  output.held_errors.clear();
+}
+
+void tell_on_stderr(std::string_view line) {
+  std::string text(line);
+  text += "\r\n";
+  if (output.report_held) {
+    output.held_errors += text;
+  } else {
+    platform::write_err(text);
+  }
 }
 
 void report_and_show(std::string_view text) {

@@ -15,8 +15,9 @@ struct Output {
   std::int16_t ExitCode = 0;              // what the process ends with
   std::int64_t report_handle = -1;        // the open report; -1 while it goes to standard output
   bool InDevelopmentEnvironment = false;  // true ends the process without an exit code
-  bool report_held = false;               // lines wait in held_lines
-  std::string held_lines;
+  bool report_held = false;               // lines wait in held_lines and held_errors
+  std::string held_lines;                 // of the report
+  std::string held_errors;                // of standard error
   bool report_failure_told = false;
   bool access_denied_told = false;
 };
@@ -33,8 +34,8 @@ void close_report();
 /// first one is told on standard error.
 void PrintReport(std::string_view text);
 
-/// Between the two PrintReport keeps its lines: while a disk holds data that are not its own, nothing may wait for a
-/// console that somebody has halted.
+/// Between the two PrintReport and tell_on_stderr keep their lines: while a disk holds data that are not its own,
+/// nothing may wait for a console that somebody has halted.
 void hold_report();
 void release_report();
 
@@ -47,6 +48,9 @@ bool AppendReportVars(std::string_view text);
 
 /// Passes a warning or error to the report (command-line mode) or a box, while MessagesEnabled is true.
 void ShowMessage(const std::string& text);
+
+/// Writes `line` and a line end to standard error.
+void tell_on_stderr(std::string_view line);
 
 /// Tells the user something that the run is about: a box, or a line on standard error for a run with /OP.
 void tell_user(const std::string& text, platform::BoxIcon icon = platform::BoxIcon::none);

@@ -15,7 +15,6 @@
 #include "ops/select_drive.h"
 #include "ops/visit.h"
 #include "platform/clock.h"
-#include "platform/console.h"
 #include "smart/compare.h"
 #include "smart/identification.h"
 #include "smart/snapshot.h"
@@ -26,7 +25,7 @@ namespace {
 
 /// Ends a run with /OP whose drive is not the one that it may work on.
 void refuse_wrong_drive(const std::string& why) {
-  platform::write_err(why + "\r\n");
+  tell_on_stderr(why);
   output.ExitCode = 1;
   CloseDrive();
   ExitProgram();

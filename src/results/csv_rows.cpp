@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cstring>
 
+#include "form/output.h"
 #include "results/tell.h"
 
 CsvRows csv_rows;
@@ -10,6 +11,7 @@ CsvRows csv_rows;
 namespace {
 
 constexpr std::size_t kLongestRow = 512;
+constexpr std::size_t kRowsOfVisit = 8;  // at least
 
 void put(std::string_view text) {
   std::memcpy(csv_rows.buffer.data() + csv_rows.used, text.data(), text.size());
@@ -69,7 +71,9 @@ void add_csv_row(const Transfer& transfer) {
   put(",");
   put_number(transfer.error);
   put("\r\n");
-  if (csv_rows.used + kLongestRow <= csv_rows.buffer.size()) return;
+  // Between a visit's write and its write-back no file is waited for either: there is room for the visit's other rows.
+  const std::size_t rows_of_room = output.report_held ? 1 : kRowsOfVisit;
+  if (csv_rows.used + rows_of_room * kLongestRow <= csv_rows.buffer.size()) return;
   const std::string error = flush();
   if (!error.empty()) tell(error + " The run goes on.");
 }

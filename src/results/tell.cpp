@@ -1,9 +1,9 @@
 #include "results/tell.h"
 
 #include "form/form1.h"
-#include "platform/console.h"
+#include "form/output.h"
 
 void tell(const std::string& line) {
-  platform::write_err(line + "\r\n");
+  tell_on_stderr(line);
   form1.Text1.append(line + "\r\n");
 }
