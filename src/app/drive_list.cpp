@@ -1,25 +1,32 @@
 #include "app/drive_list.h"
 
+#include <cstdint>
 #include <string>
 
 #include "disk/drive.h"
 #include "disk/progress.h"
 #include "form/form1.h"
+#include "form/output.h"
 #include "platform/console.h"
 #include "smart/identification.h"
 
 int list_drives() {
-  bool any = false;
+  constexpr int kFailed = 1;
+  std::string list;
   for (int drive = 0; drive < kDriveCount; ++drive) {
     OpenDrive(drive);
     if (!Check_drv(drive)) continue;
-    any = true;
     const Identification& id = identification;
-    platform::write_out(std::to_string(drive) + "\t" + id.Disk_Model + "\t" + id.Disk_Serial + "\t" + id.Disk_Firmware +
-                        "\t" + std::to_string(id.Drive_Sectors) + "\t" +
-                        std::to_string(id.Drive_Sectors / kSectorsPerMb) + "Mb\r\n");
+    list += std::to_string(drive) + "\t" + id.Disk_Model + "\t" + id.Disk_Serial + "\t" + id.Disk_Firmware + "\t" +
+            std::to_string(id.Drive_Sectors) + "\t" + std::to_string(id.Drive_Sectors / kSectorsPerMb) + "Mb\r\n";
   }
   CloseDrive();
-  if (!any) platform::write_err("No drive answers.\r\n");
-  return any ? 0 : 1;
+  if (list.empty()) {
+    tell_on_stderr("No drive answers.");
+    return kFailed;
+  }
+  const std::uint32_t code = platform::write_out(list);
+  if (code == 0) return 0;
+  tell_on_stderr("The list cannot be written: error " + std::to_string(code) + ".");
+  return kFailed;
 }

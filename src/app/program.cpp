@@ -28,7 +28,7 @@ namespace {
 constexpr int kRefused = 1;
 
 int refuse(const std::string& line) {
-  platform::write_err(line + "\r\n");
+  tell_on_stderr(line);
   return kRefused;
 }
 
@@ -78,10 +78,7 @@ void run_operation(bool has_window) {
 int run_program() {
   const std::string mistake = parse_command_line(platform::command_line(), &run);
   if (!mistake.empty()) return refuse(mistake);
-  if (run.usage) {
-    platform::write_out(switch_help());
-    return 0;
-  }
+  if (run.usage) return platform::write_out(switch_help()) == 0 ? 0 : kRefused;
   std::string error = attach_virtual_disks();
   if (error.empty() && run.list) return list_drives();
   if (error.empty()) error = open_outputs();

@@ -193,6 +193,11 @@ TEST_F(Program, AnUnwritableReportIsRefusedBeforeTheDiskIsOpened) {
 }
 
 TEST_F(Program, HelpAndListEndWithoutAWindow) {
+  headless::desktop.out_fails = 112;
+  EXPECT_EQ(start("/?"), 1U);
+  EXPECT_EQ(start("/LIST " + disk_switch(6, "sectors 4096\n")), 1U);
+  EXPECT_EQ(err(), "The list cannot be written: error 112.\r\n");
+  headless::desktop = {};
   EXPECT_EQ(start("/? /OP"), 1U) << "a bad value is told even beside /?";
   EXPECT_EQ(start("/?"), 0U);
   EXPECT_THAT(out(), HasSubstr("/VDISK:n=FILE"));
