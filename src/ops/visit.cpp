@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "disk/drive.h"
+#include "disk/error_text.h"
 #include "disk/transfer.h"
 #include "form/form1.h"
 #include "form/output.h"
@@ -18,6 +19,18 @@ namespace {
 void tell(const std::string& line) {
   PrintReport(line);
   form1.Text1.append(line + "\r\n");
+}
+
+/// True for the codes with which the system refuses a write by itself: on a write-protected medium, or inside a volume
+/// that is not locked.
+bool never_sent(std::uint32_t code) {
+  constexpr std::uint32_t kAccessDenied = 5;  // winerror.h: ERROR_ACCESS_DENIED
+  constexpr std::uint32_t kWriteProtect = 19;
+  return code == kAccessDenied || code == kWriteProtect;
+}
+
+std::string nothing_written(std::uint32_t code) {
+  return "Nothing was written over them: error " + std::to_string(code) + " - " + SystemErrorText(code);
 }
 
 /// True when the drive took the last write and did not bring it to its medium; a drive that knows no flush does not
@@ -54,7 +67,9 @@ bool Visit::take_former_contents() {
 bool Visit::write() {
   std::int64_t lba = lba_;
   enter(Phase::writing);
-  return Write_sectors(&lba, sectors_, sectors_, Events::wait);
+  const bool done = Write_sectors(&lba, sectors_, sectors_, Events::wait);
+  refused_ = !done && never_sent(disk.Errno) ? disk.Errno : 0;
+  return done;
 }
 
 bool Visit::read() {
@@ -68,8 +83,10 @@ void Visit::give_back() {
   std::int64_t lba = lba_;
   enter(Phase::restoring);
   if (Write_sectors(&lba, sectors_, sectors_, Events::wait) && !flush_failed()) return;
+  const bool untouched = refused_ != 0 && disk.Errno == refused_;
   const std::string line = "Former contents of " + std::to_string(sectors_) + " sectors at LBA " +
-                           std::to_string(lba_) + " could not be written back. " + save_to_rescue_file(lba_, saved_);
+                           std::to_string(lba_) + " could not be written back. " +
+                           (untouched ? nothing_written(refused_) : save_to_rescue_file(lba_, saved_));
   lost_places.lines.push_back(line);
   // At once, since the process may end before the report does.
   tell(line);

@@ -21,7 +21,8 @@ class Visit {
   bool write();
   bool read();
 
-  /// Writes the former contents back. Where that fails, they are saved in a file and the place is remembered.
+  /// Writes the former contents back. Where that fails, they are saved in a file, unless the system let nothing through
+  /// to the drive, and the place is remembered.
   void give_back();
 
   const std::vector<std::uint8_t>& former_contents() const { return saved_; }
@@ -30,6 +31,7 @@ class Visit {
   std::int64_t lba_;
   std::int64_t sectors_;
   std::vector<std::uint8_t> saved_;
+  std::uint32_t refused_ = 0;  // the system's code for a write that it did not pass on to the drive
 };
 
 /// Places whose former contents could not be written back in this operation, a line each. Tests start fresh by `{}`.

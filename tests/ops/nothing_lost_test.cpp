@@ -26,6 +26,8 @@
 
 namespace {
 
+using ::testing::HasSubstr;
+
 struct WriteTest {
   const char* name;
   void (*button)();
@@ -195,6 +197,19 @@ TEST_P(NothingLost, AVanishingDriveLosesAtMostItsLastPlace) {
     visit(3, "vanish " + std::to_string(transfers) + "\n");
     EXPECT_LE(restore_lost_places(), 1) << transfers;
     EXPECT_TRUE(image_is_whole()) << transfers;
+  }
+}
+
+TEST_P(NothingLost, WhatTheSystemRefusedToWriteNeedsNoFile) {
+  for (const auto& [directive, code] :
+       {std::pair{"readonly\n", "error 19 - "}, std::pair{"fail write 0 409600 5\n", "error 5 - "}}) {
+    visit(3, directive);
+    EXPECT_TRUE(image_is_whole());
+    EXPECT_EQ(counters.TotalErrors, 6);
+    const auto told = lines_with(form1.Text1.text(), "Former contents of ");
+    ASSERT_EQ(told.size(), 6U) << "each at once and at the end";
+    for (const std::string& line : told)
+      EXPECT_THAT(line, HasSubstr(std::string("Nothing was written over them: ") + code));
   }
 }
 
