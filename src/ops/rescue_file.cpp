@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr std::uint32_t kFileExists = 80;  // winerror.h: ERROR_FILE_EXISTS
 constexpr int kMostTries = 1000;
 
 /// The folder of the report, with its last separator; empty for the current one.
@@ -64,12 +63,12 @@ std::string save_to_rescue_file(std::int64_t lba, std::span<const std::uint8_t> 
     const std::string name = base + (number == 0 ? std::string() : "-" + std::to_string(number)) + ".bin";
     const kernel32::Handle file =
         kernel32::CreateFileA(name.c_str(), platform::kGenericWrite, 0, platform::kCreateNew, 0);
-    if (file == kernel32::kInvalidHandle && kernel32::GetLastError() == kFileExists) continue;
+    if (file == kernel32::kInvalidHandle && kernel32::GetLastError() == platform::kFileExists) continue;
     if (file == kernel32::kInvalidHandle) return why_none(kernel32::GetLastError());
     const std::uint32_t code = write_and_close(file, sectors);
     if (code == 0) return "They are in the file " + name + ".";
     kernel32::DeleteFileA(name.c_str());
     return why_none(code);
   }
-  return why_none(kFileExists);
+  return why_none(platform::kFileExists);
 }

@@ -28,6 +28,8 @@ inline constexpr std::uint32_t kFileBegin = 0;
 inline constexpr std::uint32_t kFileCurrent = 1;
 inline constexpr std::uint32_t kFileEnd = 2;
 
+inline constexpr std::uint32_t kFileExists = 80;  // winerror.h: ERROR_FILE_EXISTS
+
 /// What a write that was cut short means where the system gave no code: ERROR_DISK_FULL (winerror.h).
 inline constexpr std::uint32_t kDiskFull = 112;
 

@@ -24,7 +24,6 @@ std::string temporary_name(const std::string& name) {
 }
 
 std::string open_output(const std::string& name, OutputFile* file) {
-  constexpr std::uint32_t kFileExists = 80;  // winerror.h: ERROR_FILE_EXISTS
   constexpr int kNames = 9;
   file->name = name;
   for (int number = 1; number <= kNames; ++number) {
@@ -32,7 +31,7 @@ std::string open_output(const std::string& name, OutputFile* file) {
     file->handle = kernel32::CreateFileA(file->temporary.c_str(), platform::kGenericWrite, platform::kShareRead,
                                          platform::kCreateNew, 0);
     if (file->handle != kernel32::kInvalidHandle) return {};
-    if (kernel32::GetLastError() != kFileExists) break;
+    if (kernel32::GetLastError() != platform::kFileExists) break;
   }
   return failure(*file, "cannot be made as \"" + file->temporary + "\"", kernel32::GetLastError());
 }
