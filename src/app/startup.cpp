@@ -8,6 +8,7 @@
 #include "form/form1.h"
 #include "form/output.h"
 #include "form/run.h"
+#include "ops/range.h"
 #include "ops/select_drive.h"
 
 namespace {
@@ -90,6 +91,11 @@ void Form_Load() {
     form1.SelectedDrive = 0;
     show_option(0);
     SelectDrive();
+  }
+  if (!run.op && (run.start_lba != 0 || run.count != 0)) {
+    // From here on the fields alone say what is read and written. A run with /OP fills them when it begins.
+    show_range_of_command_line();
+    form1.RangeEdited = true;
   }
   form1.Text1.set_text("    WARNING: " + form1.TxtStatus.text() + " selected!" + kInstructions);
 }

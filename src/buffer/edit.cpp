@@ -115,13 +115,17 @@ bool take_edits() {
     tell_user("No changes made to buffer contents", platform::BoxIcon::information);
     return true;
   }
-  if (!ask_user(
-          std::to_string(changes.count) + " bytes edited - OK to overwrite " + std::to_string(sectors) + " sectors?",
-          "")) {
-    return false;
-  }
+  const std::string question =
+      std::to_string(changes.count) + " bytes edited - OK to overwrite " + std::to_string(sectors) + " sectors?";
+  // In command-line mode no second question follows: the title of this one tells what is written where.
+  if (!ask_user(question, form1.CommandLineMode ? write_buffer_title() : "")) return false;
   std::copy(editor.Edit_Buf.begin(), editor.Edit_Buf.end(), disk.Sec_Buf.data());
   return true;
+}
+
+std::string write_buffer_title() {
+  return "Write " + form1.TxtNoSecs.text() + " sectors starting at sector " + form1.TxtStartLBA.text() +
+         " from the buffer?";
 }
 
 void Edit_Buffer_Byte() {

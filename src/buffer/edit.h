@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 /// Editing the sector buffer: in the text box, or byte by byte through questions.
@@ -18,6 +19,9 @@ bool Get_text_to_Buffer();
 /// Sec_Buf. True when the buffer is to be written to the disk now, which is also the case with no view shown and with
 /// nothing changed; the writing asks for itself.
 bool take_edits();
+
+/// "Write 2 sectors starting at sector 40 from the buffer?", with the fields of the range as typed.
+std::string write_buffer_title();
 
 /// Changes single bytes of Sec_Buf's first 10,241 through questions, until one is cancelled, and shows the edit view.
 void Edit_Buffer_Byte();

@@ -12,6 +12,7 @@
 #include "form/progress_line.h"
 #include "form/run.h"
 #include "ops/frame_data.h"
+#include "ops/range.h"
 #include "ops/select_drive.h"
 #include "ops/visit.h"
 #include "platform/clock.h"
@@ -56,18 +57,6 @@ void refuse_missing_drive() {
   ExitProgram();
 }
 
-/// Puts the range that the command line gave into the fields. A start alone means: from there to the end of the disk.
-void fill_remembered_range() {
-  // What the user typed since is what was shown and confirmed.
-  if (!run.op && form1.RangeEdited) return;
-  if (run.start_lba != 0) form1.TxtStartLBA.set_text(std::to_string(run.start_lba));
-  if (run.count != 0) {
-    form1.TxtNoSecs.set_text(std::to_string(run.count));
-  } else if (run.start_lba != 0 && form1.CommandLineMode && !form1.RangeEdited) {
-    form1.TxtNoSecs.set_text(std::to_string(identification.Drive_Sectors - run.start_lba));
-  }
-}
-
 }  // namespace
 
 bool open_for_operation() {
@@ -103,7 +92,7 @@ void Start_Operation() {
   frame.before = Get_Smart_Data(form1.SelectedDrive);
   // No line end behind this heading, so the listing's first line follows on it; kept, scripts cut at this line.
   frame.Smart_Text += smart.Smart_List + "\r\n\r\nSMART DATA AFTER OPERATION";
-  fill_remembered_range();
+  if (run.op) show_range_of_command_line();
   frame.Op_Start_Date = platform::local_time();
   frame.start_utc = platform::utc_time();
   begin_progress_line();
@@ -125,6 +114,8 @@ void End_Operation() {
 }
 
 void run_writing(void (*operation)()) {
+  // The range that the fields show now is written to, also where the frame selects the drive again.
+  if (!run.op) form1.RangeEdited = true;
   form1.Text1.set_text({});
   Start_Operation();
   Lock_Unlock_All_Volumes(form1.SelectedDrive, "LOCK");

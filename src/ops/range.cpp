@@ -6,6 +6,8 @@
 #include "disk/counters.h"
 #include "form/form1.h"
 #include "form/number_text.h"
+#include "form/run.h"
+#include "smart/identification.h"
 
 std::int64_t take_range() {
   const std::int64_t start = number_in(form1.TxtStartLBA.text());
@@ -13,6 +15,15 @@ std::int64_t take_range() {
   counters.No_Secs = std::max<std::int64_t>(number_in(form1.TxtNoSecs.text()), 1);
   form1.TxtNoSecs.set_text(std::to_string(counters.No_Secs));
   return start;
+}
+
+void show_range_of_command_line() {
+  if (run.start_lba != 0) form1.TxtStartLBA.set_text(std::to_string(run.start_lba));
+  if (run.count != 0) {
+    form1.TxtNoSecs.set_text(std::to_string(run.count));
+  } else if (run.start_lba != 0) {
+    form1.TxtNoSecs.set_text(std::to_string(std::max<std::int64_t>(identification.Drive_Sectors - run.start_lba, 1)));
+  }
 }
 
 std::int64_t read_chunk(std::int64_t sectors) {

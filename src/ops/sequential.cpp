@@ -84,9 +84,7 @@ void write_buffer_command() {
 
 void Write_Buffer_To_End() {
   ShowMessage("Started HDD - WRITEBUFFTOEND");
-  const std::string title = "Write " + form1.TxtNoSecs.text() + " sectors starting at sector " +
-                            form1.TxtStartLBA.text() + " from the buffer?";
-  if (confirm_write(title)) run_writing(Seq_Write);
+  if (confirm_write(write_buffer_title())) run_writing(Seq_Write);
 }
 
 void read_command() {

@@ -112,6 +112,38 @@ TEST_F(Writing, ThreeEditedBytesAreListedAskedAboutAndWritten) {
   EXPECT_EQ(read_file(path("a.img")), expected);
 }
 
+TEST_F(Writing, WhatTheQuestionNamesIsWhatIsWritten) {
+  // A search moves the start that the command line gave.
+  open("/START:10 /COUNT:30 /VDISK:0=" + disk_file(""));
+  EXPECT_EQ(form1.TxtStartLBA.text() + " " + form1.TxtNoSecs.text(), "10 30") << "shown before anything runs";
+  headless::desktop.answers = {"t25 25 "};
+  click(CmdFind_Click);
+  headless::desktop.answers = {"OK"};
+  click(cmdWriteBuffer_Click);
+  EXPECT_EQ(headless::desktop.boxes.back().title, "Write 30 sectors starting at sector 25 from the buffer?");
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("Writing 30 sectors starting at LBA 25 on drive 0"));
+  EXPECT_EQ(read_file(path("a.img")).substr(0, 25 * 512), pristine_.substr(0, 25 * 512));
+}
+
+TEST_F(Writing, WithoutASecondQuestionTheFirstNamesTheRange) {
+  open("/D:0 /VDISK:0=" + disk_file(""));
+  click(CmdRead_Click);
+  range("40", "1");
+  click(display_click);
+  std::string text = form1.Text1.text();
+  text.replace(text.find("\n0000 ") + 6, 2, "fe");
+  for (const char* answer : {"CANCEL", "OK"}) {
+    EXPECT_TRUE(untouched());
+    form1.Text1.set_typed(text);
+    headless::desktop.answers = {answer};
+    click(cmdWriteBuffer_Click);
+    EXPECT_EQ(headless::desktop.boxes.back().title, "Write 1 sectors starting at sector 40 from the buffer?");
+  }
+  EXPECT_THAT(sector(39), StartsWith("39 39 "));
+  EXPECT_EQ(sector(40)[0], '\xFE') << "the drive was selected again, the range stayed";
+  EXPECT_THAT(sector(41), StartsWith("41 41 "));
+}
+
 TEST_F(Writing, AnUneditedViewSaysSoAndStillAsksBeforeItWrites) {
   open_window();
   range("40", "20");
