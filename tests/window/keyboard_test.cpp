@@ -68,6 +68,16 @@ TEST(Keyboard, LettersWithoutAltStartNothing) {
   EXPECT_EQ(program.contents(), before);
 }
 
+TEST(Keyboard, EnterAnswersNoQuestionAboutWriting) {
+  const Program program(kPractice);
+  ::PostMessageA(program.button("Fill Buffer with Pattern and WRITE"), BM_CLICK, 0, 0);
+  ASSERT_NE(program.wait_for_box("WIPE DRIVE?"), nullptr);
+  program.key(VK_RETURN);
+  EXPECT_TRUE(wait_until([&] { return !program.box_is_open() && enabled(program.window()); }));
+  ::Sleep(kSettles);
+  EXPECT_EQ(text_of(program.edit(kText)).find("Writing "), std::string::npos);
+}
+
 TEST(Keyboard, AccessKeysPressTheirButtons) {
   const Program program(kPractice);
   program.set_focus(program.edit(kStart));

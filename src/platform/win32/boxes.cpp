@@ -133,7 +133,8 @@ namespace platform {
 bool MsgBox(const std::string& text, Buttons buttons, const std::string& title, BoxIcon icon) {
   if (win32::main_window.window == nullptr) return false;
   win32::before_box();
-  const UINT shape = buttons == Buttons::ok ? MB_OK : MB_OKCANCEL;
+  // Every question is about writing over something: an Enter held down or pressed twice answers Cancel.
+  const UINT shape = buttons == Buttons::ok ? MB_OK : MB_OKCANCEL | MB_DEFBUTTON2;
   const UINT sign = icon == BoxIcon::information ? MB_ICONINFORMATION : 0;
   const int pressed = ::MessageBoxA(win32::main_window.window, text.c_str(), title.c_str(), shape | sign);
   win32::take_typing();
