@@ -13,7 +13,7 @@ void run_command(void (*command)()) {
   platform::begin_command();
   begin_results(program_version());
   command();
-  measure.stopped = form1.MyCancel;
+  finish(form1.MyCancel);
   finish_results();
   // Deals with what was pressed meanwhile as during the command, then gives the buttons back.
   platform::end_command();

@@ -4,7 +4,6 @@
 #include <functional>
 
 #include "app/palette.h"
-#include "form/form1.h"
 #include "form/number_text.h"
 #include "measure/measure.h"
 #include "platform/scale.h"
@@ -55,7 +54,7 @@ ProgressWords progress_words() {
   if (measure.plan.kind == RunKind::none) return {};
   const HowFar how = how_far(measure);
   const std::string percent = std::to_string(static_cast<int>(how.share * kPercent)) + "%";
-  if (!form1.CommandRunning) return {measure.stopped ? "stopped at " + percent : "finished", {}};
+  if (!measure.running) return {measure.stopped ? "stopped at " + percent : "finished", {}};
   return {std::string(phase_text(how.phase)) + " " + percent,
           how.seconds_left < 0.0 ? std::string() : duration_text(how.seconds_left) + " left"};
 }

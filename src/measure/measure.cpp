@@ -63,8 +63,15 @@ void begin(const RunPlan& plan) {
   measure.on_transfer = on_transfer;
   measure.plan = plan;
   if (plan.work <= 0) measure.plan.work = plan.sectors;
+  measure.running = true;
   measure.phase = first_phase(plan.kind);
   lay_out(plan.first_lba, plan.sectors, is_random(plan.kind), &measure.map);
+}
+
+void finish(bool stopped) {
+  if (!measure.running) return;
+  measure.running = false;
+  measure.stopped = stopped;
 }
 
 void enter(Phase phase) {

@@ -58,6 +58,7 @@ struct Measure {
   std::int64_t slow = 0;
   std::int64_t failed = 0;
   std::int64_t failed_writes = 0;
+  bool running = false;
   bool stopped = false;  // the run ended because the user wanted it to
   double seconds = 0.0;  // from the first transfer's start to the last one's end
   double first_start = 0.0;
@@ -79,6 +80,9 @@ extern Measure measure;
 
 /// An operation begins: everything of the one before is forgotten.
 void begin(const RunPlan& plan);
+
+/// The operation has ended, by itself or because the user `stopped` it. Nothing when it has already.
+void finish(bool stopped);
 
 /// From here on transfers belong to `phase`.
 void enter(Phase phase);

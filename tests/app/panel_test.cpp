@@ -172,15 +172,15 @@ TEST_F(PanelPicture, EverythingStaysOnTheCanvasAndInHighContrastInSystemColours)
 TEST_F(PanelPicture, ProgressSaysPhaseShareAndTimeLeft) {
   open("/VDISK:0=DEMO");
   EXPECT_EQ(progress_words().what, "");
-  form1.CommandRunning = true;
   begin({.kind = RunKind::write, .sectors = 1000});
   record({.wrote = true, .sectors = 250, .start = 1.0, .end = 31.0});
   EXPECT_EQ(progress_words().what, "writing 25%");
   EXPECT_EQ(progress_words().left, "1:30 left");
   EXPECT_DOUBLE_EQ(progress_share().done, 0.25);
-  form1.CommandRunning = false;
-  measure.stopped = true;
+  finish(true);
   EXPECT_EQ(progress_words().what, "stopped at 25%");
+  finish(false);
+  EXPECT_EQ(progress_words().what, "stopped at 25%") << "a command that transfers nothing changes nothing";
 }
 
 TEST_F(PanelPicture, ASearchThatFindsIsNotStopped) {
@@ -192,7 +192,6 @@ TEST_F(PanelPicture, ASearchThatFindsIsNotStopped) {
 }
 
 TEST_F(PanelPicture, TheBarIsAsLongAsTheShareDone) {
-  form1.CommandRunning = true;
   begin({.kind = RunKind::read, .sectors = 1000});
   record({.sectors = 500, .start = 1.0, .end = 2.0});
   Canvas canvas{{202, 34}, 96, {}, {}};
