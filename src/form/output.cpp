@@ -4,6 +4,7 @@
 
 #include "device/kernel32.h"
 #include "form/form1.h"
+#include "form/progress_line.h"
 #include "form/run.h"
 #include "platform/console.h"
 
@@ -33,9 +34,15 @@ std::uint32_t append_to_file(const std::string& name, std::string_view lines) {
   return code;
 }
 
+/// Standard output, which may be the terminal on which the progress line stands.
+std::uint32_t write_standard(std::string_view text) {
+  clear_progress_line();
+  return platform::write_out(text);
+}
+
 void write_report(std::string_view text) {
-  const std::uint32_t code = output.report_handle == kernel32::kInvalidHandle ? platform::write_out(text)
-                                                                              : write_all(output.report_handle, text);
+  const bool standard = output.report_handle == kernel32::kInvalidHandle;
+  const std::uint32_t code = standard ? write_standard(text) : write_all(output.report_handle, text);
   if (code == 0 || output.report_failure_told) return;
   output.report_failure_told = true;
   tell_on_stderr("The report cannot be written: error " + std::to_string(code) + ". The run goes on.");
@@ -80,7 +87,7 @@ void hold_report() {
 void release_report() {
   output.report_held = false;
   if (!output.held_lines.empty()) write_report(output.held_lines);
-  if (!output.held_errors.empty()) platform::write_err(output.held_errors);
+  if (!output.held_errors.empty()) tell_at_once(output.held_errors);
   output.held_lines.clear();
   output.held_errors.clear();
 }
@@ -91,8 +98,13 @@ void tell_on_stderr(std::string_view line) {
   if (output.report_held) {
     output.held_errors += text;
   } else {
-    platform::write_err(text);
+    tell_at_once(text);
   }
+}
+
+void tell_at_once(std::string_view lines) {
+  clear_progress_line();
+  platform::write_err(lines);
 }
 
 void report_and_show(std::string_view text) {
@@ -106,7 +118,7 @@ bool AppendReportVars(std::string_view text) {
   lines += "\r\n";
   const std::string& name = output.ReportFileName;
   if (name.empty()) return false;
-  const std::uint32_t code = name == "-" ? platform::write_out(lines) : append_to_file(name, lines);
+  const std::uint32_t code = name == "-" ? write_standard(lines) : append_to_file(name, lines);
   if (code != 0) {
     tell_on_stderr("The variables cannot be written to \"" + name + "\": error " + std::to_string(code) + ".");
   }

@@ -52,6 +52,9 @@ void ShowMessage(const std::string& text);
 /// Writes `line` and a line end to standard error.
 void tell_on_stderr(std::string_view line);
 
+/// Writes `lines`, each with its end, to standard error, held or not.
+void tell_at_once(std::string_view lines);
+
 /// Tells the user something that the run is about: a box, or a line on standard error for a run with /OP.
 void tell_user(const std::string& text, platform::BoxIcon icon = platform::BoxIcon::none);
 

@@ -69,8 +69,14 @@ void show_progress_line() {
   platform::write_err(shown);
 }
 
+void clear_progress_line() {
+  if (line.width == 0) return;
+  platform::write_err("\r" + std::string(line.width, ' ') + "\r");
+  line = {.due = line.due, .on_terminal = line.on_terminal};
+}
+
 void end_progress_line() {
-  if (!wanted() || !line.on_terminal || line.width == 0) return;
-  platform::write_err("\r" + std::string(line.width, ' ') + "\r" + form1.TxtStatus.text() + "\r\n");
-  line.width = 0;
+  if (line.width == 0) return;
+  clear_progress_line();
+  platform::write_err(form1.TxtStatus.text() + "\r\n");
 }

@@ -9,5 +9,8 @@ void begin_progress_line();
 /// Shows the status line when it is due.
 void show_progress_line();
 
-/// Ends the line on a terminal, so that what follows stands below it.
+/// Takes the line from the terminal, for another one to be written there; it is shown again when it is due.
+void clear_progress_line();
+
+/// Leaves the status on the terminal where the line stands, so that what follows stands below it.
 void end_progress_line();

@@ -90,7 +90,7 @@ void Visit::give_back() {
   lost_places.lines.push_back(line);
   // At once, since the process may end before the report does.
   tell(line);
-  if (run.op) platform::write_err(line + "\r\n");
+  if (run.op) tell_at_once(line + "\r\n");
 }
 
 void report_lost_places() {

@@ -22,6 +22,7 @@
 namespace {
 
 using nlohmann::json;
+using ::testing::Contains;
 using ::testing::ContainsRegex;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -298,6 +299,34 @@ TEST_F(ResultsTest, EachOperationOfTheWindowReplacesTheFiles) {
   EXPECT_EQ(document()["operation"]["sectors"], 7);
   EXPECT_EQ(rows().size(), 1U);
   EXPECT_FALSE(exists("r.csv.tmp"));
+}
+
+/// The lines that a terminal shows of `written`: a carriage return goes back to the line's start.
+std::vector<std::string> shown_lines(const std::string& written) {
+  std::vector<std::string> lines(1);
+  std::size_t column = 0;
+  for (const char c : written) {
+    if (c == '\r') {
+      column = 0;
+    } else if (c == '\n') {
+      lines.emplace_back();
+    } else {
+      std::string& line = lines.back();
+      if (line.size() <= column) line.resize(column + 1);
+      line[column++] = c;
+    }
+  }
+  for (std::string& line : lines) line.resize(line.find_last_not_of(' ') + 1);
+  return lines;
+}
+
+TEST_F(ResultsTest, TheReportAndTheProgressLineShareATerminal) {
+  headless::desktop.err_is_terminal = true;
+  start("/VDISK:0=DEMO /D:0 /OP:READ");
+  std::vector<std::string> report = shown_lines(out());
+  report.pop_back();  // the one behind the last line end
+  EXPECT_THAT(report, Contains("Error Reading Sector 614400 for 20480 sectors."));
+  EXPECT_THAT(shown_lines(headless::desktop.terminal), testing::IsSupersetOf(report));
 }
 
 TEST_F(ResultsTest, TheProgressLineTellsShareTimeLeftAndPhase) {

@@ -94,11 +94,13 @@ std::string command_line() {
 std::uint32_t write_out(std::string_view text) {
   if (desktop.out_fails != 0) return desktop.out_fails;
   desktop.out += text;
+  desktop.terminal += text;
   return 0;
 }
 
 std::uint32_t write_err(std::string_view text) {
   desktop.err += text;
+  desktop.terminal += text;
   return 0;
 }
 

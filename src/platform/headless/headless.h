@@ -71,6 +71,7 @@ struct Desktop {
   int pumps = 0;
   std::string out;
   std::string err;
+  std::string terminal;  // both, in the order written
   std::string debug;
   int open_files = 0;
   int commands_begun = 0;
