@@ -50,6 +50,7 @@ void check_drive_of_run() {
 void refuse_missing_drive() {
   const std::string text = "Drive " + std::to_string(form1.SelectedDrive) + " does not exist!";
   PrintReport(text);
+  if (run.op) tell_on_stderr(text);
   form1.TxtStatus.set_text(text);
   output.ExitCode = 1;
   if (!run.wants_drive) return;
