@@ -124,11 +124,10 @@ void OffTrack_Write_Test() {
                              "MB not tested\r\n";
   form1.Text1.set_text(header);
   PrintReport(header);
-  platform::show_now();
-  counters.OpStartTime = platform::seconds_since_midnight();
+  start_timing();
   make_passes(passes);
+  end_timing();
   if (form1.Exit_Requested) return;
-  counters.OpEndTime = platform::seconds_since_midnight();
   // No "seconds" and no line end here; kept, scripts cut the line at its words.
   report_and_show("Time taken= " + single_text(elapsed_seconds()) + " for " + std::to_string(counters.Sectors_Done) +
                   " sectors read/written.");

@@ -75,14 +75,13 @@ void begin_measure(RunKind kind, std::int64_t transfers) {
 
 /// Makes the passes, each followed by its count and the test for a cancel.
 void make_visits(void (*visit)()) {
-  platform::show_now();
-  counters.OpStartTime = platform::seconds_since_midnight();
+  start_timing();
   for (std::int32_t pass = 0; pass < random_test.passes; ++pass) {
     visit();
     ++random_test.Ops_Done;
     if (form1.MyCancel) break;
   }
-  counters.OpEndTime = platform::seconds_since_midnight();
+  end_timing();
 }
 
 void report_end(const std::string& operations, const std::string& moved) {

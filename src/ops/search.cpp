@@ -106,6 +106,7 @@ std::int64_t ReadSearchSectors(const Search& search, std::int64_t* lba, std::int
     *lba = lba_after(*lba, sectors);
     left -= sectors;
   }
+  platform::DoEvents();  // what was pressed during the last transfer counts
   return -1;
 }
 

@@ -31,12 +31,11 @@ void announce(const std::string& doing) {
 /// Transfers the whole range: first the whole chunks, then what is left of it.
 void transfer_range(bool (*transfer)(std::int64_t*, std::int64_t, std::int64_t, Events), std::int64_t lba,
                     std::int64_t chunk) {
-  platform::show_now();
-  counters.OpStartTime = platform::seconds_since_midnight();
+  start_timing();
   transfer(&lba, counters.No_Secs, chunk, Events::run);
   const std::int64_t left = counters.No_Secs - counters.Sectors_Done;
   if (left > 0) transfer(&lba, left, left, Events::run);
-  counters.OpEndTime = platform::seconds_since_midnight();
+  end_timing();
 }
 
 void report_end(const std::string& before) {

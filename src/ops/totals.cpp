@@ -6,10 +6,22 @@
 #include "disk/progress.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "platform/clock.h"
+#include "platform/window.h"
 
 void Clear_Counters() {
   counters = {};
   clear_progress();
+}
+
+void start_timing() {
+  platform::show_now();
+  counters.OpStartTime = platform::seconds_since_midnight();
+}
+
+void end_timing() {
+  counters.OpEndTime = platform::seconds_since_midnight();
+  platform::DoEvents();
 }
 
 void Do_errors() {

@@ -9,6 +9,7 @@
 
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
@@ -99,6 +100,7 @@ TEST_F(Program, ReportAndVariablesGoToTheirFiles) {
 TEST_F(Program, AMissingDriveEndsARunWithOne) {
   EXPECT_EQ(start("/D:4 /OP:READ"), 1U);
   EXPECT_THAT(out(), HasSubstr("Drive 4 does not exist!\r\n"));
+  EXPECT_EQ(err(), "Drive 4 does not exist!\r\n");
 }
 
 TEST_F(Program, ControlCEndsARunWithItsReport) {
@@ -107,6 +109,24 @@ TEST_F(Program, ControlCEndsARunWithItsReport) {
   };
   EXPECT_EQ(start(disk_switch(0, "sectors 100000\nfail read 0 1\n") + "/D:0 /OP:READ"), 4U);
   EXPECT_THAT(out(), HasSubstr("SET QV_D_TOTERR=1\r\n"));
+}
+
+TEST_F(Program, APressDuringTheLastTransferCountsAndALaterOneComesTooLate) {
+  headless::desktop.has_display = true;
+  const std::string line = disk_switch(0, "sectors 100\nfail read 0 1\n") + "/D:0 /OP:READ";
+  start(line);
+  const int pumps = headless::desktop.pumps;
+  for (auto* const press : {headless::press_control_c, cmdCancel_Click}) {
+    std::vector<std::uint32_t> codes;
+    for (int at = pumps - 2; at <= pumps; ++at) {
+      headless::desktop.pumps = 0;
+      headless::desktop.at_pump = [at, press](int pump) {
+        if (pump == at) press();
+      };
+      codes.push_back(start(line));
+    }
+    EXPECT_THAT(codes, ElementsAre(3U, 4U, 1U)) << "before the transfer, in it, and after the totals";
+  }
 }
 
 TEST_F(Program, TheCancelButtonLeavesTheWindowOpen) {

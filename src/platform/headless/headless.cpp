@@ -76,6 +76,7 @@ void begin_command() {
 
 void end_command() {
   ++desktop.commands_ended;
+  DoEvents();
 }
 
 bool MsgBox(const std::string& text, Buttons /*buttons*/, const std::string& title, BoxIcon /*icon*/) {
