@@ -77,14 +77,11 @@ void draw_range_ticks(const Drawing& drawing) {
   const Rect& plot = drawing.plot;
   const RangeAxis axis = range_axis(map.first_lba, map.sectors, plot.width / drawing.px(kTickEveryX));
   const int right = size_of(*drawing.canvas).width;
-  for (int i = 0;; ++i) {
-    const double tick = axis.first_tick + i * axis.step;
-    const double share = (tick - axis.first) / axis.length;
-    if (share > 1.0 + 1e-9) break;
-    const int x = plot.x + static_cast<int>(std::lround(share * plot.width));
+  for (const RangeAxis::Tick& tick : axis.ticks) {
+    const int x = plot.x + static_cast<int>(std::lround(tick.share * plot.width));
     draw_line(drawing.canvas, {x, plot.y}, {x, drawing.bottom() + drawing.px(4)},
               {drawing.palette.grid, drawing.px(1)});
-    const std::string label = fixed_text(tick, axis.decimals) + " " + axis.unit;
+    const std::string label = fixed_text(tick.value, axis.decimals) + " " + axis.unit;
     const int width = platform::text_size(*drawing.canvas, label).width;
     const int left = std::clamp(x - width / 2, 0, std::max(right - width - drawing.px(2), 0));
     draw_text(drawing.canvas, {left, drawing.bottom() + drawing.px(5), width, drawing.px(16)}, label, Align::left,

@@ -46,13 +46,19 @@ RangeAxis range_axis(std::int64_t first_lba, std::int64_t sectors, int most_tick
                                         [&](const Unit& candidate) { return sectors >= candidate.sectors; });
   RangeAxis axis;
   axis.unit = unit->name;
-  axis.unit_sectors = static_cast<double>(unit->sectors);
-  axis.first = static_cast<double>(first_lba) / axis.unit_sectors;
-  axis.length = static_cast<double>(std::max<std::int64_t>(sectors, 1)) / axis.unit_sectors;
-  const Step step = round_step(axis.length, most_ticks);
-  axis.step = unit->sectors == 1 ? std::max(step.size, 1.0) : step.size;
+  const auto unit_sectors = static_cast<double>(unit->sectors);
+  const double first = static_cast<double>(first_lba) / unit_sectors;
+  const double length = static_cast<double>(std::max<std::int64_t>(sectors, 1)) / unit_sectors;
+  const Step step = round_step(length, most_ticks);
+  const double size = unit->sectors == 1 ? std::max(step.size, 1.0) : step.size;
   axis.decimals = unit->sectors == 1 ? 0 : step.decimals;
-  axis.first_tick = std::ceil(axis.first / axis.step * (1.0 - 1e-12)) * axis.step;
+  // From the range's start, since a far start has no digits left for what lies between two ticks.
+  constexpr double kRounding = 1e-9;
+  const double behind = std::fmod(first, size);
+  const double to_first = behind < size * kRounding ? 0.0 : size - behind;
+  for (int i = 0; to_first + i * size <= length * (1.0 + kRounding); ++i) {
+    axis.ticks.push_back({(to_first + i * size) / length, first + to_first + i * size});
+  }
   return axis;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "measure/measure.h"
 
@@ -22,12 +23,12 @@ Scale rate_scale(const Measure& of, double slow_limit, int most_ticks);
 /// The x axis: the range in GB, in MB below 1 GB, in sectors below 1 MB. A GB is 1024 MB, a MB 2048 sectors, as in the
 /// rates.
 struct RangeAxis {
+  struct Tick {
+    double share = 0.0;  // of the range, 0 to 1
+    double value = 0.0;  // in units
+  };
   const char* unit = "GB";
-  double unit_sectors = 1.0;
-  double first = 0.0;  // of the range, in units
-  double length = 0.0;
-  double step = 1.0;
-  double first_tick = 0.0;  // the first multiple of `step` in the range
+  std::vector<Tick> ticks;  // at most one more than asked for
   int decimals = 0;
 };
 RangeAxis range_axis(std::int64_t first_lba, std::int64_t sectors, int most_ticks);

@@ -80,13 +80,10 @@ std::string axes(const Drawing& drawing) {
            text_at(kLeft - 6, y + 4, " text-anchor=\"end\"", fixed_text(i * rates.step, rates.decimals));
   }
   const RangeAxis range = range_axis(map.first_lba, map.sectors, kMostTicksX);
-  for (int i = 0;; ++i) {
-    const double tick = range.first_tick + i * range.step;
-    const double share = (tick - range.first) / range.length;
-    if (share > 1.0 + 1e-9) break;
-    const double x = kLeft + share * kPlotWidth;
+  for (const RangeAxis::Tick& tick : range.ticks) {
+    const double x = kLeft + tick.share * kPlotWidth;
     svg += tick_line(x, kTop, x, kBottom) +
-           text_at(x, kBottom + 16, " text-anchor=\"middle\"", fixed_text(tick, range.decimals));
+           text_at(x, kBottom + 16, " text-anchor=\"middle\"", fixed_text(tick.value, range.decimals));
   }
   svg += text_at(kLeft - 40, kTop - 8, "", "MB/s") + text_at(kRight, kBottom + 32, " text-anchor=\"end\"", range.unit);
   return svg + "<rect class=\"frame\" x=\"" + std::to_string(kLeft) + "\" y=\"" + std::to_string(kTop) + "\" width=\"" +

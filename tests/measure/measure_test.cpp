@@ -171,10 +171,13 @@ TEST_F(MeasureTest, ScalesAreRound) {
   EXPECT_EQ(round_scale(0.0, 5).top, 1.0);
   const RangeAxis disk = range_axis(2097152, 39062500000, 10);
   EXPECT_STREQ(disk.unit, "GB");
-  EXPECT_EQ(disk.step, 2000.0);
-  EXPECT_EQ(disk.first_tick, 2000.0);
+  ASSERT_EQ(disk.ticks.size(), 9U);
+  EXPECT_EQ(disk.ticks[0].value, 2000.0);
+  EXPECT_NEAR(disk.ticks[0].share, 1999.0 / 18626.0, 1e-5);
+  EXPECT_EQ(disk.ticks[8].value, 18000.0);
   EXPECT_STREQ(range_axis(0, 4096, 10).unit, "MB");
-  EXPECT_EQ(range_axis(5, 3, 10).step, 1.0);
+  EXPECT_EQ(range_axis(5, 3, 10).ticks.size(), 4U) << "no half sectors";
+  EXPECT_LE(range_axis(std::numeric_limits<std::int64_t>::max(), 1, 10).ticks.size(), 11U);
 }
 
 TEST_F(MeasureTest, ATransferCostsWellBelowAMicrosecond) {
