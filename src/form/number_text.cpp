@@ -80,8 +80,10 @@ std::string three_digits(std::uint8_t value) {
 
 std::string fixed_text(double value, int decimals) {
   const double scale = std::pow(10.0, decimals);
+  const double scaled = value * scale;
   std::array<char, 512> text{};
-  std::snprintf(text.data(), text.size(), "%.*f", decimals, std::round(value * scale) / scale);
+  // A value too large to be scaled has no digits behind the point to be rounded.
+  std::snprintf(text.data(), text.size(), "%.*f", decimals, std::isfinite(scaled) ? std::round(scaled) / scale : value);
   return text.data();
 }
 
