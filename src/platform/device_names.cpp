@@ -17,8 +17,11 @@ std::string plain(std::string_view name) {
   return text;
 }
 
+/// `name` is the last part of a path, and may be "C:NUL".
 bool is_reserved(std::string_view name) {
   constexpr std::array<std::string_view, 6> kNames = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
+  const bool drive = name.size() > 1 && name[1] == ':' && name[0] >= 'A' && name[0] <= 'Z';
+  if (drive) name.remove_prefix(2);
   std::string_view stem = name.substr(0, name.find_first_of(".:"));
   stem.remove_prefix(std::min(stem.find_first_not_of(' '), stem.size()));
   stem = stem.substr(0, stem.find_last_not_of(' ') + 1);
