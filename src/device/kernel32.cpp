@@ -95,6 +95,10 @@ bool FlushFileBuffers(Handle file) {
   return keep_system(platform::FlushFileBuffers(file));
 }
 
+bool SetEndOfFile(Handle file) {
+  return keep_system(platform::SetEndOfFile(file));
+}
+
 bool DeviceIoControl(Handle device, std::uint32_t code, const void* in, std::uint32_t in_bytes, void* out,
                      std::uint32_t out_bytes, std::uint32_t* returned) {
   *returned = 0;

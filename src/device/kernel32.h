@@ -20,6 +20,7 @@ Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_m
 /// system's, also where another drive's virtual disk has a volume of that letter.
 Handle open_volume_of(int drive, const char* name, std::uint32_t access, std::uint32_t share_mode, std::uint32_t flags);
 bool SetFilePointerEx(Handle file, std::int64_t distance, std::int64_t* new_position, std::uint32_t method);
+bool SetEndOfFile(Handle file);
 bool ReadFile(Handle file, void* buffer, std::uint32_t bytes, std::uint32_t* moved);
 bool WriteFile(Handle file, const void* buffer, std::uint32_t bytes, std::uint32_t* moved);
 bool LockFile(Handle file, std::uint32_t offset_low, std::uint32_t offset_high, std::uint32_t bytes_low,

@@ -1,6 +1,7 @@
 #include "platform/system.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -73,7 +74,7 @@ std::uint32_t rehearsed_failure(const char* call, Handle /*handle*/) {
   return number >= desktop.fail_first && number <= desktop.fail_last ? desktop.fail_code : 0;
 }
 
-Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t /*share_mode*/, std::uint32_t disposition,
+Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_mode, std::uint32_t disposition,
                    std::uint32_t /*flags*/) {
   if (scripted_failure("CreateFileA", kInvalidHandle)) return kInvalidHandle;
   if (std::strncmp(name, "\\\\.\\", 4) == 0) {
@@ -83,19 +84,26 @@ Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t /*share
   int flags = O_RDONLY | O_CLOEXEC;
   if ((access & kGenericWrite) != 0) flags = ((access & kGenericRead) != 0 ? O_RDWR : O_WRONLY) | O_CLOEXEC;
   if (disposition == kCreateNew) flags |= O_CREAT | O_EXCL;
-  if (disposition == kCreateAlways) flags |= O_CREAT | O_TRUNC;
-  if (disposition == kOpenAlways) flags |= O_CREAT;
+  if (disposition == kCreateAlways || disposition == kOpenAlways) flags |= O_CREAT;
   constexpr mode_t kOwnerWritesAllRead = 0644;
   const int file = ::open(name, flags, kOwnerWritesAllRead);
+  if (!done(file >= 0)) return kInvalidHandle;
   struct stat facts {};
-  if (file >= 0 && ::fstat(file, &facts) == 0 && S_ISDIR(facts.st_mode)) {
-    ::close(file);
-    last_error = 5;
-    return kInvalidHandle;
+  ::fstat(file, &facts);
+  // Of the share modes what the program needs: who reads and shares no writing shuts writers out.
+  const bool writes = (access & kGenericWrite) != 0;
+  const bool guards = writes || (share_mode & kShareWrite) == 0;
+  const bool emptied = disposition == kCreateAlways && S_ISREG(facts.st_mode);
+  if (S_ISDIR(facts.st_mode)) {
+    failed_with(5);
+  } else if (guards && ::flock(file, (writes ? LOCK_EX : LOCK_SH) | LOCK_NB) != 0) {
+    failed_with(32);
+  } else if (!emptied || done(::ftruncate(file, 0) == 0)) {
+    ++desktop.open_files;
+    return file;
   }
-  done(file >= 0);
-  if (file >= 0) ++desktop.open_files;
-  return file >= 0 ? file : kInvalidHandle;
+  ::close(file);
+  return kInvalidHandle;
 }
 
 bool SetFilePointerEx(Handle file, std::int64_t distance, std::int64_t* new_position, std::uint32_t method) {
@@ -130,6 +138,11 @@ bool LockFile(Handle file, std::uint32_t /*offset_low*/, std::uint32_t /*offset_
 bool UnlockFile(Handle file, std::uint32_t /*offset_low*/, std::uint32_t /*offset_high*/, std::uint32_t /*bytes_low*/,
                 std::uint32_t /*bytes_high*/) {
   return !scripted_failure("UnlockFile", file);
+}
+
+bool SetEndOfFile(Handle file) {
+  const int number = static_cast<int>(file);
+  return !scripted_failure("SetEndOfFile", file) && done(::ftruncate(number, ::lseek(number, 0, SEEK_CUR)) == 0);
 }
 
 bool FlushFileBuffers(Handle file) {

@@ -64,6 +64,10 @@ bool UnlockFile(Handle file, std::uint32_t offset_low, std::uint32_t offset_high
   return done(::UnlockFile(system_handle(file), offset_low, offset_high, bytes_low, bytes_high));
 }
 
+bool SetEndOfFile(Handle file) {
+  return done(::SetEndOfFile(system_handle(file)) != FALSE);
+}
+
 bool FlushFileBuffers(Handle file) {
   return done(::FlushFileBuffers(system_handle(file)));
 }
