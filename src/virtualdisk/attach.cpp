@@ -42,9 +42,9 @@ std::string serial_of(const std::string& file) {
 }
 
 /// Fills `page` from the file that a directive names; gives an empty text or the reason.
-std::string read_page(const NamedFile& file, const std::string& beside, Page* page) {
+std::string read_page(const NamedFile& file, const std::string& beside, Page* page, OwnedFile* held) {
   std::string bytes;
-  const std::string reason = read_file(resolved(file.name, beside), sizeof(Page), &bytes);
+  const std::string reason = read_file(resolved(file.name, beside), sizeof(Page), &bytes, held);
   if (!reason.empty()) return file.name + " " + reason;
   if (bytes.size() != page->size()) return file.name + " has fewer than 512 bytes";
   std::copy(bytes.begin(), bytes.end(), page->begin());
@@ -79,7 +79,7 @@ Wrong read_pages(Disk& disk, const std::string& beside) {
   for (const auto& [named, page] : {std::pair{&file.identify, &identify}, std::pair{&file.attribute_page, &attributes},
                                     std::pair{&file.threshold_page, &thresholds}}) {
     if (named->name.empty()) continue;
-    const std::string reason = read_page(*named, beside, page);
+    const std::string reason = read_page(*named, beside, page, &disk.held.emplace_back());
     if (!reason.empty()) return {named->line, reason};
   }
   if (!file.identify.name.empty()) disk.identify = identify;
@@ -98,8 +98,8 @@ void fill_defaults(DiskFile& disk, const std::string& file) {
   if (disk.firmware.empty()) disk.firmware = "1.0";
 }
 
-/// The text of `file` as a plain description; a bare image needs no text.
-ParsedDisk describe(const std::string& file) {
+/// The text of `file` as a plain description; a bare image and the practice disk need no file for it.
+ParsedDisk describe(const std::string& file, OwnedFile* held) {
   ParsedDisk parsed;
   if (is_demo(file)) return parse_disk_file(demo_text(), file);
   if (is_bare_image(file)) {
@@ -108,7 +108,7 @@ ParsedDisk describe(const std::string& file) {
   }
   std::string text;
   const std::string reason =
-      platform::names_device(file) ? "is a device, not a file" : read_file(file, kLongestDiskFile, &text);
+      platform::names_device(file) ? "is a device, not a file" : read_file(file, kLongestDiskFile, &text, held);
   if (reason.empty()) return parse_disk_file(text, file);
   parsed.error = file + " " + reason;
   return parsed;
@@ -117,11 +117,11 @@ ParsedDisk describe(const std::string& file) {
 }  // namespace
 
 std::unique_ptr<Disk> make_disk(int drive, const std::string& file, std::string* error) {
-  ParsedDisk parsed = describe(file);
+  auto disk = std::make_unique<Disk>();
+  ParsedDisk parsed = describe(file, &disk->held.emplace_back());
   *error = parsed.error;
   if (!error->empty()) return nullptr;
   fill_defaults(parsed.disk, file);
-  auto disk = std::make_unique<Disk>();
   disk->drive = drive;
   disk->file = std::move(parsed.disk);
   // A bare image is named from where the program stands, not from beside itself.

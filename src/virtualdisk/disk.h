@@ -9,6 +9,7 @@
 #include "virtualdisk/content.h"
 #include "virtualdisk/disk_file.h"
 #include "virtualdisk/faults.h"
+#include "virtualdisk/files.h"
 #include "virtualdisk/smart.h"
 
 namespace virtualdisk {
@@ -35,6 +36,7 @@ struct Disk {
   std::int64_t sectors = 0;
   bool readonly = false;
   Content content;
+  std::vector<OwnedFile> held;  // the other files it was read from: an output of one of their names would destroy it
   Faults faults;
   Smart smart;
   std::optional<Page> identify;         // a real drive's page, answered as it stands

@@ -19,12 +19,12 @@ std::string base_name(const std::string& path) {
   return path.substr(path.find_last_of("/\\") + 1);
 }
 
-std::string read_file(const std::string& name, std::uint32_t most, std::string* contents) {
+std::string read_file(const std::string& name, std::uint32_t most, std::string* contents, OwnedFile* held) {
   const auto refused = [](const char* what) {
     return std::string(what) + " (error " + std::to_string(platform::GetLastError()) + ")";
   };
-  const OwnedFile file(platform::CreateFileA(name.c_str(), platform::kGenericRead,
-                                             platform::kShareRead | platform::kShareWrite, platform::kOpenExisting, 0));
+  OwnedFile file(
+      platform::CreateFileA(name.c_str(), platform::kGenericRead, platform::kShareRead, platform::kOpenExisting, 0));
   if (!file.is_open()) return refused("cannot be opened");
   contents->resize(most + 1);
   std::uint32_t filled = 0;
@@ -36,6 +36,7 @@ std::string read_file(const std::string& name, std::uint32_t most, std::string* 
   }
   if (filled > most) return "has more than " + std::to_string(most) + " bytes";
   contents->resize(filled);
+  *held = std::move(file);
   return {};
 }
 

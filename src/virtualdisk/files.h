@@ -33,7 +33,8 @@ std::string resolved(const std::string& name, const std::string& beside);
 /// The last part of a path.
 std::string base_name(const std::string& path);
 
-/// The whole file into `contents`; gives an empty text or the reason. More than `most` bytes are a reason too.
-std::string read_file(const std::string& name, std::uint32_t most, std::string* contents);
+/// The whole file into `contents`; gives an empty text or the reason. More than `most` bytes are a reason too. While
+/// `held` keeps the file open nobody writes to it.
+std::string read_file(const std::string& name, std::uint32_t most, std::string* contents, OwnedFile* held);
 
 }  // namespace virtualdisk

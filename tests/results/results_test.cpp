@@ -170,15 +170,17 @@ TEST_F(ResultsTest, TextsAreEscaped) {
   text.number("small", 1LL << 53);
   text.number("large", (1LL << 53) + 1);
   text.real("none", std::strtod("nan", nullptr), 3);
+  text.real("huge", 1e306, 3);
   const json read = json::parse(text.finish());
   EXPECT_EQ(read["large_text"], "9007199254740993");
   EXPECT_FALSE(read.contains("small_text"));
   EXPECT_TRUE(read["none"].is_null());
+  EXPECT_EQ(read["huge"], 1e306);
 }
 
 TEST_F(ResultsTest, NamesOfDevicesAndFoldersAreRefusedBeforeAnythingIsWritten) {
   for (const char* name : {"\\\\.\\PhysicalDrive0", "//./c:", "\\\\?\\X:", "\\??\\X:", "nul", "c:\\x\\Com1.csv",
-                           "aux .txt", "x\\", "x/", "C:"}) {
+                           "aux .txt", "C:NUL", "z:con .x", "x\\", "x/", "C:"}) {
     EXPECT_THAT(why_no_file(name), testing::StartsWith("is a ")) << name;
   }
   EXPECT_EQ(why_no_file("c:\\com10\\console.csv"), "");
@@ -196,6 +198,15 @@ TEST_F(ResultsTest, NamesOfDevicesAndFoldersAreRefusedBeforeAnythingIsWritten) {
   EXPECT_EQ(read_file(path("old.tmp")), "an old report") << "a refused run touches nothing";
   EXPECT_EQ(start(disk + " /CSV:" + path("d0.vd")), 1U);
   EXPECT_THAT(err(), HasSubstr("is a virtual disk of this run"));
+  const std::string page = write_file("page.bin", std::string(512, 'x'));
+  std::filesystem::create_hard_link(path("d0.vd"), path("other.vd"));
+  for (const char* name : {"page.bin", "other.vd"}) {
+    const std::string contents = read_file(path(name));
+    for (const char* output : {" /REPORT:", " /VARS:", " /CSV:", " /JSON:"}) {
+      EXPECT_EQ(start(disk_switch("sectors 10\nidentify page.bin\n") + "/OP:READ" + output + path(name)), 1U) << output;
+      EXPECT_EQ(read_file(path(name)), contents) << output;
+    }
+  }
   EXPECT_FALSE(exists("r.txt"));
   EXPECT_FALSE(exists("same.tmp"));
 }
