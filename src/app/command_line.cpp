@@ -18,6 +18,7 @@ namespace {
 struct Token {
   std::string text;
   std::string upper;
+  bool unclosed = false;  // its last quote has no second
 };
 
 std::vector<Token> split(std::string_view line) {
@@ -26,7 +27,7 @@ std::vector<Token> split(std::string_view line) {
   bool quoted = false;
   bool open = false;
   const auto finish = [&] {
-    if (open) tokens.push_back({text, upper_case(text)});
+    if (open) tokens.push_back({text, upper_case(text), quoted});
     text.clear();
     open = false;
   };
@@ -220,6 +221,8 @@ std::string take_switch(const Switch& row, const Token& token, std::vector<const
     return shown + " repeats a switch.";
   }
   seen->push_back(&row);
+  // It would have swallowed the switches behind it.
+  if (token.unclosed) return shown + " has a quote that is not closed.";
   const std::size_t colon = token.text.find(':');
   const bool has_value = colon != std::string::npos;
   if (row.has_value != has_value || !row.take(has_value ? token.text.substr(colon + 1) : std::string(), asked)) {
