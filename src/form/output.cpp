@@ -23,13 +23,17 @@ std::uint32_t write_all(kernel32::Handle file, std::string_view text) {
   return moved == text.size() ? 0 : platform::kDiskFull;
 }
 
-/// Appends `lines` to the file `name`, made where there is none. Gives 0, or the system's code.
+/// Appends `lines` to the file `name`, made where there is none; all of them or none. Gives 0, or the system's code.
 std::uint32_t append_to_file(const std::string& name, std::string_view lines) {
   const kernel32::Handle file =
       kernel32::CreateFileA(name.c_str(), platform::kGenericWrite, platform::kShareRead, platform::kOpenAlways, 0);
   if (file == kernel32::kInvalidHandle) return kernel32::GetLastError();
-  const bool at_end = kernel32::SetFilePointerEx(file, 0, nullptr, platform::kFileEnd);
+  std::int64_t end = 0;
+  const bool at_end = kernel32::SetFilePointerEx(file, 0, &end, platform::kFileEnd);
   const std::uint32_t code = at_end ? write_all(file, lines) : kernel32::GetLastError();
+  // A line that breaks off would set a variable to something else.
+  if (at_end && code != 0 && kernel32::SetFilePointerEx(file, end, nullptr, platform::kFileBegin))
+    kernel32::SetEndOfFile(file);
   kernel32::CloseHandle(file);
   return code;
 }

@@ -1,6 +1,9 @@
 #include "app/program.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
+
+#include <csignal>
 
 #include "app/handlers.h"
 #include "form/form1.h"
@@ -170,6 +173,26 @@ TEST_F(Program, ADriveButtonEndsARunAsCancelled) {
   EXPECT_THAT(out(), Not(HasSubstr("Check_drv 1")));
 }
 
+TEST_F(Program, VariablesAreAppendedWholeOrNotAtAll) {
+  const std::string line = disk_switch(0, "sectors 10\n") + "/D:0 /OP:READ /VARS:" + path("v.cmd");
+  start(line);
+  const std::string whole = read_file(path("v.cmd"));
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before{};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  for (rlim_t size = 0; size < whole.size(); size += 50) {
+    write_file("v.cmd", "");
+    const rlimit full{size, before.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &full);
+    start(line);
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    const std::string written = read_file(path("v.cmd"));
+    EXPECT_TRUE(written.empty() || written.ends_with("\r\n")) << written;
+    for (const std::string& one : lines_with(written, "SET")) EXPECT_THAT(whole, HasSubstr(one + "\r\n"));
+  }
+  EXPECT_GT(count_of(err(), "The variables cannot be written to"), 3);
+}
+
 TEST_F(Program, LostOutputIsTold) {
   headless::desktop.out_fails = 112;
   EXPECT_EQ(start(disk_switch(0, "sectors 10\n") + "/D:0 /OP:READ"), 0U);
@@ -185,6 +208,7 @@ TEST_F(Program, MistakesAreOneLineAndOpenNoDisk) {
                                  "/D:0 /OP:READ /OP:READ",
                                  "/D:0 /OP:READ /FOO",
                                  "/D:0 /OP:READ extra",
+                                 "/D:0 /OP:SEARCH /FIND:\"tabc /START:5",
                                  "/D:0 /OP:READ /START:-1",
                                  "/D:0 /OP:READ /COUNT:0",
                                  "/D:0 /OP:READ /COUNT:1x",
