@@ -81,11 +81,12 @@ int run_program() {
   if (run.usage) return platform::write_out(switch_help()) == 0 ? 0 : kRefused;
   std::string error = attach_virtual_disks();
   if (error.empty() && run.list) return list_drives();
+  // Before there is a report: from here on Control-C ends a run with one that is whole.
+  platform::watch_console(console_cancel, CmdExit_Click);
   if (error.empty()) error = open_outputs();
   if (!error.empty()) return refuse(error);
   if (!run.op) platform::release_lone_console();
   const bool has_window = platform::open_window(main_window());
-  platform::watch_console(console_cancel, CmdExit_Click);
   if (run.slow) set_slow_rate(*run.slow);
   // Nothing that is pressed before a run comes before it.
   if (run.op) platform::begin_command();
