@@ -42,6 +42,9 @@ bool DeviceIoControl(Handle, std::uint32_t, const void*, std::uint32_t, void* ou
   *returned = static_cast<std::uint32_t>(bytes);
   return verdict < 0xF0;
 }
+bool SetEndOfFile(Handle) {
+  return false;
+}
 bool SetFilePointerEx(Handle, std::int64_t, std::int64_t*, std::uint32_t) {
   return true;
 }
