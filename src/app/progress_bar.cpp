@@ -60,5 +60,6 @@ ProgressWords progress_words() {
 }
 
 platform::Share progress_share() {
-  return {how_far(measure).share, measure.failed > 0};
+  const HowFar how = how_far(measure);
+  return {how.share, measure.failed > 0, how.seconds_left};
 }

@@ -42,8 +42,9 @@ struct Control {
 
 /// How far the running command is, as the window's button on the taskbar shows it.
 struct Share {
-  double done = 0.0;    // 0 to 1
-  bool failed = false;  // something went wrong on the way
+  double done = 0.0;           // 0 to 1
+  bool failed = false;         // something went wrong on the way
+  double seconds_left = -1.0;  // -1 while unknown
 };
 
 /// The main window: its controls, where they stand, and what its own events call.

@@ -11,31 +11,37 @@ MainWindow main_window;
 
 namespace {
 
-/// When the fields are shown again while a command runs: about 30 times a second, but showing and painting them takes
-/// at most a hundredth of the time.
+/// When the fields are shown again while a command runs: about 30 times a second, or as seldom as keeps showing and
+/// painting them below a hundredth of the time, but every second.
 double next_show = 0.0;
 
-/// When the taskbar is told next. It belongs to another process, and COM makes two threads to reach it, with which
-/// system calls cost more: it is told twice a second, and nothing of a command that is over before anybody looks there.
+/// When the command began, and when the taskbar is told next. That belongs to another process, and COM makes two
+/// threads to reach it, with which system calls cost more: it is told twice a second, and nothing of a command that is
+/// over before anybody looks there.
+double command_began = 0.0;
 double next_share = 0.0;
 
 void show_share_when_due(double now) {
   constexpr double kPause = 0.5;
+  constexpr double kWorthTelling = 2.0;  // seconds
   if (!main_window.busy || now < next_share) return;
+  const platform::Share share = main_window.table.share();
+  if (now - command_began + std::max(share.seconds_left, 0.0) < kWorthTelling) return;
   next_share = now + kPause;
-  show_on_taskbar(main_window.table.share());
+  show_on_taskbar(share);
 }
 
 void show_and_paint() {
   const double start = platform::steady_seconds();
   show_fields();
   show_pictures();
-  show_share_when_due(start);
   ::RedrawWindow(main_window.window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
   constexpr double kFrame = 0.030;  // just under two of the ticks at which events run
   constexpr double kRest = 100.0;
   const double end = platform::steady_seconds();
-  next_show = std::max(start + kFrame, end + kRest * (end - start));
+  // A window that is shown for the first time takes many times longer.
+  constexpr double kLongestRest = 1.0;
+  next_show = std::max(start + kFrame, end + std::min(kRest * (end - start), kLongestRest));
 }
 
 /// Enter and Esc in the main window: Enter presses the button that has the focus, and neither does more. True when the
@@ -135,7 +141,9 @@ void DoEvents() {
   if (main_window.window != nullptr) {
     win32::drain_queue();
     win32::take_typing();
-    if (steady_seconds() >= win32::next_show) win32::show_and_paint();
+    const double now = steady_seconds();
+    win32::show_share_when_due(now);
+    if (now >= win32::next_show) win32::show_and_paint();
   }
   next = coarse_milliseconds() + kPause;
 }
@@ -150,8 +158,9 @@ void begin_command() {
   if (main.window == nullptr || main.busy) return;
   win32::take_typing();
   main.busy = true;
-  constexpr double kWorthTelling = 2.0;  // seconds
-  win32::next_share = steady_seconds() + kWorthTelling;
+  constexpr double kForesight = 0.25;  // seconds, from which on it can be told how long the command takes
+  win32::command_began = steady_seconds();
+  win32::next_share = win32::command_began + kForesight;
   win32::note_focus();
   main.focus_before = main.focus;
   // First the focus, then the buttons: a disabled control that has it swallows every key.
