@@ -15,6 +15,7 @@ struct Progress {
   bool AutoSlowRate = false;  // the limit follows half the average
   double XferStart = 0.0;     // time of day in seconds before and after the last transfer
   double XferEnd = 0.0;
+  bool in_a_row = false;  // XferEnd is also the start of a transfer that is made now
   double HighRate = 0.0;
   double LowRate = kLowRateStart;
   double MaxRateJump = 0.0;  // largest difference between a transfer's rate and HighRate

@@ -63,14 +63,14 @@ void report_write_failure(std::int64_t lba, std::int64_t sectors) {
 constexpr Direction kReading{ReadAt, report_read_failure, "reading", false};
 constexpr Direction kWriting{WriteAt, report_write_failure, "writing", true};
 
-/// One timed transfer. `tells_slow`: the report has a line of it when it is slow. Made for each direction, so that
-/// small transfers are spared a call through a pointer.
+/// One timed transfer. `tells_slow`: the report has a line of it when it is slow. `in_a_row`: nothing was done since
+/// the one before. Made for each direction, so that small transfers are spared a call through a pointer.
 template <const Direction& direction>
-bool transfer_once(std::int64_t lba, std::int64_t sectors, bool tells_slow) {
+bool transfer_once(std::int64_t lba, std::int64_t sectors, bool tells_slow, bool in_a_row) {
   form1.TxtStatus.set_deferred<position_text>(PositionFacts{lba, sectors, direction.doing});
   form1.TxtCurrent.set_deferred<lba_text>(lba);
   fetch_column(lba, measure.map);
-  progress.XferStart = platform::seconds_since_midnight();
+  progress.XferStart = in_a_row ? progress.XferEnd : platform::seconds_since_midnight();
   const bool done = direction.transfer(lba, sectors);
   progress.XferEnd = platform::seconds_since_midnight();
   record({.wrote = direction.writes,
@@ -85,18 +85,28 @@ bool transfer_once(std::int64_t lba, std::int64_t sectors, bool tells_slow) {
   return done;
 }
 
+/// True when the last transfer was so short that a look at the clock would cost more than what is done until the next
+/// begins: it is counted, and nothing is written anywhere.
+bool ends_at_once(bool done) {
+  constexpr double kShort = 0.001;  // seconds
+  return done && progress.XferEnd - progress.XferStart < kShort && measure.on_transfer == nullptr;
+}
+
 template <const Direction& direction>
 bool transfer_all(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer, Events events) {
   if (per_transfer <= 0) return true;
   bool all_done = true;
   const std::int64_t transfers = total / per_transfer;
   for (std::int64_t i = 0; i < transfers; ++i) {
+    bool in_a_row = progress.in_a_row && events == Events::run;
     if (events == Events::run) {
-      show_progress_line();
-      platform::DoEvents();
+      if (show_progress_line()) in_a_row = false;
+      if (platform::DoEvents()) in_a_row = false;
       if (form1.MyCancel) break;
     }
-    all_done = transfer_once<direction>(*lba, per_transfer, true) && all_done;
+    const bool done = transfer_once<direction>(*lba, per_transfer, true, in_a_row);
+    all_done = done && all_done;
+    progress.in_a_row = events == Events::run && ends_at_once(done);
     Display_Progress(per_transfer, *lba);
     *lba = lba_after(*lba, per_transfer);
   }
@@ -111,7 +121,7 @@ std::int64_t lba_after(std::int64_t lba, std::int64_t sectors) {
 }
 
 bool read_once(std::int64_t lba, std::int64_t sectors) {
-  return transfer_once<kReading>(lba, sectors, false);
+  return transfer_once<kReading>(lba, sectors, false, false);
 }
 
 bool Read_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer, Events events) {

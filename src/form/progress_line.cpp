@@ -53,20 +53,21 @@ void begin_progress_line() {
   line.due = platform::coarse_milliseconds() + (line.on_terminal ? kTerminalPause : kPlainPause);
 }
 
-void show_progress_line() {
-  if (!wanted()) return;
+bool show_progress_line() {
+  if (!wanted()) return false;
   const std::uint64_t now = platform::coarse_milliseconds();
-  if (now < line.due) return;
+  if (now < line.due) return false;
   line.due = now + (line.on_terminal ? kTerminalPause : kPlainPause);
   const std::string status = line_text();
   if (!line.on_terminal) {
     platform::write_err(status + "\r\n");
-    return;
+    return true;
   }
   std::string shown = "\r" + status;
   shown.resize(std::max(shown.size(), line.width + 1), ' ');
   line.width = status.size();
   platform::write_err(shown);
+  return true;
 }
 
 void clear_progress_line() {

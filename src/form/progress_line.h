@@ -6,8 +6,8 @@
 /// Starts the ten seconds anew.
 void begin_progress_line();
 
-/// Shows the status line when it is due.
-void show_progress_line();
+/// Shows the status line when it is due; false when it is not.
+bool show_progress_line();
 
 /// Takes the line from the terminal, for another one to be written there; it is shown again when it is due.
 void clear_progress_line();

@@ -70,8 +70,8 @@ bool open_window(const WindowTable& table);
 void run_window();
 
 /// Lets pending events run without waiting for more; turns an interruption from the console into its handler's call. At
-/// most every 10 ms, since asking costs.
-void DoEvents();
+/// most every 10 ms, since asking costs. False when it had nothing to do yet.
+bool DoEvents();
 
 /// Shows everything as it stands, so that a stretch of work whose time is taken does not begin with that. Handles no
 /// events.

@@ -7,6 +7,7 @@
 #include "disk/drive.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "measure/measure.h"
 #include "ops/range.h"
 #include "tests/support/rig.h"
 #include "virtualdisk/virtualdisk.h"
@@ -137,6 +138,15 @@ TEST_F(SequentialRead, WhatTheUserTypedOutranksTheCommandLinesRange) {
   range_typed();
   click(CmdRead_Click);
   EXPECT_THAT(form1.Text1.text(), StartsWith("Reading 5 sectors starting at LBA 100"));
+}
+
+TEST_F(SequentialRead, WhatIsDoneBetweenTransfersIsNoPartOfThem) {
+  open_on("sectors 100000\n");
+  headless::desktop.at_pump = [](int) { headless::pass_time(0.5); };
+  click(CmdRead_Click);
+  EXPECT_EQ(measure.latency.timed, 5);
+  EXPECT_EQ(measure.latency.slowest.front().seconds, 0.0);
+  EXPECT_GT(measure.seconds, 1.5);
 }
 
 TEST_F(SequentialRead, WhatWasNotReadIsNotShown) {

@@ -55,7 +55,7 @@ bool open_window(const WindowTable& /*table*/) {
 
 void run_window() {}
 
-void DoEvents() {
+bool DoEvents() {
   const int pump = ++desktop.pumps;
   if (desktop.at_pump) desktop.at_pump(pump);
   if (headless::cancel_pressed) {
@@ -66,6 +66,7 @@ void DoEvents() {
     headless::close_pressed = false;
     if (headless::exit_watcher != nullptr) headless::exit_watcher();
   }
+  return desktop.at_pump != nullptr;
 }
 
 void show_now() {}

@@ -132,11 +132,11 @@ void run_window() {
   }
 }
 
-void DoEvents() {
+bool DoEvents() {
   // Asked after every transfer, a million times a second: a cheap tick alone decides whether there is more to do.
   constexpr std::uint64_t kPause = 10;
   static std::uint64_t next = 0;
-  if (coarse_milliseconds() < next) return;
+  if (coarse_milliseconds() < next) return false;
   win32::turn_interruptions();
   if (main_window.window != nullptr) {
     win32::drain_queue();
@@ -146,6 +146,7 @@ void DoEvents() {
     if (now >= win32::next_show) win32::show_and_paint();
   }
   next = coarse_milliseconds() + kPause;
+  return true;
 }
 
 void show_now() {
