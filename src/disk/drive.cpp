@@ -13,8 +13,7 @@ Disk disk;
 
 namespace {
 
-constexpr std::uint32_t kAccessDenied = 5;  // winerror.h: ERROR_ACCESS_DENIED
-constexpr std::uint32_t kEndOfFile = 38;    // ERROR_HANDLE_EOF
+constexpr std::uint32_t kEndOfFile = 38;  // winerror.h: ERROR_HANDLE_EOF
 
 bool may_transfer(std::int64_t lba, std::int64_t count) {
   constexpr std::int64_t kLastLba = std::numeric_limits<std::int64_t>::max() / kSectorSize;
@@ -48,7 +47,7 @@ void report_open_failure(int n, const std::string& path, std::uint32_t code) {
   ShowMessage("Handle for " + path + " not obtained!");
   PrintReport("Disk " + std::to_string(n) + " Err=" + std::to_string(code) + "  Desc=" + open_error_text(code) +
               " Source=Sectorix");
-  if (code == kAccessDenied && !output.access_denied_told) {
+  if (code == platform::kAccessDenied && !output.access_denied_told) {
     output.access_denied_told = true;
     tell_on_stderr("Access is denied: run as administrator.");
   }

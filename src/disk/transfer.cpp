@@ -98,11 +98,12 @@ bool transfer_all(std::int64_t* lba, std::int64_t total, std::int64_t per_transf
   bool all_done = true;
   const std::int64_t transfers = total / per_transfer;
   for (std::int64_t i = 0; i < transfers; ++i) {
-    bool in_a_row = progress.in_a_row && events == Events::run;
+    bool in_a_row = false;
     if (events == Events::run) {
-      if (show_progress_line()) in_a_row = false;
-      if (platform::DoEvents()) in_a_row = false;
+      const bool shown = show_progress_line();
+      const bool pumped = platform::DoEvents();
       if (form1.MyCancel) break;
+      in_a_row = progress.in_a_row && !shown && !pumped;
     }
     const bool done = transfer_once<direction>(*lba, per_transfer, true, in_a_row);
     all_done = done && all_done;

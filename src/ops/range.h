@@ -6,7 +6,8 @@
 /// first LBA.
 std::int64_t take_range();
 
-/// Puts the range that the command line gave into the fields. A start alone means: from there to the end of the disk.
+/// Puts the range that the command line gave, in sectors, into the fields. A start alone means: from there to the end
+/// of the disk, one sector where that lies before it.
 void show_range_of_command_line();
 
 /// Sectors per transfer of a read of `sectors` sectors.

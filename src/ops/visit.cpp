@@ -24,9 +24,7 @@ void tell(const std::string& line) {
 /// True for the codes with which the system refuses a write by itself: on a write-protected medium, or inside a volume
 /// that is not locked.
 bool never_sent(std::uint32_t code) {
-  constexpr std::uint32_t kAccessDenied = 5;  // winerror.h: ERROR_ACCESS_DENIED
-  constexpr std::uint32_t kWriteProtect = 19;
-  return code == kAccessDenied || code == kWriteProtect;
+  return code == platform::kAccessDenied || code == platform::kWriteProtect;
 }
 
 std::string nothing_written(std::uint32_t code) {

@@ -28,7 +28,10 @@ inline constexpr std::uint32_t kFileBegin = 0;
 inline constexpr std::uint32_t kFileCurrent = 1;
 inline constexpr std::uint32_t kFileEnd = 2;
 
-inline constexpr std::uint32_t kFileExists = 80;  // winerror.h: ERROR_FILE_EXISTS
+// winerror.h: ERROR_ACCESS_DENIED, ERROR_WRITE_PROTECT, ERROR_FILE_EXISTS.
+inline constexpr std::uint32_t kAccessDenied = 5;
+inline constexpr std::uint32_t kWriteProtect = 19;
+inline constexpr std::uint32_t kFileExists = 80;
 
 /// What a write that was cut short means where the system gave no code: ERROR_DISK_FULL (winerror.h).
 inline constexpr std::uint32_t kDiskFull = 112;
@@ -37,7 +40,7 @@ inline constexpr std::uint32_t kDiskFull = 112;
 Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_mode, std::uint32_t disposition,
                    std::uint32_t flags);
 bool SetFilePointerEx(Handle file, std::int64_t distance, std::int64_t* new_position, std::uint32_t method);
-/// Cuts the file off at its pointer.
+/// Cuts the file off where its pointer stands.
 bool SetEndOfFile(Handle file);
 bool ReadFile(Handle file, void* buffer, std::uint32_t bytes, std::uint32_t* moved);
 bool WriteFile(Handle file, const void* buffer, std::uint32_t bytes, std::uint32_t* moved);

@@ -15,11 +15,11 @@
 namespace virtualdisk {
 
 // System error codes (winerror.h) that a disk gives by itself.
+using platform::kAccessDenied;
+using platform::kWriteProtect;
 inline constexpr std::uint32_t kInvalidFunction = 1;
 inline constexpr std::uint32_t kFileNotFound = 2;
-inline constexpr std::uint32_t kAccessDenied = 5;
 inline constexpr std::uint32_t kInvalidHandleCode = 6;
-inline constexpr std::uint32_t kWriteProtect = 19;
 inline constexpr std::uint32_t kSectorNotFound = 27;
 inline constexpr std::uint32_t kSharingViolation = 32;
 inline constexpr std::uint32_t kInvalidParameter = 87;
