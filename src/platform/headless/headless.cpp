@@ -23,10 +23,15 @@ std::string take_answer(Box box) {
   box.answer = desktop.answers.front();
   desktop.answers.pop_front();
   desktop.boxes.push_back(box);
+  note("box [" + box.title + "] [" + box.text + "] -> " + box.answer);
   return box.answer;
 }
 
 }  // namespace
+
+void note(const std::string& event) {
+  if (desktop.keeps_events) desktop.events.push_back(event);
+}
 
 void pass_time(double seconds) {
   constexpr double kDay = 86400.0;
@@ -72,10 +77,12 @@ bool DoEvents() {
 void show_now() {}
 
 void begin_command() {
+  headless::note("command begins");
   ++desktop.commands_begun;
 }
 
 void end_command() {
+  headless::note("command ends");
   ++desktop.commands_ended;
   DoEvents();
 }
@@ -95,12 +102,14 @@ std::string command_line() {
 
 std::uint32_t write_out(std::string_view text) {
   if (desktop.out_fails != 0) return desktop.out_fails;
+  headless::note("out: " + std::string(text));
   desktop.out += text;
   desktop.terminal += text;
   return 0;
 }
 
 std::uint32_t write_err(std::string_view text) {
+  headless::note("err: " + std::string(text));
   desktop.err += text;
   desktop.terminal += text;
   return 0;

@@ -78,9 +78,14 @@ struct Desktop {
   int commands_ended = 0;
   bool held = false;  // between hold_shutdown and allow_shutdown
   bool keeps_calls = true;
+  bool keeps_events = false;
+  std::vector<std::string> events;  // calls, boxes, queries, output and commands, in one order
 };
 
 extern Desktop desktop;
+
+/// Keeps an event where they are wanted.
+void note(const std::string& event);
 
 /// Moves both clocks.
 void pass_time(double seconds);

@@ -71,6 +71,7 @@ bool scripted_failure(const char* call, Handle handle) {
 std::uint32_t rehearsed_failure(const char* call, Handle /*handle*/) {
   const std::int64_t number = ++desktop.calls_made;
   if (desktop.keeps_calls) desktop.calls.emplace_back(call);
+  headless::note(call);
   return number >= desktop.fail_first && number <= desktop.fail_last ? desktop.fail_code : 0;
 }
 
@@ -221,6 +222,7 @@ std::string full_path(const std::string& name) {
 
 void Sleep(std::uint32_t milliseconds) {
   desktop.calls.emplace_back("Sleep");
+  headless::note("Sleep");
   headless::pass_time(milliseconds / 1000.0);
 }
 

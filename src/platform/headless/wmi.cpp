@@ -28,6 +28,7 @@ WmiHandle wmi_open(const std::string& /*moniker*/) {
 
 WmiHandle wmi_query(WmiHandle service, const std::string& query, std::uint32_t /*flags*/) {
   desktop.wmi_queries.push_back(query);
+  headless::note(query);
   if (service != kService || rehearsed_failure("wmi_query", service) != 0) return kNoWmi;
   for (std::size_t i = 0; i < desktop.wmi_answers.size(); ++i) {
     const headless::WmiAnswer& answer = desktop.wmi_answers[i];
