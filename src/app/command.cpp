@@ -15,7 +15,7 @@ void run_command(void (*command)()) {
   platform::begin_command();
   begin_results(program_version());
   command();
-  finish(form1.MyCancel);
+  end_measuring(form1.MyCancel);
   finish_results();
   const std::int16_t exit_code = output.ExitCode;
   const bool command_line_mode = form1.CommandLineMode;

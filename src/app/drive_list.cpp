@@ -20,7 +20,7 @@ int list_drives() {
     list += std::to_string(drive) + "\t" + id.Disk_Model + "\t" + id.Disk_Serial + "\t" + id.Disk_Firmware + "\t" +
             std::to_string(id.Drive_Sectors) + "\t" + std::to_string(id.Drive_Sectors / kSectorsPerMb) + "Mb\r\n";
   }
-  CloseDrive();
+  close_drive();
   if (list.empty()) {
     tell_on_stderr("No drive answers.");
     return kFailed;

@@ -46,7 +46,7 @@ void option_click(int drive) {
   // A command pressed behind this button does not begin before the drive is selected.
   const bool during_command = form1.CommandRunning;
   form1.CommandRunning = true;
-  platform::DoEvents();
+  platform::pump_events();
   form1.CommandRunning = during_command;
   if (!during_command) {
     form1.PendingDrive = kNoDrive;
@@ -102,12 +102,12 @@ void cmdWriteBuffer_Click() {
   run_command(write_buffer_command);
 }
 
-void display_click() {
-  run_command(CmdDisplay_Click);
+void CmdDisplay_Click() {
+  run_command(show_buffer_for_editing);
 }
 
-void fill_click() {
-  run_command(CmdFillBuffer_Click);
+void CmdFillBuffer_Click() {
+  run_command(fill_buffer);
 }
 
 void CmdFind_Click() {
@@ -122,8 +122,8 @@ void CmdRndRD_Click() {
   run_command(random_read_command);
 }
 
-void slow_rate_click() {
-  CmdSlowRate_Click();
+void CmdSlowRate_Click() {
+  ask_slow_rate();
 }
 
 void CmdHelp_Click() {
@@ -146,7 +146,7 @@ void CmdExit_Click() {
 }
 
 void Form_Unload() {
-  CloseDrive();
+  close_drive();
   close_report();
   abandon_results();
   request_exit();

@@ -29,15 +29,15 @@ void CmdWrite_Click();
 void cmdWriteBuffer_Click();
 
 /// Shows the buffer for editing, or fills it with the pattern; neither touches a disk. Nothing while a command runs.
-void display_click();
-void fill_click();
+void CmdDisplay_Click();
+void CmdFillBuffer_Click();
 
 void CmdFind_Click();
 void CmdRnd_Click();
 void CmdRndRD_Click();
 
 /// Asks for the slow-transfer limit.
-void slow_rate_click();
+void CmdSlowRate_Click();
 
 void CmdHelp_Click();
 

@@ -100,7 +100,7 @@ int place_commands(Placing* placing, int y) {
   placing->put(Id::CmdRnd, kCommands, last, kCommandWidth, kRow);
 
   // The bar belongs to the range above it, and ends level with the command beside it.
-  placing->put(Id::PicProgress, kMargin, last - kApart, kFieldsRight - kMargin, kRow + kApart);
+  placing->put(Id::progress_bar, kMargin, last - kApart, kFieldsRight - kMargin, kRow + kApart);
 
   const int side = placing->controls_right() - kSideWidth;
   placing->put(Id::CmdSlowRate, side, y, kSideWidth, kRow);
@@ -135,10 +135,10 @@ int place_sector_functions(Placing* placing, int y) {
 void place_panel(Placing* placing, int x, int y, int height) {
   constexpr int kTabWidth = 100;
   constexpr int kTabGap = 6;
-  placing->put(Id::OptGraph, x, y, kTabWidth, kRow);
-  placing->put(Id::OptMap, x + kTabWidth, y, kTabWidth, kRow);
+  placing->put(Id::graph_tab, x, y, kTabWidth, kRow);
+  placing->put(Id::map_tab, x + kTabWidth, y, kTabWidth, kRow);
   const int picture = y + kRow + kTabGap;
-  placing->put(Id::PicPanel, x, picture, placing->right() - x, y + height - picture);
+  placing->put(Id::picture, x, picture, placing->right() - x, y + height - picture);
 }
 
 /// The panel beside what stands between `top` and `y`, or from `y` on. Returns where the next group begins.

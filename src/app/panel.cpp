@@ -97,11 +97,11 @@ void show_panel_view(PanelView view) {
   ++panel.changes;
 }
 
-void OptGraph_Click() {
+void graph_tab_click() {
   show_panel_view(PanelView::rate_graph);
 }
 
-void OptMap_Click() {
+void map_tab_click() {
   show_panel_view(PanelView::block_map);
 }
 

@@ -26,8 +26,8 @@ extern Panel panel;
 
 /// Which view is shown.
 void show_panel_view(PanelView view);
-void OptGraph_Click();
-void OptMap_Click();
+void graph_tab_click();
+void map_tab_click();
 
 /// The stretch of the disk at `point` of the picture; none beside it or without a run.
 std::optional<PixelColumn> stretch_at(platform::Point point);

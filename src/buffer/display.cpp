@@ -30,7 +30,7 @@ void ShowMBRParams() {
   form1.Text1.append(partition_table_text(disk.Sec_Buf.bytes()));
 }
 
-void CmdDisplay_Click() {
+void show_buffer_for_editing() {
   if (!disk.Sec_Buf.allocated()) return;
   form1.Text1.set_text({});
   Display_Buf(disk.Sec_Buf.bytes());

@@ -16,4 +16,4 @@ void Display_Buf(std::span<const std::uint8_t> buffer);
 void ShowMBRParams();
 
 /// Shows Sec_Buf for editing in place of what the box held; nothing while there is no buffer.
-void CmdDisplay_Click();
+void show_buffer_for_editing();

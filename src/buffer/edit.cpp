@@ -136,5 +136,5 @@ void Edit_Buffer_Byte() {
     edit_bytes(limit);
   }
   form1.Text1.set_text({});
-  CmdDisplay_Click();
+  show_buffer_for_editing();
 }

@@ -7,7 +7,7 @@
 #include "form/form1.h"
 #include "form/output.h"
 
-void CmdFillBuffer_Click() {
+void fill_buffer() {
   const Pattern pattern = parse_pattern(form1.TxtPattern.text());
   if (pattern.replaced) tell_user(std::string(kPatternError));
   disk.Sec_Buf.resize(kFillSectors * kSectorSize);

@@ -64,7 +64,7 @@ void remake_buffer(std::int64_t bytes, std::int64_t lba) {
 }
 
 void OpenDrive(int n) {
-  CloseDrive();
+  close_drive();
   const std::string path = "\\\\.\\PhysicalDrive" + std::to_string(n);
   disk.hDrive = kernel32::CreateFileA(path.c_str(), platform::kGenericRead | platform::kGenericWrite,
                                       platform::kShareRead | platform::kShareWrite, platform::kOpenExisting, 0);
@@ -75,7 +75,7 @@ void GetandOpenDrive() {
   OpenDrive(form1.SelectedDrive);
 }
 
-void CloseDrive() {
+void close_drive() {
   if (disk.hDrive != kernel32::kInvalidHandle) kernel32::CloseHandle(disk.hDrive);
   disk.hDrive = kernel32::kInvalidHandle;
 }

@@ -35,7 +35,7 @@ void OpenDrive(int n);
 void GetandOpenDrive();
 
 /// Closes the drive; disk.hDrive is invalid afterwards.
-void CloseDrive();
+void close_drive();
 
 /// Reads `count` sectors from `lba` into the start of Sec_Buf with one system call. False on failure, also when fewer
 /// bytes came than asked; disk.Errno has the code (38 where the system gave none), disk.Buf_Secs is 0 then. A transfer

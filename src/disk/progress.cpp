@@ -76,14 +76,14 @@ void Display_Progress(std::int64_t sectors, std::int64_t lba) {
   // The transfer has just ended: another look at the clock would cost as much as all of this.
   const double elapsed = progress.XferEnd - counters.OpStartTime;
   const double per_second = elapsed > 0.0 ? std::floor(static_cast<double>(counters.Sectors_Done) / elapsed) : 0.0;
-  progress.AverageRate = static_cast<std::int64_t>(per_second / kSectorsPerMb);
+  progress.average_rate = static_cast<std::int64_t>(per_second / kSectorsPerMb);
   const double duration = progress.XferEnd - progress.XferStart;
   const bool timed = duration > kShortestTimed;
   const double rate = timed ? time_transfer(sectors, lba, duration) : kUntimedRate;
   form1.TxtStatus.set_deferred<status_text>(
-      StatusFacts{counters.Sectors_Done, counters.No_Secs, elapsed, rate, progress.AverageRate});
+      StatusFacts{counters.Sectors_Done, counters.No_Secs, elapsed, rate, progress.average_rate});
   if (progress.AutoSlowRate && timed && counters.Sectors_Done > kAutoAfter) {
-    progress.SlowRate = kAutoShare * static_cast<double>(progress.AverageRate);
+    progress.SlowRate = kAutoShare * static_cast<double>(progress.average_rate);
   }
 }
 
@@ -94,7 +94,7 @@ void set_slow_rate(const std::string& answer) {
   if (limit != 0.0) progress.SlowRate = limit;
 }
 
-void CmdSlowRate_Click() {
+void ask_slow_rate() {
   set_slow_rate(
       ask_line("Set Slow Transfer Threshold Rate in MB/Sec\r\n"
                "Type AUTO to set threshold to 50% of Average rate\r\n\r\n"

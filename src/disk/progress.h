@@ -19,7 +19,7 @@ struct Progress {
   double HighRate = 0.0;
   double LowRate = kLowRateStart;
   double MaxRateJump = 0.0;  // largest difference between a transfer's rate and HighRate
-  std::int64_t AverageRate = 0;
+  std::int64_t average_rate = 0;
   std::int64_t SlowXfers = 0;
 };
 
@@ -40,4 +40,4 @@ void Display_Progress(std::int64_t sectors, std::int64_t lba);
 void set_slow_rate(const std::string& answer);
 
 /// Asks for the slow limit.
-void CmdSlowRate_Click();
+void ask_slow_rate();

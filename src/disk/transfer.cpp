@@ -73,13 +73,13 @@ bool transfer_once(std::int64_t lba, std::int64_t sectors, bool tells_slow, bool
   progress.XferStart = in_a_row ? progress.XferEnd : platform::seconds_since_midnight();
   const bool done = direction.transfer(lba, sectors);
   progress.XferEnd = platform::seconds_since_midnight();
-  record({.wrote = direction.writes,
-          .slow = tells_slow && is_slow(sectors, progress.XferEnd - progress.XferStart),
-          .error = done ? 0 : disk.Errno,
-          .lba = lba,
-          .sectors = sectors,
-          .start = progress.XferStart,
-          .end = progress.XferEnd});
+  measure_transfer({.wrote = direction.writes,
+                    .slow = tells_slow && is_slow(sectors, progress.XferEnd - progress.XferStart),
+                    .error = done ? 0 : disk.Errno,
+                    .lba = lba,
+                    .sectors = sectors,
+                    .start = progress.XferStart,
+                    .end = progress.XferEnd});
   if (!done) direction.report_failure(lba, sectors);
   counters.Sectors_Done += sectors;
   return done;
@@ -101,7 +101,7 @@ bool transfer_all(std::int64_t* lba, std::int64_t total, std::int64_t per_transf
     bool in_a_row = false;
     if (events == Events::run) {
       const bool shown = show_progress_line();
-      const bool pumped = platform::DoEvents();
+      const bool pumped = platform::pump_events();
       if (form1.MyCancel) break;
       in_a_row = progress.in_a_row && !shown && !pumped;
     }

@@ -142,18 +142,19 @@ void tell_user(const std::string& text, platform::BoxIcon icon) {
   if (run.op) {
     tell_on_stderr(text);
   } else {
-    platform::MsgBox(text, platform::Buttons::ok, std::string(kTitle), icon);
+    platform::message_box(text, platform::Buttons::ok, std::string(kTitle), icon);
   }
 }
 
 bool ask_user(const std::string& text, const std::string& title) {
-  if (!run.op) return platform::MsgBox(text, platform::Buttons::ok_cancel, title.empty() ? std::string(kTitle) : title);
+  if (!run.op)
+    return platform::message_box(text, platform::Buttons::ok_cancel, title.empty() ? std::string(kTitle) : title);
   tell_on_stderr(title.empty() ? text : title + " " + text);
   return false;
 }
 
 std::string ask_line(const std::string& prompt, const std::string& title, const std::string& default_answer) {
-  if (!run.op) return platform::InputBox(prompt, title.empty() ? std::string(kTitle) : title, default_answer);
+  if (!run.op) return platform::input_box(prompt, title.empty() ? std::string(kTitle) : title, default_answer);
   tell_on_stderr(prompt);
   return {};
 }

@@ -53,7 +53,7 @@ const char* run_kind_text(RunKind kind) {
   return kTexts.at(static_cast<std::size_t>(kind));
 }
 
-void begin(const RunPlan& plan) {
+void begin_measuring(const RunPlan& plan) {
   const std::uint64_t runs = measure.runs + 1;
   auto* const on_transfer = measure.on_transfer;
   // In place: half a megabyte is too much for a temporary on the stack.
@@ -68,17 +68,17 @@ void begin(const RunPlan& plan) {
   lay_out(plan.first_lba, plan.sectors, is_random(plan.kind), &measure.map);
 }
 
-void finish(bool stopped) {
+void end_measuring(bool stopped) {
   if (!measure.running) return;
   measure.running = false;
   measure.stopped = stopped;
 }
 
-void enter(Phase phase) {
+void measure_phase(Phase phase) {
   measure.phase = phase;
 }
 
-void record(const Timed& timed) {
+void measure_transfer(const Timed& timed) {
   if (measure.plan.kind == RunKind::none) return;
   const Transfer transfer = transfer_of(timed);
   const LatencyClass which = class_of(transfer);

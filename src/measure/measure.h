@@ -72,20 +72,20 @@ struct Measure {
   RateMap map;
 
   // These two outlive a run.
-  std::uint64_t runs = 0;                          // grows by one at every begin()
+  std::uint64_t runs = 0;                          // grows by one at every begin_measuring()
   void (*on_transfer)(const Transfer&) = nullptr;  // told of every transfer; null for nobody
 };
 
 extern Measure measure;
 
 /// An operation begins: everything of the one before is forgotten.
-void begin(const RunPlan& plan);
+void begin_measuring(const RunPlan& plan);
 
 /// The operation has ended, by itself or because the user `stopped` it. Nothing when it has already.
-void finish(bool stopped);
+void end_measuring(bool stopped);
 
 /// From here on transfers belong to `phase`.
-void enter(Phase phase);
+void measure_phase(Phase phase);
 
 /// A transfer as disk/ saw it. `start` and `end` are seconds since midnight.
 struct Timed {
@@ -100,7 +100,7 @@ struct Timed {
 
 /// Adds a transfer. Its phase is the entered one, or plain reading or writing where that one goes the other way.
 /// Nothing between operations.
-void record(const Timed& timed);
+void measure_transfer(const Timed& timed);
 
 /// How far the run is: the share done (0 to 1), the seconds left (-1 while unknown), and what it does.
 struct HowFar {

@@ -28,7 +28,7 @@ namespace {
 void refuse_wrong_drive(const std::string& why) {
   tell_on_stderr(why);
   output.ExitCode = 1;
-  CloseDrive();
+  close_drive();
   ExitProgram();
 }
 
@@ -54,7 +54,7 @@ void refuse_missing_drive() {
   form1.TxtStatus.set_text(text);
   output.ExitCode = 1;
   if (!run.wants_drive) return;
-  CloseDrive();
+  close_drive();
   ExitProgram();
 }
 
@@ -109,7 +109,7 @@ void End_Operation() {
   PrintReport("Last Status: " + form1.TxtStatus.text());
   PrintReport(frame.Smart_Text + "\r\n\r\n");
   form1.Text1.append("\r\n" + frame.Smart_Text);
-  CloseDrive();
+  close_drive();
   if (!lost_places.lines.empty()) form1.Text1.append("\r\n");
   report_lost_places();
 }

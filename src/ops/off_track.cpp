@@ -58,7 +58,7 @@ Places next_places() {
 
 /// Reads one sector elsewhere and puts the tested place's data back into the buffer's start.
 void seek_to(std::int64_t lba, const Visit& visit) {
-  enter(Phase::reading);
+  measure_phase(Phase::reading);
   Read_sectors(&lba, 1, 1, Events::wait);
   std::copy_n(visit.former_contents().begin(), kSectorSize, disk.Sec_Buf.data());
 }
@@ -73,7 +73,7 @@ void make_pass(const Places& places) {
 }
 
 void verify(const std::array<std::int64_t, kRemembered>& tested) {
-  enter(Phase::verifying);
+  measure_phase(Phase::verifying);
   for (const std::int64_t place : tested) {
     std::int64_t lba = place - kGuard;
     Read_sectors(&lba, kVerified, kVerified);
@@ -114,7 +114,7 @@ void OffTrack_Write_Test() {
                     std::to_string(kSmallestDisk) + ": nothing was done.\r\n");
     return;
   }
-  begin({.kind = RunKind::off_track, .sectors = identification.Drive_Sectors, .work = work_of(passes)});
+  begin_measuring({.kind = RunKind::off_track, .sectors = identification.Drive_Sectors, .work = work_of(passes)});
   remake_buffer(kVerified * kSectorSize + 1, 0);
   counters.No_Secs = kSectors;
   form1.TxtNoSecs.set_text(std::to_string(kSectors));

@@ -68,9 +68,9 @@ std::string what_is_done() {
 
 /// What the test is about to do: `transfers` transfers to a visit, anywhere on the disk.
 void begin_measure(RunKind kind, std::int64_t transfers) {
-  begin({.kind = kind,
-         .sectors = identification.Drive_Sectors,
-         .work = random_test.passes * movable_sectors() * transfers});
+  begin_measuring({.kind = kind,
+                   .sectors = identification.Drive_Sectors,
+                   .work = random_test.passes * movable_sectors() * transfers});
 }
 
 /// Makes the passes, each followed by its count and the test for a cancel.
@@ -145,11 +145,11 @@ void destructive_visit() {
   form1.TxtStartLBA.set_text(std::to_string(lba));
   std::copy(pattern_of_test.begin(), pattern_of_test.end(), disk.Sec_Buf.data());
   std::int64_t write_lba = lba;
-  enter(Phase::writing);
+  measure_phase(Phase::writing);
   Write_sectors(&write_lba, counters.No_Secs, counters.No_Secs);
   if (form1.MyCancel) return;
   std::int64_t read_lba = lba;
-  enter(Phase::verifying);
+  measure_phase(Phase::verifying);
   count_compare(pattern_of_test, Read_sectors(&read_lba, counters.No_Secs, counters.No_Secs, Events::wait));
 }
 
@@ -186,7 +186,7 @@ void Destructive_Random_Write_Test() {
   if (!begin_test()) return;
   form1.TxtNoSecs.set_text(std::to_string(counters.No_Secs));
   size_buffer();
-  CmdFillBuffer_Click();
+  fill_buffer();
   pattern_of_test.assign(visit_bytes().begin(), visit_bytes().end());
   begin_measure(RunKind::destructive_write, 2);
   report_and_show("Destructive Random Write test to whole disk with pattern " + form1.TxtPattern.text() + ", " +

@@ -49,7 +49,7 @@ struct Place {
 /// Where a match begins; it may end in the next sector. On a match the buffer holds that sector alone.
 bool search_range(const Search& search, Place* place) {
   place->lba = take_range();
-  begin({.kind = RunKind::search, .first_lba = place->lba, .sectors = counters.No_Secs});
+  begin_measuring({.kind = RunKind::search, .first_lba = place->lba, .sectors = counters.No_Secs});
   const std::int64_t chunk = read_chunk(counters.No_Secs);
   remake_buffer(chunk * kSectorSize, place->lba);
   if (search.problem == SearchProblem::bad_hex) {
@@ -94,7 +94,7 @@ void search_disk(const std::string& search_string) {
 
 std::int64_t ReadSearchSectors(const Search& search, std::int64_t* lba, std::int64_t count, std::int64_t chunk) {
   for (std::int64_t left = count; left > 0;) {
-    platform::DoEvents();
+    platform::pump_events();
     if (form1.MyCancel) return -1;
     const std::int64_t sectors = std::min(left, chunk);
     if (read_once(*lba, sectors)) {
@@ -106,7 +106,7 @@ std::int64_t ReadSearchSectors(const Search& search, std::int64_t* lba, std::int
     *lba = lba_after(*lba, sectors);
     left -= sectors;
   }
-  platform::DoEvents();  // what was pressed during the last transfer counts
+  platform::pump_events();  // what was pressed during the last transfer counts
   return -1;
 }
 

@@ -52,7 +52,7 @@ void report_end(const std::string& before) {
 void Seq_Read() {
   Clear_Counters();
   const std::int64_t start = take_range();
-  begin({.kind = RunKind::read, .first_lba = start, .sectors = counters.No_Secs});
+  begin_measuring({.kind = RunKind::read, .first_lba = start, .sectors = counters.No_Secs});
   announce("Reading");
   const std::int64_t chunk = read_chunk(counters.No_Secs);
   remake_buffer(chunk * kSectorSize, start);
@@ -63,7 +63,7 @@ void Seq_Read() {
 void Seq_Write() {
   Clear_Counters();
   const std::int64_t start = take_range();
-  begin({.kind = RunKind::write, .first_lba = start, .sectors = counters.No_Secs});
+  begin_measuring({.kind = RunKind::write, .first_lba = start, .sectors = counters.No_Secs});
   announce("Writing");
   // One step, unlike the read's two; kept, so that rates compare with earlier runs.
   constexpr std::int64_t kChunk = 16065;
@@ -72,7 +72,7 @@ void Seq_Write() {
 }
 
 void write_command() {
-  CmdFillBuffer_Click();
+  fill_buffer();
   ShowMessage("Started HDD - WRITETOEND");
   if (confirm_write("WIPE DRIVE?")) run_writing(Seq_Write);
 }

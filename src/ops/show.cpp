@@ -30,5 +30,5 @@ void smart_command() {
       smart.Smart_List.empty() ? "Warning: No SMART data available\r\n" : "SMART DATA\r\n" + smart.Smart_List;
   PrintReport(listing);
   form1.Text1.append(listing);
-  CloseDrive();
+  close_drive();
 }

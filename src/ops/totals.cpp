@@ -21,7 +21,7 @@ void start_timing() {
 
 void end_timing() {
   counters.OpEndTime = platform::seconds_since_midnight();
-  platform::DoEvents();
+  platform::pump_events();
 }
 
 void Do_errors() {

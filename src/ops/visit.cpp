@@ -16,7 +16,7 @@ LostPlaces lost_places;
 
 namespace {
 
-void tell(const std::string& line) {
+void report_line(const std::string& line) {
   PrintReport(line);
   form1.Text1.append(line + "\r\n");
 }
@@ -49,7 +49,7 @@ Visit::~Visit() {
 bool Visit::take_former_contents() {
   std::int64_t lba = lba_;
   disk.Buf_Secs = 0;  // tells a read that a cancel kept from beginning
-  enter(Phase::reading);
+  measure_phase(Phase::reading);
   Read_sectors(&lba, sectors_, sectors_);
   platform::hold_shutdown();
   hold_report();
@@ -58,13 +58,13 @@ bool Visit::take_former_contents() {
     saved_.assign(bytes.begin(), bytes.end());
     return true;
   }
-  if (!form1.MyCancel) tell("Not written: the former contents could not be read.");
+  if (!form1.MyCancel) report_line("Not written: the former contents could not be read.");
   return false;
 }
 
 bool Visit::write() {
   std::int64_t lba = lba_;
-  enter(Phase::writing);
+  measure_phase(Phase::writing);
   const bool done = Write_sectors(&lba, sectors_, sectors_, Events::wait);
   refused_ = !done && never_sent(disk.Errno) ? disk.Errno : 0;
   return done;
@@ -72,14 +72,14 @@ bool Visit::write() {
 
 bool Visit::read() {
   std::int64_t lba = lba_;
-  enter(Phase::verifying);
+  measure_phase(Phase::verifying);
   return Read_sectors(&lba, sectors_, sectors_, Events::wait);
 }
 
 void Visit::give_back() {
   std::copy(saved_.begin(), saved_.end(), disk.Sec_Buf.data());
   std::int64_t lba = lba_;
-  enter(Phase::restoring);
+  measure_phase(Phase::restoring);
   if (Write_sectors(&lba, sectors_, sectors_, Events::wait) && !flush_failed()) return;
   const bool untouched = refused_ != 0 && disk.Errno == refused_;
   const std::string line = "Former contents of " + std::to_string(sectors_) + " sectors at LBA " +
@@ -87,11 +87,11 @@ void Visit::give_back() {
                            (untouched ? nothing_written(refused_) : save_to_rescue_file(lba_, saved_));
   lost_places.lines.push_back(line);
   // At once, since the process may end before the report does.
-  tell(line);
+  report_line(line);
   if (run.op) tell_at_once(line + "\r\n");
 }
 
 void report_lost_places() {
-  for (const std::string& line : lost_places.lines) tell(line);
+  for (const std::string& line : lost_places.lines) report_line(line);
   lost_places = {};
 }

@@ -22,8 +22,8 @@ bool err_is_terminal();
 /// Lets go of a console that this program alone owns (a double click); a console shared with a caller stays.
 void release_lone_console();
 
-/// From here on Control-C and Control-Break make the next DoEvents call `on_cancel`; closing the console, log-off and
-/// shutdown make it call `on_exit`, and hold the system back, as long as it allows, until allow_shutdown().
+/// From here on Control-C and Control-Break make the next pump_events call `on_cancel`; closing the console, log-off
+/// and shutdown make it call `on_exit`, and hold the system back, as long as it allows, until allow_shutdown().
 void watch_console(void (*on_cancel)(), void (*on_exit)());
 
 /// Between the two the disk holds data that are not its own: a console that closes waits for the end, and a session

@@ -71,7 +71,7 @@ void run_window();
 
 /// Lets pending events run without waiting for more; turns an interruption from the console into its handler's call. At
 /// most every 10 ms, since asking costs. False when it had nothing to do yet.
-bool DoEvents();
+bool pump_events();
 
 /// Shows everything as it stands, so that a stretch of work whose time is taken does not begin with that. Handles no
 /// events.
@@ -89,9 +89,9 @@ enum class Buttons : std::uint8_t { ok, ok_cancel };
 enum class BoxIcon : std::uint8_t { none, information };
 
 /// Shows a modal box over the main window; true for OK, false for Cancel (also by Esc or closing it).
-bool MsgBox(const std::string& text, Buttons buttons, const std::string& title, BoxIcon icon = BoxIcon::none);
+bool message_box(const std::string& text, Buttons buttons, const std::string& title, BoxIcon icon = BoxIcon::none);
 
 /// Asks for a line of text in a modal box; empty for Cancel as well as for an empty answer.
-std::string InputBox(const std::string& prompt, const std::string& title, const std::string& default_answer);
+std::string input_box(const std::string& prompt, const std::string& title, const std::string& default_answer);
 
 }  // namespace platform

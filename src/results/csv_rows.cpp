@@ -75,7 +75,7 @@ void add_csv_row(const Transfer& transfer) {
   const std::size_t rows_of_room = output.report_held ? 1 : kRowsOfVisit;
   if (csv_rows.used + rows_of_room * kLongestRow <= csv_rows.buffer.size()) return;
   const std::string error = flush();
-  if (!error.empty()) tell(error + " The run goes on.");
+  if (!error.empty()) tell_and_show(error + " The run goes on.");
 }
 
 std::string finish_csv() {

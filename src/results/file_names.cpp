@@ -18,18 +18,18 @@
 
 namespace {
 
-struct Output_Name {
+struct OutputName {
   const char* which;
   const std::optional<std::string>* name;
   bool replaced;  // written under a temporary name
 };
 
-const std::array<Output_Name, 5>& outputs() {
-  static const std::array<Output_Name, 5> names = {{{"/REPORT", &run.report, false},
-                                                    {"/VARS", &run.vars, false},
-                                                    {"/CSV", &run.csv, true},
-                                                    {"/JSON", &run.json, true},
-                                                    {"/GRAPH", &run.graph, true}}};
+const std::array<OutputName, 5>& outputs() {
+  static const std::array<OutputName, 5> names = {{{"/REPORT", &run.report, false},
+                                                   {"/VARS", &run.vars, false},
+                                                   {"/CSV", &run.csv, true},
+                                                   {"/JSON", &run.json, true},
+                                                   {"/GRAPH", &run.graph, true}}};
   return names;
 }
 
@@ -67,14 +67,14 @@ bool writes_to_disk() {
 }
 
 /// False for an output that is not wanted, or goes to standard output as it may.
-bool is_file(const Output_Name& output) {
+bool is_file(const OutputName& output) {
   return *output.name && (output.replaced || **output.name != "-");
 }
 
 /// Compares names alone, so that no file is touched for a run that is then refused.
 std::string named_twice() {
   std::vector<std::string> taken;
-  for (const Output_Name& output : outputs()) {
+  for (const OutputName& output : outputs()) {
     if (!is_file(output)) continue;
     std::vector<std::string> names = {same_file(**output.name)};
     if (output.replaced) names.push_back(same_file(temporary_name(**output.name)));
@@ -86,7 +86,7 @@ std::string named_twice() {
   return {};
 }
 
-std::string check(const Output_Name& output, const std::string& path) {
+std::string check(const OutputName& output, const std::string& path) {
   const std::string& name = **output.name;
   const std::string shown = std::string(output.which) + ": \"" + name + "\" ";
   if (name == "-") return shown + "is no file; only /REPORT and /VARS go to standard output.";
@@ -115,7 +115,7 @@ std::string why_no_file(const std::string& name) {
 
 std::string check_output_names() {
   std::string problem = named_twice();
-  for (const Output_Name& output : outputs()) {
+  for (const OutputName& output : outputs()) {
     if (problem.empty() && is_file(output)) problem = check(output, same_file(**output.name));
   }
   return problem;

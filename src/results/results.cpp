@@ -42,7 +42,7 @@ Result collect() {
 }
 
 void tell_failure(const std::string& error) {
-  if (!error.empty()) tell(error);
+  if (!error.empty()) tell_and_show(error);
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include "form/form1.h"
 #include "form/output.h"
 
-void tell(const std::string& line) {
+void tell_and_show(const std::string& line) {
   tell_on_stderr(line);
   form1.Text1.append(line + "\r\n");
 }

@@ -144,7 +144,7 @@ std::string size_variables() {
 }
 
 std::string rate_variables() {
-  return line("SET QV_D_XFER_RATE_AV=", std::to_string(progress.AverageRate)) +
+  return line("SET QV_D_XFER_RATE_AV=", std::to_string(progress.average_rate)) +
          line("SET QV_D_XFER_RATE_L=", double_text(std::floor(progress.LowRate))) +
          line("SET QV_D_XFER_RATE_H=", double_text(progress.HighRate)) +
          line("SET QV_D_SLOW_XFERS=", std::to_string(progress.SlowXfers));

@@ -162,7 +162,7 @@ std::int64_t Get_Disk_Geometry_Size() {
 
 void Get_Scsi_Identify(std::int32_t port) {
   // The port's handle takes the drive's place even where it cannot transfer; kept, SMART requests go through it.
-  CloseDrive();
+  close_drive();
   disk.hDrive = open_device("\\\\.\\Scsi" + std::to_string(port) + ":");
   if (disk.hDrive == kernel32::kInvalidHandle) {
     ShowMessage("SCSI invalid handle!");

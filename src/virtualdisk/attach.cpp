@@ -54,7 +54,7 @@ std::string read_page(const NamedFile& file, const std::string& beside, Page* pa
 /// Line and reason of what is wrong; the reason is empty when all is well.
 using Wrong = std::pair<int, std::string>;
 
-Wrong open_content(Disk& disk, const std::string& beside) {
+Wrong open_content(VirtualDisk& disk, const std::string& beside) {
   const DiskFile& file = disk.file;
   disk.readonly = file.readonly;
   disk.sectors = file.sectors;
@@ -71,7 +71,7 @@ Wrong open_content(Disk& disk, const std::string& beside) {
   return {};
 }
 
-Wrong read_pages(Disk& disk, const std::string& beside) {
+Wrong read_pages(VirtualDisk& disk, const std::string& beside) {
   const DiskFile& file = disk.file;
   Page attributes = attribute_page(file.attributes);
   Page thresholds = threshold_page(file.attributes);
@@ -116,8 +116,8 @@ ParsedDisk describe(const std::string& file, OwnedFile* held) {
 
 }  // namespace
 
-std::unique_ptr<Disk> make_disk(int drive, const std::string& file, std::string* error) {
-  auto disk = std::make_unique<Disk>();
+std::unique_ptr<VirtualDisk> make_disk(int drive, const std::string& file, std::string* error) {
+  auto disk = std::make_unique<VirtualDisk>();
   ParsedDisk parsed = describe(file, &disk->held.emplace_back());
   *error = parsed.error;
   if (!error->empty()) return nullptr;

@@ -74,7 +74,7 @@ void start_reply(Out out, std::size_t bytes, std::uint32_t* returned) {
   *returned = static_cast<std::uint32_t>(bytes);
 }
 
-Page identity_of(const Disk& disk) {
+Page identity_of(const VirtualDisk& disk) {
   if (disk.identify) return *disk.identify;
   return identify_page({disk.file.model, disk.file.serial, disk.file.firmware, disk.sectors, disk.smart.enabled});
 }
@@ -86,13 +86,13 @@ void put_page(Out out, const Page& page) {
 }
 
 /// The device map's byte: the drive's bit, and its ATAPI bit, which drives 4 to 7 have no room for.
-std::uint8_t device_map(const Disk& disk) {
+std::uint8_t device_map(const VirtualDisk& disk) {
   unsigned map = disk.file.smart_nobit ? 0U : 1U << static_cast<unsigned>(disk.drive);
   if (disk.file.smart_atapi) map |= 1U << static_cast<unsigned>(disk.drive + 4);
   return static_cast<std::uint8_t>(map & 0xFF);
 }
 
-std::uint32_t get_version(const Disk& disk, Out out, std::uint32_t* returned) {
+std::uint32_t get_version(const VirtualDisk& disk, Out out, std::uint32_t* returned) {
   constexpr std::size_t kVersionBytes = 24;  // GETVERSIONINPARAMS
   constexpr std::uint32_t kAtaAtapiSmart = 7;
   if (disk.file.smart_off) return kInvalidFunction;
@@ -105,7 +105,7 @@ std::uint32_t get_version(const Disk& disk, Out out, std::uint32_t* returned) {
   return 0;
 }
 
-std::uint32_t send_command(Disk& disk, In in, Out out, std::uint32_t* returned) {
+std::uint32_t send_command(VirtualDisk& disk, In in, Out out, std::uint32_t* returned) {
   if (in.size() < kCommandBytes || !is_command(in, kEnable) || !is_for_drive(in, disk.drive)) return kInvalidParameter;
   if (out.size() < kStatusBytes) return kInsufficientBuffer;
   if (disk.file.smart_disabled) return kIoDevice;
@@ -114,7 +114,7 @@ std::uint32_t send_command(Disk& disk, In in, Out out, std::uint32_t* returned) 
   return 0;
 }
 
-std::uint32_t receive_data(Disk& disk, In in, Out out, std::uint32_t* returned) {
+std::uint32_t receive_data(VirtualDisk& disk, In in, Out out, std::uint32_t* returned) {
   if (in.size() < kCommandBytes || !is_for_drive(in, disk.drive)) return kInvalidParameter;
   const bool attributes = is_command(in, kReadAttributes);
   const bool thresholds = is_command(in, kReadThresholds);
@@ -128,7 +128,7 @@ std::uint32_t receive_data(Disk& disk, In in, Out out, std::uint32_t* returned) 
   return 0;
 }
 
-std::uint32_t get_geometry(const Disk& disk, Out out, std::uint32_t* returned) {
+std::uint32_t get_geometry(const VirtualDisk& disk, Out out, std::uint32_t* returned) {
   constexpr std::size_t kGeometryBytes = 24;  // DISK_GEOMETRY
   constexpr std::uint32_t kFixedMedia = 12;
   constexpr std::int64_t kHeads = 255;
@@ -146,7 +146,7 @@ std::uint32_t get_geometry(const Disk& disk, Out out, std::uint32_t* returned) {
   return 0;
 }
 
-std::uint32_t get_length(const Disk& disk, Out out, std::uint32_t* returned) {
+std::uint32_t get_length(const VirtualDisk& disk, Out out, std::uint32_t* returned) {
   constexpr std::size_t kLengthBytes = 8;  // GET_LENGTH_INFORMATION
   if (disk.file.no_length) return kInvalidFunction;
   if (out.size() < kLengthBytes) return kInsufficientBuffer;
@@ -157,7 +157,7 @@ std::uint32_t get_length(const Disk& disk, Out out, std::uint32_t* returned) {
   return 0;
 }
 
-std::uint32_t read_capacity(const Disk& disk, In in, Out out, std::uint32_t* returned) {
+std::uint32_t read_capacity(const VirtualDisk& disk, In in, Out out, std::uint32_t* returned) {
   // SCSI_PASS_THROUGH as 32-bit programs lay it out, with the sense bytes behind it and the data behind those; READ
   // CAPACITY (10) of SBC-3 in a block of 6 bytes.
   constexpr std::array<std::uint8_t, 44> kRequest = {44, 0, 0,   0, 1, 0,  6, 24, 1, 0,  0, 0, 192, 0,    0,
@@ -184,7 +184,7 @@ std::uint32_t read_capacity(const Disk& disk, In in, Out out, std::uint32_t* ret
 
 }  // namespace
 
-std::uint32_t control_drive(Disk& disk, std::uint32_t code, In in, Out out, std::uint32_t* returned) {
+std::uint32_t control_drive(VirtualDisk& disk, std::uint32_t code, In in, Out out, std::uint32_t* returned) {
   const bool ata = disk.file.bus == Bus::ata;
   switch (code) {
     case kGetVersion:
@@ -208,7 +208,7 @@ std::uint32_t control_drive(Disk& disk, std::uint32_t code, In in, Out out, std:
   }
 }
 
-std::uint32_t control_port(Disk& disk, std::uint32_t code, In in, Out out, std::uint32_t* returned) {
+std::uint32_t control_port(VirtualDisk& disk, std::uint32_t code, In in, Out out, std::uint32_t* returned) {
   constexpr std::string_view kSignature = "SCSIDISK";
   if (code != kMiniport) return kInvalidFunction;
   const bool whole = in.size() >= kMiniportBytes && bytes::le(in, 0, 4) == kSrbBytes &&
@@ -226,7 +226,7 @@ std::uint32_t control_port(Disk& disk, std::uint32_t code, In in, Out out, std::
   return 0;
 }
 
-std::uint32_t control_volume(Disk& disk, std::size_t volume, platform::Handle handle, std::uint32_t code) {
+std::uint32_t control_volume(VirtualDisk& disk, std::size_t volume, platform::Handle handle, std::uint32_t code) {
   platform::Handle& lock = disk.locks[volume];
   switch (code) {
     case kLockVolume:

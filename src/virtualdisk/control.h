@@ -13,15 +13,15 @@
 namespace virtualdisk {
 
 /// On the drive itself. Volume requests succeed and change nothing: no file system stands on the drive's own handle.
-std::uint32_t control_drive(Disk& disk, std::uint32_t code, std::span<const std::uint8_t> in,
+std::uint32_t control_drive(VirtualDisk& disk, std::uint32_t code, std::span<const std::uint8_t> in,
                             std::span<std::uint8_t> out, std::uint32_t* returned);
 
 /// On "\\.\ScsiN:".
-std::uint32_t control_port(Disk& disk, std::uint32_t code, std::span<const std::uint8_t> in,
+std::uint32_t control_port(VirtualDisk& disk, std::uint32_t code, std::span<const std::uint8_t> in,
                            std::span<std::uint8_t> out, std::uint32_t* returned);
 
 /// On volume `volume` of the disk, through `handle`. A volume has one lock; the handle that holds it may not lock
 /// twice.
-std::uint32_t control_volume(Disk& disk, std::size_t volume, platform::Handle handle, std::uint32_t code);
+std::uint32_t control_volume(VirtualDisk& disk, std::size_t volume, platform::Handle handle, std::uint32_t code);
 
 }  // namespace virtualdisk

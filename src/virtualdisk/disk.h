@@ -30,7 +30,7 @@ inline constexpr std::uint32_t kIoDevice = 1117;
 inline constexpr std::uint32_t kNotConnected = 1167;
 
 /// One attached disk.
-struct Disk {
+struct VirtualDisk {
   int drive = 0;
   DiskFile file;  // what its file says, defaults filled in
   std::int64_t sectors = 0;
@@ -45,12 +45,13 @@ struct Disk {
 };
 
 /// True once the disk has made all its transfers.
-bool vanished(const Disk& disk);
+bool vanished(const VirtualDisk& disk);
 
 /// One transfer at byte `offset`. What a call gives: a system error code, 0 for success; `moved` is the bytes moved, 0
 /// on failure. A transfer that a directive fails leaves the buffer and the disk as they were.
-std::uint32_t read_disk(Disk& disk, std::uint64_t offset, void* buffer, std::uint32_t bytes, std::uint32_t* moved);
-std::uint32_t write_disk(Disk& disk, std::uint64_t offset, const void* buffer, std::uint32_t bytes,
+std::uint32_t read_disk(VirtualDisk& disk, std::uint64_t offset, void* buffer, std::uint32_t bytes,
+                        std::uint32_t* moved);
+std::uint32_t write_disk(VirtualDisk& disk, std::uint64_t offset, const void* buffer, std::uint32_t bytes,
                          std::uint32_t* moved);
 
 }  // namespace virtualdisk

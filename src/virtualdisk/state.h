@@ -31,7 +31,7 @@ struct OpenHandle {
 };
 
 struct State {
-  std::array<std::unique_ptr<Disk>, kDrives> disks;
+  std::array<std::unique_ptr<VirtualDisk>, kDrives> disks;
   std::map<platform::Handle, OpenHandle> handles;  // a handful: faster than hashing
   platform::Handle next_handle = kFirstHandle;
 };

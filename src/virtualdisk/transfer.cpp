@@ -7,7 +7,7 @@ namespace virtualdisk {
 namespace {
 
 /// Turns bytes into sectors and makes the checks that come before the medium is asked.
-std::uint32_t begin_transfer(Disk& disk, std::uint64_t offset, std::uint32_t bytes, Range* range) {
+std::uint32_t begin_transfer(VirtualDisk& disk, std::uint64_t offset, std::uint32_t bytes, Range* range) {
   if (vanished(disk)) return kNotConnected;
   if (disk.file.vanish_after) ++disk.transfers;
   if (offset % kSectorBytes != 0 || bytes % kSectorBytes != 0) return kInvalidParameter;
@@ -16,7 +16,7 @@ std::uint32_t begin_transfer(Disk& disk, std::uint64_t offset, std::uint32_t byt
 }
 
 /// Lets the counters see what happened and the time pass that the disk takes, counted from `started`.
-void end_transfer(Disk& disk, const Range& range, Event event, double started) {
+void end_transfer(VirtualDisk& disk, const Range& range, Event event, double started) {
   bool slow = false;
   const double seconds = disk.faults.takes_time() ? disk.faults.seconds(range, &slow) : 0.0;
   grow(disk.smart, event);
@@ -27,12 +27,12 @@ void end_transfer(Disk& disk, const Range& range, Event event, double started) {
   if (left > 0.0) platform::wait(std::min(left, kLongest));
 }
 
-double start_time(const Disk& disk) {
+double start_time(const VirtualDisk& disk) {
   return disk.faults.takes_time() ? platform::steady_seconds() : 0.0;
 }
 
 /// Writes the parts of `range` that reach the disk to where they land.
-std::uint32_t write_pieces(Disk& disk, const Range& range, const std::uint8_t* bytes) {
+std::uint32_t write_pieces(VirtualDisk& disk, const Range& range, const std::uint8_t* bytes) {
   for (const Faults::Piece& piece : disk.faults.landing(range)) {
     std::uint32_t moved = 0;
     const std::uint32_t code = disk.content.write(static_cast<std::uint64_t>(piece.lands_at) * kSectorBytes,
@@ -45,11 +45,12 @@ std::uint32_t write_pieces(Disk& disk, const Range& range, const std::uint8_t* b
 
 }  // namespace
 
-bool vanished(const Disk& disk) {
+bool vanished(const VirtualDisk& disk) {
   return disk.file.vanish_after && disk.transfers >= *disk.file.vanish_after;
 }
 
-std::uint32_t read_disk(Disk& disk, std::uint64_t offset, void* buffer, std::uint32_t bytes, std::uint32_t* moved) {
+std::uint32_t read_disk(VirtualDisk& disk, std::uint64_t offset, void* buffer, std::uint32_t bytes,
+                        std::uint32_t* moved) {
   *moved = 0;
   Range range;
   const std::uint32_t refused = begin_transfer(disk, offset, bytes, &range);
@@ -64,7 +65,7 @@ std::uint32_t read_disk(Disk& disk, std::uint64_t offset, void* buffer, std::uin
   return code;
 }
 
-std::uint32_t write_disk(Disk& disk, std::uint64_t offset, const void* buffer, std::uint32_t bytes,
+std::uint32_t write_disk(VirtualDisk& disk, std::uint64_t offset, const void* buffer, std::uint32_t bytes,
                          std::uint32_t* moved) {
   *moved = 0;
   Range range;

@@ -19,7 +19,7 @@ OpenHandle* handle_named(platform::Handle handle) {
   return found == state.handles.end() ? nullptr : &found->second;
 }
 
-Disk& disk_of(const Target& target) {
+VirtualDisk& disk_of(const Target& target) {
   return *state.disks[static_cast<std::size_t>(target.drive)];
 }
 
@@ -40,7 +40,7 @@ std::uint32_t trouble(const OpenHandle* open) {
 }
 
 /// The line of the first of the disk's volumes that another disk has already, as a complaint; or an empty text.
-std::string taken_volume(const Disk& disk, const std::string& file) {
+std::string taken_volume(const VirtualDisk& disk, const std::string& file) {
   for (const Volume& volume : disk.file.volumes) {
     const int owner = disk_named(R"(\\.\)" + volume.name);
     if (owner >= 0) {
@@ -64,7 +64,7 @@ std::string attach(int drive, const std::string& file) {
   if (!is_drive_number(drive)) return "drive number must be 0 to 7: " + std::to_string(drive);
   detach(drive);
   std::string error;
-  std::unique_ptr<Disk> disk = make_disk(drive, file, &error);
+  std::unique_ptr<VirtualDisk> disk = make_disk(drive, file, &error);
   if (error.empty()) error = taken_volume(*disk, file);
   if (error.empty()) state.disks[static_cast<std::size_t>(drive)] = std::move(disk);
   return error;
@@ -91,7 +91,7 @@ std::uint32_t open(std::string_view name, std::uint32_t access, std::uint32_t /*
   *handle = platform::kInvalidHandle;
   const std::optional<Target> target = target_named(name);
   if (!target) return kFileNotFound;
-  const Disk& disk = disk_of(*target);
+  const VirtualDisk& disk = disk_of(*target);
   if (vanished(disk)) return kNotConnected;
   if (target->kind == Kind::port && disk.file.bus != Bus::miniport) return kFileNotFound;
   if (target->kind == Kind::volume) {
@@ -167,7 +167,7 @@ std::uint32_t control(platform::Handle handle, std::uint32_t code, const void* i
 
   const std::span request(static_cast<const std::uint8_t*>(in), in == nullptr ? 0 : in_bytes);
   const std::span reply(static_cast<std::uint8_t*>(out), out == nullptr ? 0 : out_bytes);
-  Disk& disk = disk_of(open->target);
+  VirtualDisk& disk = disk_of(open->target);
   switch (open->target.kind) {
     case Kind::drive:
       return control_drive(disk, code, request, reply, returned);

@@ -43,11 +43,11 @@ bool in_frame(std::size_t index) {
 }
 
 bool in_panel(std::size_t index) {
-  return index >= static_cast<std::size_t>(Id::OptGraph) && index <= static_cast<std::size_t>(Id::PicPanel);
+  return index >= static_cast<std::size_t>(Id::graph_tab) && index <= static_cast<std::size_t>(Id::picture);
 }
 
 bool shows_panel(const Placed& window) {
-  return window.of(Id::PicPanel).height > 0;
+  return window.of(Id::picture).height > 0;
 }
 
 /// Every combination of a screen from 800x600 to 4K, less what its frame takes, with a scaling of 100 to 200 %.
@@ -133,12 +133,12 @@ TEST(Layout, CommandsThatWriteStandApart) {
 
 TEST(Layout, TabOrderReadsEachGroupFromTopToBottom) {
   const Placed window({1000, 760}, 96);
-  const std::vector<std::vector<Id>> groups = {{Id::TxtStartLBA, Id::TxtNoSecs, Id::TxtCurrent, Id::PicProgress},
+  const std::vector<std::vector<Id>> groups = {{Id::TxtStartLBA, Id::TxtNoSecs, Id::TxtCurrent, Id::progress_bar},
                                                {Id::CmdRead, Id::CmdRndRD, Id::CmdFind, Id::CmdRnd},
                                                {Id::CmdSlowRate, Id::cmdCancel, Id::CmdHelp, Id::CmdExit},
                                                {Id::CmdDisplay, Id::cmdWriteBuffer},
                                                {Id::TxtPattern, Id::CmdWrite},
-                                               {Id::OptGraph, Id::PicPanel, Id::TxtStatus},
+                                               {Id::graph_tab, Id::picture, Id::TxtStatus},
                                                {Id::Option1, Id::TxtStartLBA, Id::Frame1, Id::TxtStatus, Id::Text1}};
   for (const auto& group : groups) {
     for (std::size_t i = 1; i < group.size(); ++i) {
@@ -159,13 +159,13 @@ TEST(Layout, AScalingTooLargeForTheScreenGivesWay) {
 
 TEST(Layout, ThePanelTakesTheFreeRoomAndLeavesTheTextItsOwn) {
   const Placed wide({1264, 861}, 96);
-  EXPECT_GE(wide.of(Id::PicPanel).x, wide.of(Id::CmdExit).x + wide.of(Id::CmdExit).width);
-  EXPECT_EQ(wide.of(Id::PicPanel).y + wide.of(Id::PicPanel).height, wide.of(Id::Frame1).y + wide.of(Id::Frame1).height);
-  EXPECT_GE(wide.of(Id::PicPanel).width, 440);
+  EXPECT_GE(wide.of(Id::picture).x, wide.of(Id::CmdExit).x + wide.of(Id::CmdExit).width);
+  EXPECT_EQ(wide.of(Id::picture).y + wide.of(Id::picture).height, wide.of(Id::Frame1).y + wide.of(Id::Frame1).height);
+  EXPECT_GE(wide.of(Id::picture).width, 440);
   for (const Placed& window : many_windows()) {
     if (!shows_panel(window)) continue;
-    const bool beside = window.of(Id::PicPanel).y < window.of(Id::Frame1).y;
-    EXPECT_TRUE(beside || window.of(Id::Text1).height >= window.of(Id::PicPanel).height) << window.client.width;
+    const bool beside = window.of(Id::picture).y < window.of(Id::Frame1).y;
+    EXPECT_TRUE(beside || window.of(Id::Text1).height >= window.of(Id::picture).height) << window.client.width;
   }
   EXPECT_TRUE(shows_panel(Placed({1008, 729}, 96)) && shows_panel(Placed({1264, 861}, 192)));
   EXPECT_FALSE(shows_panel(Placed({784, 521}, 96)));

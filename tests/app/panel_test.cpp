@@ -98,9 +98,9 @@ TEST_F(PanelPicture, TheLineFallsWithTheDiskAndDipsAtItsSlowZone) {
 
 TEST_F(PanelPicture, RandomTestsArePoints) {
   open("/VDISK:0=DEMO");
-  begin({.kind = RunKind::random_read, .sectors = 1000, .work = 2});
-  record({.lba = 100, .sectors = 256, .start = 1.0, .end = 1.1});
-  record({.lba = 900, .sectors = 256, .start = 2.0, .end = 2.05});
+  begin_measuring({.kind = RunKind::random_read, .sectors = 1000, .work = 2});
+  measure_transfer({.lba = 100, .sectors = 256, .start = 1.0, .end = 1.1});
+  measure_transfer({.lba = 900, .sectors = 256, .start = 2.0, .end = 2.05});
   const Canvas canvas = painted();
   const auto plotted = std::find_if(canvas.drawn.rbegin(), canvas.drawn.rend(),
                                     [](const Drawn& drawn) { return drawn.what == Drawn::What::dots; });
@@ -136,7 +136,7 @@ TEST_F(PanelPicture, ARunningCommandKeepsItsStart) {
 
 TEST_F(PanelPicture, TheBlockMapShowsTheWorstOfEachCell) {
   read_practice_disk();
-  OptMap_Click();
+  map_tab_click();
   EXPECT_TRUE(panel.map_tab.on() && !panel.graph_tab.on());
   const Canvas canvas = painted();
   EXPECT_THAT(texts(canvas), ::testing::IsSupersetOf({"error: 1", "< 50 ms: 2", "< 3 ms: 100"}));
@@ -158,7 +158,7 @@ TEST_F(PanelPicture, EverythingStaysOnTheCanvasAndInHighContrastInSystemColours)
   read_practice_disk();
   const platform::Color green{0, 255, 0};
   for (const platform::Size size : {platform::Size{464, 216}, {732, 80}, {1800, 216}}) {
-    for (const auto click_view : {OptGraph_Click, OptMap_Click}) {
+    for (const auto click_view : {graph_tab_click, map_tab_click}) {
       click_view();
       const Canvas canvas = painted(size, 96, {{0, 0, 0}, green, {0, 0, 0}, green, true});
       for (const Drawn& drawn : canvas.drawn) {
@@ -172,14 +172,14 @@ TEST_F(PanelPicture, EverythingStaysOnTheCanvasAndInHighContrastInSystemColours)
 TEST_F(PanelPicture, ProgressSaysPhaseShareAndTimeLeft) {
   open("/VDISK:0=DEMO");
   EXPECT_EQ(progress_words().what, "");
-  begin({.kind = RunKind::write, .sectors = 1000});
-  record({.wrote = true, .sectors = 250, .start = 1.0, .end = 31.0});
+  begin_measuring({.kind = RunKind::write, .sectors = 1000});
+  measure_transfer({.wrote = true, .sectors = 250, .start = 1.0, .end = 31.0});
   EXPECT_EQ(progress_words().what, "writing 25%");
   EXPECT_EQ(progress_words().left, "1:30 left");
   EXPECT_DOUBLE_EQ(progress_share().done, 0.25);
-  finish(true);
+  end_measuring(true);
   EXPECT_EQ(progress_words().what, "stopped at 25%");
-  finish(false);
+  end_measuring(false);
   EXPECT_EQ(progress_words().what, "stopped at 25%") << "a command that transfers nothing changes nothing";
 }
 
@@ -192,8 +192,8 @@ TEST_F(PanelPicture, ASearchThatFindsIsNotStopped) {
 }
 
 TEST_F(PanelPicture, TheBarIsAsLongAsTheShareDone) {
-  begin({.kind = RunKind::read, .sectors = 1000});
-  record({.sectors = 500, .start = 1.0, .end = 2.0});
+  begin_measuring({.kind = RunKind::read, .sectors = 1000});
+  measure_transfer({.sectors = 500, .start = 1.0, .end = 2.0});
   Canvas canvas{{202, 34}, 96, {}, {}};
   kProgressPicture.paint(&canvas);
   EXPECT_EQ(canvas.drawn.back().place.width, 100);

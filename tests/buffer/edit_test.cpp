@@ -35,26 +35,26 @@ struct EditTest : Rig {
 
 TEST_F(EditTest, ShowsNothingWithoutABuffer) {
   form1.Text1.set_text("old");
-  CmdDisplay_Click();
+  show_buffer_for_editing();
   EXPECT_EQ(form1.Text1.text(), "old");
   EXPECT_FALSE(take_edits());
 }
 
 TEST_F(EditTest, ShowsThePartitionTableOfLba0Only) {
   read(0, 1);
-  CmdDisplay_Click();
+  show_buffer_for_editing();
   EXPECT_THAT(form1.Text1.text(), HasSubstr("END OF SECTOR DATA ================\r\n\r\n\r\nPartition 1 "));
   EXPECT_EQ(form1.Text1.caret(), form1.Text1.text().size());
   Display_Sec_Buf();
   EXPECT_LT(form1.Text1.caret(), form1.Text1.text().size());
   read(1, 1);
-  CmdDisplay_Click();
+  show_buffer_for_editing();
   EXPECT_THAT(form1.Text1.text(), Not(HasSubstr("Partition")));
 }
 
 TEST_F(EditTest, TakesEditsAfterOneQuestion) {
   read(4096, 128);
-  CmdDisplay_Click();
+  show_buffer_for_editing();
   type_over("\r\n27F0 00 00", "\r\n27F0 4a 00");
   desktop.answers = {"OK"};
   EXPECT_TRUE(take_edits());
@@ -66,11 +66,11 @@ TEST_F(EditTest, TakesEditsAfterOneQuestion) {
 
 TEST_F(EditTest, LeavesTheBufferOnCancelAndOnErrors) {
   read(4096, 2);
-  CmdDisplay_Click();
+  show_buffer_for_editing();
   type_over("0010 00", "0010 41");
   desktop.answers = {"CANCEL", "OK"};
   EXPECT_FALSE(take_edits());
-  CmdDisplay_Click();
+  show_buffer_for_editing();
   type_over("0010 00", "0010 0");
   EXPECT_FALSE(take_edits());
   EXPECT_EQ(desktop.boxes.at(1).text, "ERROR NEAR ADDRESS 10 HEX");
@@ -81,7 +81,7 @@ TEST_F(EditTest, WritesUneditedBuffersAllTheSame) {
   read(4096, 1);
   Display_Sec_Buf();
   EXPECT_TRUE(take_edits());
-  CmdDisplay_Click();
+  show_buffer_for_editing();
   desktop.answers = {"OK"};
   EXPECT_TRUE(take_edits());
   EXPECT_EQ(desktop.boxes.at(0).text, "No changes made to buffer contents");
@@ -89,7 +89,7 @@ TEST_F(EditTest, WritesUneditedBuffersAllTheSame) {
 
 TEST_F(EditTest, StopsSilentlyAtPartOfASector) {
   read(4096, 1);
-  CmdDisplay_Click();
+  show_buffer_for_editing();
   std::string text = form1.Text1.text();
   text.erase(text.find("01F0 "), 75);
   form1.Text1.set_typed(text);
@@ -124,14 +124,14 @@ TEST_F(EditTest, HasNoByteToChangeWithoutABuffer) {
 
 TEST_F(EditTest, FillsTheBuffer) {
   form1.TxtPattern.set_text("a5b");
-  CmdFillBuffer_Click();
+  fill_buffer();
   EXPECT_EQ(form1.TxtPattern.text(), "A5");
   EXPECT_EQ(form1.TxtStatus.text(), "Buffer filled with A5 OK.");
   EXPECT_EQ(disk.Buf_Secs, 8'225'280);
   EXPECT_EQ(std::ranges::count(disk.Sec_Buf.bytes(), 0xA5), 8'225'280);
   form1.TxtPattern.set_text("12G4");
   desktop.answers = {"OK"};
-  CmdFillBuffer_Click();
+  fill_buffer();
   EXPECT_EQ(form1.TxtPattern.text(), "2C2CAA55");
 }
 

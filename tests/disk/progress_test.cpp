@@ -86,7 +86,7 @@ TEST_F(ProgressTest, MidnightAndAStandingClockDivideByNothing) {
   counters.OpStartTime = 86399.5;
   transfer(2048, 0.2);
   EXPECT_THAT(form1.TxtStatus.text(), HasSubstr(" in -86399.4s "));
-  EXPECT_EQ(progress.AverageRate, 0);
+  EXPECT_EQ(progress.average_rate, 0);
 }
 
 TEST_F(ProgressTest, StandardErrorGetsALineEveryTenSecondsOrOneRewrittenInPlace) {

@@ -118,9 +118,9 @@ TEST_F(Transfer, AMissingOrForbiddenDriveLeavesNoHandle) {
 
 TEST_F(Transfer, ClosesADriveOnce) {
   open_disk("sectors 10\n");
-  CloseDrive();
+  close_drive();
   headless::desktop.calls.clear();
-  CloseDrive();
+  close_drive();
   EXPECT_THAT(headless::desktop.calls, ElementsAre());
 }
 

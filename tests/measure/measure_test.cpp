@@ -16,13 +16,13 @@ class MeasureTest : public Rig {
     for (int i = 0; i < count; ++i) transfer(sectors, static_cast<double>(sectors) / 2048.0 / rate);
   }
   void transfer(std::int64_t sectors, double seconds, bool slow = false, std::uint32_t error = 0) {
-    record({.wrote = false,
-            .slow = slow,
-            .error = error,
-            .lba = lba,
-            .sectors = sectors,
-            .start = now,
-            .end = now + seconds});
+    measure_transfer({.wrote = false,
+                      .slow = slow,
+                      .error = error,
+                      .lba = lba,
+                      .sectors = sectors,
+                      .start = now,
+                      .end = now + seconds});
     lba += sectors;
     now += seconds;
   }
@@ -45,7 +45,7 @@ TEST_F(MeasureTest, ClassesAreScaledToTheTransfersSize) {
 }
 
 TEST_F(MeasureTest, PercentilesStayWithinOnePercent) {
-  begin({.kind = RunKind::random_read, .sectors = 1000});
+  begin_measuring({.kind = RunKind::random_read, .sectors = 1000});
   std::vector<double> all;
   double seconds = 1e-6;
   for (int i = 0; i < 5000; ++i) {
@@ -63,7 +63,7 @@ TEST_F(MeasureTest, PercentilesStayWithinOnePercent) {
 }
 
 TEST_F(MeasureTest, SlowTransfersInARowAreOneZoneAndTheFullListCountsOn) {
-  begin({.kind = RunKind::read, .sectors = 100000000});
+  begin_measuring({.kind = RunKind::read, .sectors = 100000000});
   transfer(100, 1.0, true);
   transfer(100, 3.0, true);
   for (int i = 0; i < 300; ++i) {
@@ -80,7 +80,7 @@ TEST_F(MeasureTest, SlowTransfersInARowAreOneZoneAndTheFullListCountsOn) {
 }
 
 TEST_F(MeasureTest, EveryStretchOfASequentialRunKnowsItsRates) {
-  begin({.kind = RunKind::read, .first_lba = 5000, .sectors = 2097152});
+  begin_measuring({.kind = RunKind::read, .first_lba = 5000, .sectors = 2097152});
   lba = 5000;
   transfers(51, 20480, 100.0);
   transfers(51, 20480, 50.0);
@@ -102,7 +102,7 @@ TEST_F(MeasureTest, EveryStretchOfASequentialRunKnowsItsRates) {
 
 TEST_F(MeasureTest, OddRangesAreCoveredToTheirLastSector) {
   for (const std::int64_t sectors : {std::int64_t{1}, std::int64_t{7}, std::int64_t{4097}, std::int64_t{39062500000}}) {
-    begin({.kind = RunKind::read, .first_lba = 3, .sectors = sectors});
+    begin_measuring({.kind = RunKind::read, .first_lba = 3, .sectors = sectors});
     for (lba = 3 + sectors - 1; lba < 3 + sectors + 5;) transfer(4, 0.01, false, 5);
     lba = 0;
     transfer(3, 0.01);
@@ -116,7 +116,7 @@ TEST_F(MeasureTest, OddRangesAreCoveredToTheirLastSector) {
 }
 
 TEST_F(MeasureTest, RandomTestsKeepAnEvenSampleOfPoints) {
-  begin({.kind = RunKind::random_read, .sectors = 1000000});
+  begin_measuring({.kind = RunKind::random_read, .sectors = 1000000});
   for (int i = 0; i < 100000; ++i) {
     lba = i * 10;
     transfer(1, 0.001);
@@ -128,7 +128,7 @@ TEST_F(MeasureTest, RandomTestsKeepAnEvenSampleOfPoints) {
 }
 
 TEST_F(MeasureTest, TheTimeLeftFollowsTheLastHalfMinute) {
-  begin({.kind = RunKind::read, .sectors = 200 * 2048});
+  begin_measuring({.kind = RunKind::read, .sectors = 200 * 2048});
   transfers(50, 2048, 1.0);
   EXPECT_NEAR(how_far(measure).seconds_left, 150.0, 1e-6);
   transfers(62, 2048, 2.0);
@@ -139,9 +139,9 @@ TEST_F(MeasureTest, TheTimeLeftFollowsTheLastHalfMinute) {
 }
 
 TEST_F(MeasureTest, MidnightsDoNotDisturbTheClock) {
-  begin({.kind = RunKind::read, .sectors = 100});
+  begin_measuring({.kind = RunKind::read, .sectors = 100});
   for (const double start : {86390.0, 10.0, 80000.0, 86399.5, 100.0}) {
-    record({.lba = 0, .sectors = 1, .start = start, .end = start > 86399.0 ? 0.5 : start + 1.0});
+    measure_transfer({.lba = 0, .sectors = 1, .start = start, .end = start > 86399.0 ? 0.5 : start + 1.0});
   }
   EXPECT_NEAR(measure.seconds, 86400.0 * 2 + 101.0 - 86390.0, 1e-6);
   EXPECT_NEAR(measure.latency.slowest.at(0).seconds, 1.0, 1e-9);
@@ -151,14 +151,14 @@ TEST_F(MeasureTest, PhasesNameWhatATransferWasPartOf) {
   static std::vector<std::string> seen;
   seen.clear();
   measure.on_transfer = [](const Transfer& transfer) { seen.emplace_back(phase_text(transfer.phase)); };
-  const auto one = [](bool wrote) { record({.wrote = wrote, .sectors = 1}); };
+  const auto one = [](bool wrote) { measure_transfer({.wrote = wrote, .sectors = 1}); };
   one(false);
-  begin({.kind = RunKind::random_write, .sectors = 9});
+  begin_measuring({.kind = RunKind::random_write, .sectors = 9});
   one(false);
   one(true);
-  enter(Phase::verifying);
+  measure_phase(Phase::verifying);
   one(false);
-  enter(Phase::restoring);
+  measure_phase(Phase::restoring);
   one(true);
   EXPECT_EQ(seen, (std::vector<std::string>{"reading", "writing", "verifying", "restoring"}));
 }
@@ -182,7 +182,7 @@ TEST_F(MeasureTest, ScalesAreRound) {
 
 TEST_F(MeasureTest, ATransferCostsWellBelowAMicrosecond) {
   constexpr int kTransfers = 200000;
-  begin({.kind = RunKind::read, .sectors = std::int64_t{kTransfers} * 20480});
+  begin_measuring({.kind = RunKind::read, .sectors = std::int64_t{kTransfers} * 20480});
   const auto start = std::chrono::steady_clock::now();
   transfers(kTransfers, 20480, 100.0);
   const std::chrono::duration<double, std::micro> spent = std::chrono::steady_clock::now() - start;

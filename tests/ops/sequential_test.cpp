@@ -153,7 +153,7 @@ TEST_F(SequentialRead, WhatWasNotReadIsNotShown) {
   open_on("sectors 100\nfail read 0 1\n");
   range("0", "2");
   click(CmdRead_Click);
-  click(display_click);
+  click(CmdDisplay_Click);
   EXPECT_EQ(count_of(form1.Text1.text(), "[Sector "), 0);
   EXPECT_EQ(count_of(form1.Text1.text(), "Type: 0 "), 4) << "no bytes of anything else";
 }

@@ -98,7 +98,7 @@ TEST_F(Writing, ThreeEditedBytesAreListedAskedAboutAndWritten) {
   open_window();
   range("40", "2");
   click(CmdRead_Click);
-  click(display_click);
+  click(CmdDisplay_Click);
   std::string text = form1.Text1.text();
   for (const std::string offset : {"0000", "0010", "0200"}) text.replace(text.find("\n" + offset + " ") + 6, 2, "fe");
   form1.Text1.set_typed(text);
@@ -129,7 +129,7 @@ TEST_F(Writing, WithoutASecondQuestionTheFirstNamesTheRange) {
   open("/D:0 /VDISK:0=" + disk_file(""));
   click(CmdRead_Click);
   range("40", "1");
-  click(display_click);
+  click(CmdDisplay_Click);
   std::string text = form1.Text1.text();
   text.replace(text.find("\n0000 ") + 6, 2, "fe");
   for (const char* answer : {"CANCEL", "OK"}) {
@@ -148,7 +148,7 @@ TEST_F(Writing, AnUneditedViewSaysSoAndStillAsksBeforeItWrites) {
   open_window();
   range("40", "20");
   click(CmdRead_Click);
-  click(display_click);
+  click(CmdDisplay_Click);
   headless::desktop.answers = {"OK", "CANCEL"};
   click(cmdWriteBuffer_Click);
   EXPECT_EQ(headless::desktop.boxes[0].text, "No changes made to buffer contents");
@@ -159,7 +159,7 @@ TEST_F(Writing, NonsenseInTheViewWritesNothing) {
   open_window();
   range("40", "1");
   click(CmdRead_Click);
-  click(display_click);
+  click(CmdDisplay_Click);
   std::string text = form1.Text1.text();
   text.erase(text.find("\n0010 ") + 6, 1);
   form1.Text1.set_typed(text);
@@ -172,11 +172,11 @@ TEST_F(Writing, NonsenseInTheViewWritesNothing) {
 TEST_F(Writing, TheFillIsBytesLongAndShownAsAPartitionTableToo) {
   open_window();
   form1.TxtPattern.set_text("a5");
-  click(fill_click);
+  click(CmdFillBuffer_Click);
   EXPECT_EQ(disk.Sec_Buf.size(), 8225280);
   EXPECT_EQ(disk.Buf_Secs, 8225280);
   EXPECT_EQ(form1.TxtStatus.text(), "Buffer filled with A5 OK.");
-  click(display_click);
+  click(CmdDisplay_Click);
   EXPECT_EQ(count_of(form1.Text1.text(), "[Sector "), 20);
   EXPECT_THAT(form1.Text1.text(), HasSubstr("Type: A5 "));
 }

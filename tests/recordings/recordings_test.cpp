@@ -157,8 +157,9 @@ class Recordings : public Rig, public ::testing::WithParamInterface<const char*>
       if (name == "faulty.vd") continue;
       const std::string contents = read_file(name);
       text += "file " + name + ": ";
-      text += contents.size() < 100000 ? contents : std::to_string(contents.size()) + " bytes, " +
-                                                        std::to_string(std::hash<std::string>{}(contents));
+      text += contents.size() < 100000
+                  ? contents
+                  : std::to_string(contents.size()) + " bytes, " + std::to_string(std::hash<std::string>{}(contents));
       text += "\n";
       std::filesystem::remove(file.path());
     }

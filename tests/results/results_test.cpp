@@ -230,7 +230,7 @@ TEST_F(ResultsTest, WhicheverCallFailsNoHalfFileGetsTheName) {
 }
 
 TEST_F(ResultsTest, AFullDiskIsToldOnceAndTheRunGoesOn) {
-  begin({.kind = RunKind::read, .sectors = 100000});
+  begin_measuring({.kind = RunKind::read, .sectors = 100000});
   begin_csv(path("r.csv"));
   headless::desktop.fail_code = 112;
   headless::desktop.fail_first = headless::desktop.calls_made + 2;
@@ -243,7 +243,7 @@ TEST_F(ResultsTest, AFullDiskIsToldOnceAndTheRunGoesOn) {
 }
 
 TEST_F(ResultsTest, NoFileOrConsoleIsWaitedForDuringAVisit) {
-  begin({.kind = RunKind::random_write, .sectors = 100000});
+  begin_measuring({.kind = RunKind::random_write, .sectors = 100000});
   begin_csv(path("missing/r.csv"));
   headless::desktop.calls.clear();
   std::int64_t rows = 0;
@@ -257,7 +257,7 @@ TEST_F(ResultsTest, NoFileOrConsoleIsWaitedForDuringAVisit) {
   EXPECT_LT(rows, 10000);
   EXPECT_EQ(count_of(err(), "cannot be made"), 1);
   hold_report();
-  tell("Told during a visit.");
+  tell_and_show("Told during a visit.");
   EXPECT_EQ(count_of(err(), "visit"), 0);
   release_report();
   EXPECT_EQ(count_of(err(), "Told during a visit.\r\n"), 1);
@@ -275,7 +275,7 @@ TEST_F(ResultsTest, TheTemporaryFileOfAFormerRunStays) {
 }
 
 TEST_F(ResultsTest, ManyRowsGoThroughABufferOfOneSize) {
-  begin({.kind = RunKind::read, .sectors = 100000});
+  begin_measuring({.kind = RunKind::read, .sectors = 100000});
   begin_csv(path("r.csv"));
   for (std::int64_t i = 0; i < 10000; ++i) add_csv_row({.lba = i, .sectors = 1, .seconds = 0.001});
   EXPECT_TRUE(exists("r.csv.tmp"));
@@ -304,7 +304,7 @@ TEST_F(ResultsTest, EachOperationOfTheWindowReplacesTheFiles) {
   EXPECT_EQ(document()["operation"]["sectors"], 100000);
   form1.TxtNoSecs.set_typed("7");
   range_typed();
-  click(display_click);
+  click(CmdDisplay_Click);
   EXPECT_EQ(document()["operation"]["sectors"], 100000) << "showing the buffer is no operation";
   click(CmdRead_Click);
   EXPECT_EQ(document()["operation"]["sectors"], 7);

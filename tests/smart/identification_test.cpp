@@ -94,7 +94,7 @@ TEST_F(IdentificationTest, LeavesOneHandleOpen) {
   headless::desktop.calls.clear();
   OpenDrive(2);
   EXPECT_TRUE(Check_drv(2));
-  CloseDrive();
+  close_drive();
   EXPECT_THAT(headless::desktop.calls, ::testing::Contains("CloseHandle").Times(3));
 }
 

@@ -29,7 +29,7 @@ class TransferSuite : public ::testing::Test {
     counters.No_Secs = 100;
   }
   ~TransferSuite() override {
-    CloseDrive();
+    close_drive();
     detach_suite_drive();
   }
 

@@ -42,7 +42,7 @@ TEST_F(AttachTest, SaysWhatIsWrongWithTheFilesNamed) {
 
 TEST_F(AttachTest, BareImageIsADiskOfItsWholeSectors) {
   ASSERT_EQ(attach(3, make_file("My disk-1.IMG", std::string(1300, 'z'))), "");
-  const Disk& disk = *state.disks[3];
+  const VirtualDisk& disk = *state.disks[3];
   EXPECT_EQ(disk.sectors, 2);
   EXPECT_EQ(disk.file.model, "Virtual disk");
   EXPECT_EQ(disk.file.serial, "Mydisk1IMG");

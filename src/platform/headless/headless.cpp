@@ -60,7 +60,7 @@ bool open_window(const WindowTable& /*table*/) {
 
 void run_window() {}
 
-bool DoEvents() {
+bool pump_events() {
   const int pump = ++desktop.pumps;
   if (desktop.at_pump) desktop.at_pump(pump);
   if (headless::cancel_pressed) {
@@ -84,14 +84,14 @@ void begin_command() {
 void end_command() {
   headless::note("command ends");
   ++desktop.commands_ended;
-  DoEvents();
+  pump_events();
 }
 
-bool MsgBox(const std::string& text, Buttons /*buttons*/, const std::string& title, BoxIcon /*icon*/) {
+bool message_box(const std::string& text, Buttons /*buttons*/, const std::string& title, BoxIcon /*icon*/) {
   return headless::take_answer({text, title, false, {}}) == "OK";
 }
 
-std::string InputBox(const std::string& prompt, const std::string& title, const std::string& /*default_answer*/) {
+std::string input_box(const std::string& prompt, const std::string& title, const std::string& /*default_answer*/) {
   const std::string answer = headless::take_answer({prompt, title, true, {}});
   return answer == "CANCEL" ? std::string() : answer;
 }

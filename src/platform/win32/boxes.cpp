@@ -130,7 +130,7 @@ void before_box() {
 
 namespace platform {
 
-bool MsgBox(const std::string& text, Buttons buttons, const std::string& title, BoxIcon icon) {
+bool message_box(const std::string& text, Buttons buttons, const std::string& title, BoxIcon icon) {
   if (win32::main_window.window == nullptr) return false;
   win32::before_box();
   // Every question is about writing over something: an Enter held down or pressed twice answers Cancel.
@@ -141,7 +141,7 @@ bool MsgBox(const std::string& text, Buttons buttons, const std::string& title, 
   return pressed == IDOK;
 }
 
-std::string InputBox(const std::string& prompt, const std::string& title, const std::string& default_answer) {
+std::string input_box(const std::string& prompt, const std::string& title, const std::string& default_answer) {
   if (win32::main_window.window == nullptr) return {};
   win32::before_box();
   win32::Question question{prompt, title, default_answer, {}};
@@ -154,8 +154,8 @@ std::string InputBox(const std::string& prompt, const std::string& title, const 
   const INT_PTR shown = ::DialogBoxIndirectParamA(::GetModuleHandleA(nullptr), &blank.head, win32::main_window.window,
                                                   win32::input_procedure, reinterpret_cast<LPARAM>(&question));
   if (shown == -1) {
-    MsgBox("The question \"" + title + "\" cannot be shown: error " + std::to_string(::GetLastError()) + ".",
-           Buttons::ok, title, BoxIcon::none);
+    message_box("The question \"" + title + "\" cannot be shown: error " + std::to_string(::GetLastError()) + ".",
+                Buttons::ok, title, BoxIcon::none);
   }
   if (question.font != nullptr) ::DeleteObject(question.font);
   win32::take_typing();

@@ -132,7 +132,7 @@ void run_window() {
   }
 }
 
-bool DoEvents() {
+bool pump_events() {
   // Asked after every transfer, a million times a second: a cheap tick alone decides whether there is more to do.
   constexpr std::uint64_t kPause = 10;
   static std::uint64_t next = 0;
