@@ -1,17 +1,13 @@
 #include "app/handlers.h"
 
-#include "app/command.h"
-#include "buffer/display.h"
-#include "buffer/fill.h"
+#include "app/commands.h"
+#include "device/kernel32.h"
 #include "disk/drive.h"
 #include "disk/progress.h"
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
-#include "form/run.h"
-#include "ops/random.h"
-#include "ops/search.h"
-#include "ops/select_drive.h"
-#include "ops/sequential.h"
+#include "ops/selection.h"
 #include "platform/window.h"
 #include "results/results.h"
 
@@ -19,11 +15,6 @@ namespace {
 
 constexpr std::uint32_t kLeaveAfter = 1000;  // milliseconds
 constexpr std::int16_t kLeft = 1;
-
-void request_exit() {
-  form1.Exit_Requested = true;
-  form1.MyCancel = true;
-}
 
 }  // namespace
 
@@ -51,7 +42,7 @@ void option_click(int drive) {
   if (!during_command) {
     form1.PendingDrive = kNoDrive;
     SelectDrive();
-  } else if (run.op) {
+  } else if (in_batch()) {
     output.ExitCode = kCancelled;  // a run is of one drive: it ends here
   } else {
     form1.PendingDrive = drive;
@@ -91,35 +82,43 @@ void Option8_Click() {
 }
 
 void CmdRead_Click() {
-  run_command(read_command);
+  run_command("READ");
 }
 
 void CmdWrite_Click() {
-  run_command(write_command);
+  run_command("WRITE");
 }
 
 void cmdWriteBuffer_Click() {
-  run_command(write_buffer_command);
+  run_command("WRITE BUFFER");
 }
 
 void CmdDisplay_Click() {
-  run_command(show_buffer_for_editing);
+  run_command("SHOW BUFFER");
 }
 
 void CmdFillBuffer_Click() {
-  run_command(fill_buffer);
+  run_command("FILL BUFFER");
 }
 
 void CmdFind_Click() {
-  run_command(find_command);
+  run_command("SEARCH");
 }
 
 void CmdRnd_Click() {
-  run_command(random_write_command);
+  run_command("RANDOMWRITE");
 }
 
 void CmdRndRD_Click() {
-  run_command(random_read_command);
+  run_command("RANDOMREAD");
+}
+
+void Cmd_Destructive_Random_Write() {
+  run_command("DESTRUCTIVE TEST");
+}
+
+void Cmd_OffTrack_Write() {
+  run_command("OFF-TRACK TEST");
 }
 
 void CmdSlowRate_Click() {
@@ -138,7 +137,6 @@ void cmdCancel_Click() {
 }
 
 void CmdExit_Click() {
-  request_exit();
   output.ExitCode = kLeft;
   abandon_results();
   kernel32::Sleep(kLeaveAfter);
@@ -149,7 +147,6 @@ void Form_Unload() {
   close_drive();
   close_report();
   abandon_results();
-  request_exit();
   kernel32::Sleep(kLeaveAfter);
   output.ExitCode = kLeft;
   ExitProgram();

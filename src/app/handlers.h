@@ -36,6 +36,10 @@ void CmdFind_Click();
 void CmdRnd_Click();
 void CmdRndRD_Click();
 
+/// Tests that no control starts; tests of ours do.
+void Cmd_Destructive_Random_Write();
+void Cmd_OffTrack_Write();
+
 /// Asks for the slow-transfer limit.
 void CmdSlowRate_Click();
 

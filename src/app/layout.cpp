@@ -4,6 +4,7 @@
 
 #include "app/controls.h"
 #include "platform/scale.h"
+#include "platform/units.h"
 
 namespace {
 
@@ -73,11 +74,10 @@ class Placing {
 
 /// The drive buttons in one row. Returns where the next group begins.
 int place_drives(Placing* placing, int y) {
-  constexpr int kDrives = 8;
   constexpr int kHeight = 22;
   constexpr int kWidest = 96;
-  const int step = std::min((placing->right() - kMargin) / kDrives, kWidest);
-  for (int drive = 0; drive < kDrives; ++drive) {
+  const int step = std::min((placing->right() - kMargin) / kDriveCount, kWidest);
+  for (int drive = 0; drive < kDriveCount; ++drive) {
     const auto id = static_cast<Id>(static_cast<int>(Id::Option1) + drive);
     placing->put(id, kMargin + drive * step, y, step, kHeight);
   }

@@ -13,8 +13,6 @@
 #include "measure/measure.h"
 #include "platform/scale.h"
 
-Panel panel;
-
 namespace {
 
 using platform::Canvas;

@@ -22,7 +22,7 @@ struct Panel {
   std::uint64_t changes = 0;               // of the view and the pointer
 };
 
-extern Panel panel;
+inline Panel panel;
 
 /// Which view is shown.
 void show_panel_view(PanelView view);

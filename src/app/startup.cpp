@@ -1,15 +1,13 @@
-#include "app/startup.h"
-
 #include <array>
 #include <string>
 
 #include "app/handlers.h"
+#include "app/program.h"
 #include "device/kernel32.h"
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
-#include "form/run.h"
-#include "ops/range.h"
-#include "ops/select_drive.h"
+#include "ops/selection.h"
 
 namespace {
 
@@ -49,8 +47,7 @@ void switch_on(int drive) {
 
 /// Every drive that the command line names is selected in turn, so the highest number stays.
 void select_named_drives() {
-  for (int drive = 0; drive < kDriveCount; ++drive) {
-    if (run.searched.find("/D:" + std::to_string(drive)) == std::string::npos) continue;
+  for (const int drive : asked.named_drives) {
     form1.SelectedDrive = drive;
     switch_on(drive);
   }
@@ -74,17 +71,15 @@ bool GetOsVersion() {
 void Form_Load() {
   output.InDevelopmentEnvironment = false;
   form1.OsIsNT = GetOsVersion();
-  form1.Exit_Requested = false;
   form1.RangeEdited = false;
   form1.TxtCurrent.set_text({});
   form1.SelectedDrive = kNoDrive;
   form1.Caption.set_text(version_line());
   form1.Text1.set_text({});
   form1.TxtPattern.set_text("2C2CAA55");
-  form1.CommandLineMode = run.searched.find("/D:") != std::string::npos;
+  form1.CommandLineMode = asked.mode == Mode::command_line || in_batch();
   if (form1.CommandLineMode) select_named_drives();
   if (form1.SelectedDrive != kNoDrive) {
-    if (form1.Exit_Requested) return;
     // Only a selector that was on before start-up leaves MyCancel clear: then nothing was selected.
     if (!form1.MyCancel) ExitProgram();
   } else {
@@ -92,7 +87,7 @@ void Form_Load() {
     show_option(0);
     SelectDrive();
   }
-  if (!run.op && (run.start_lba != 0 || run.count != 0)) {
+  if (!in_batch() && (asked.start_lba != 0 || asked.count != 0)) {
     // From here on the fields alone say what is read and written. A run with /OP fills them when it begins.
     show_range_of_command_line();
     form1.RangeEdited = true;

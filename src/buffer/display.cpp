@@ -1,11 +1,14 @@
 #include "buffer/display.h"
 
+#include <string>
 #include <string_view>
 
 #include "buffer/hex_view.h"
 #include "buffer/partition_table.h"
+#include "buffer/pattern.h"
 #include "disk/drive.h"
 #include "form/form1.h"
+#include "form/output.h"
 
 namespace {
 
@@ -34,4 +37,17 @@ void show_buffer_for_editing() {
   if (!disk.Sec_Buf.allocated()) return;
   form1.Text1.set_text({});
   Display_Buf(disk.Sec_Buf.bytes());
+}
+
+void fill_buffer() {
+  const Pattern pattern = parse_pattern(form1.TxtPattern.text());
+  if (pattern.replaced) tell_user(std::string(kPatternError));
+  disk.Sec_Buf.resize(kChunkSectors * kSectorSize);
+  fill_pattern(disk.Sec_Buf.bytes(), pattern.span());
+  const std::string text = pattern_text(pattern);
+  form1.TxtPattern.set_text(text);
+  form1.TxtStatus.set_text("Buffer filled with " + text + " OK.");
+  disk.Buf_LBA = 0;
+  // The length in bytes, not in sectors: docs/oddities.md.
+  disk.Buf_Secs = disk.Sec_Buf.size();
 }

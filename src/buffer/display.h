@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <span>
 
-/// The sector buffer in the large text box. All of these append to it.
+/// The sector buffer in the large text box.
 
 /// Shows Sec_Buf, up to 20 of the sectors that the last transfer moved, and the partition table when it begins at LBA
 /// 0.
@@ -17,3 +17,7 @@ void ShowMBRParams();
 
 /// Shows Sec_Buf for editing in place of what the box held; nothing while there is no buffer.
 void show_buffer_for_editing();
+
+/// Fills Sec_Buf, made anew to hold kChunkSectors sectors, with the pattern in TxtPattern, and writes the pattern back
+/// in its normal form. A bad one is told and the default takes its place.
+void fill_buffer();

@@ -13,8 +13,6 @@
 #include "form/form1.h"
 #include "form/output.h"
 
-Editor editor;
-
 namespace {
 
 constexpr std::int64_t kLastEditable = 10'240;

@@ -10,7 +10,7 @@ struct Editor {
   std::int64_t last_address = 0;       // in Sec_Buf, where the byte editor goes on
 };
 
-extern Editor editor;
+inline Editor editor;
 
 /// Parses the text box into Edit_Buf. False when it is no edit view or there is no Sec_Buf; an error in it is told.
 bool Get_text_to_Buffer();

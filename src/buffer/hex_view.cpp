@@ -52,7 +52,7 @@ std::string hex_view(std::span<const std::uint8_t> bytes, std::int64_t first_lba
                      std::string_view title) {
   const std::int64_t whole = static_cast<std::int64_t>(bytes.size()) / kSectorSize;
   const auto shown_sectors =
-      static_cast<std::size_t>(std::max<std::int64_t>(0, std::min({sectors, whole, kMaxViewSectors})));
+      static_cast<std::size_t>(std::max<std::int64_t>(0, std::min({sectors, whole, kShownSectors})));
   constexpr auto kBytes = static_cast<std::size_t>(kSectorSize);
 
   std::string text;

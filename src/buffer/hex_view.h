@@ -14,9 +14,6 @@ inline constexpr std::string_view kEditTitle =
 /// What tells the edit view from the other when it stands in the text box.
 inline constexpr std::string_view kEditMark = "EDIT SECTOR DATA";
 
-/// More sectors than these are never shown.
-inline constexpr std::int64_t kMaxViewSectors = 20;
-
 /// The dump as it is appended to the text box, from the line end before its title to the one after its last line.
 /// Shows `sectors` sectors, the first of which is LBA `first_lba`, but at most 20 and no more than `bytes` holds whole;
 /// none or a negative number leaves the body empty. parse_edit_view() depends on the columns of the lines.

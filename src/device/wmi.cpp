@@ -5,6 +5,7 @@
 #include <map>
 #include <string_view>
 
+#include "platform/units.h"
 #include "virtualdisk/virtualdisk.h"
 
 namespace wmi {
@@ -13,7 +14,6 @@ namespace {
 // Numbers of our own, far from those that the platform gives out.
 constexpr WmiHandle kServiceWithoutSystem = WmiHandle{1} << 40;
 constexpr WmiHandle kFirstOwnRows = kServiceWithoutSystem + 1;
-constexpr int kDrives = 8;
 
 /// Device ids that a virtual disk gave, and how many were fetched.
 struct OwnRows {
@@ -35,7 +35,7 @@ int number_behind(std::string_view text, std::string_view before) {
 }
 
 bool any_attached() {
-  for (int drive = 0; drive < kDrives; ++drive) {
+  for (int drive = 0; drive < kDriveCount; ++drive) {
     if (virtualdisk::attached(drive)) return true;
   }
   return false;

@@ -14,8 +14,10 @@ struct Counters {
   double OpEndTime = 0.0;
 };
 
-extern Counters counters;
+inline Counters counters;
 
 /// The seconds between the operation's start and end as printed: the difference of two single-precision times of day,
 /// negative across midnight.
-float elapsed_seconds();
+inline float elapsed_seconds() {
+  return static_cast<float>(counters.OpEndTime) - static_cast<float>(counters.OpStartTime);
+}

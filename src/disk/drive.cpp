@@ -9,8 +9,6 @@
 #include "form/form1.h"
 #include "form/output.h"
 
-Disk disk;
-
 namespace {
 
 constexpr std::uint32_t kEndOfFile = 38;  // winerror.h: ERROR_HANDLE_EOF
@@ -56,7 +54,7 @@ void report_open_failure(int n, const std::string& path, std::uint32_t code) {
 }  // namespace
 
 void remake_buffer(std::int64_t bytes, std::int64_t lba) {
-  constexpr std::int64_t kShown = 20 * kSectorSize;
+  constexpr std::int64_t kShown = kShownSectors * kSectorSize;
   disk.Sec_Buf.resize(bytes);
   std::memset(disk.Sec_Buf.data(), 0, static_cast<std::size_t>(std::min(bytes, kShown)));
   disk.Buf_LBA = lba;

@@ -4,6 +4,7 @@
 
 #include "device/kernel32.h"
 #include "disk/sector_buffer.h"
+#include "platform/units.h"
 
 /// The selected drive's handle, the sector buffer and what the last transfer did.
 struct Disk {
@@ -15,7 +16,7 @@ struct Disk {
   std::uint32_t flush_errno = 0;  // of the flush behind the last write
 };
 
-extern Disk disk;
+inline Disk disk;
 
 /// What a transfer that the program itself refuses fails with: ERROR_INVALID_DATA (winerror.h).
 inline constexpr std::uint32_t kRefusedTransfer = 13;

@@ -8,8 +8,6 @@
 #include "form/output.h"
 #include "platform/clock.h"
 
-Progress progress;
-
 namespace {
 
 constexpr double kShortestTimed = 0.05;       // seconds; a shorter transfer is not timed

@@ -3,8 +3,7 @@
 #include <cstdint>
 #include <string>
 
-/// One megabyte of the rates: 2048 sectors, 1,048,576 bytes.
-inline constexpr std::int64_t kSectorsPerMb = 2048;
+#include "platform/units.h"
 
 inline constexpr double kDefaultSlowRate = 10.0;
 inline constexpr double kLowRateStart = 999999.0;
@@ -23,7 +22,7 @@ struct Progress {
   std::int64_t SlowXfers = 0;
 };
 
-extern Progress progress;
+inline Progress progress;
 
 /// Sets the statistics to their start values; the slow limit too while it is AUTO, a number that the user set stays.
 void clear_progress();

@@ -7,8 +7,6 @@
 #include "device/wmi.h"
 #include "platform/console.h"
 
-Volumes volumes;
-
 namespace {
 
 // Windows SDK winioctl.h.

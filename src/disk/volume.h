@@ -11,7 +11,7 @@ struct Volumes {
   std::array<kernel32::Handle, 31> hVolumes{};
 };
 
-extern Volumes volumes;
+inline Volumes volumes;
 
 /// "LOCK": opens, locks and dismounts every volume on drive `drive`, so that no file system caches or rewrites what is
 /// written below it. Any other text: unlocks and closes what the lock pass kept. Failures are ignored, a volume that

@@ -11,8 +11,6 @@
 #include "form/form1.h"
 #include "form/output.h"
 
-EventLog event_log;
-
 namespace {
 
 /// The entries of a time span: their listing and their counts.

@@ -23,7 +23,7 @@ struct EventLog {
   bool complete = false;  // false: the log could not be asked, or broke off
 };
 
-extern EventLog event_log;
+inline EventLog event_log;
 
 /// Appends the System event log's entries written since `start` to Text1 and the report, with their counts by type as
 /// report variables, and adds the number of entries to the exit code. One line says so when the log cannot be asked.

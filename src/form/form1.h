@@ -4,12 +4,7 @@
 #include <cstdint>
 
 #include "platform/fields.h"
-
-/// Bytes per sector; an LBA's byte offset is LBA x 512.
-inline constexpr std::int64_t kSectorSize = 512;
-
-inline constexpr int kNoDrive = 99;
-inline constexpr int kDriveCount = 8;
+#include "platform/units.h"
 
 /// The main window's fields and flags. The fields are data; where there is a window it shows them.
 struct Form1 {
@@ -24,7 +19,6 @@ struct Form1 {
   std::array<platform::Field, kDriveCount> Options;  // Option1 to Option8: drive 0 to 7
 
   bool MyCancel = false;         // every loop of transfers stops at its next test of it
-  bool Exit_Requested = false;   // the user asked to leave: an operation's end prints nothing
   bool RangeEdited = false;      // the user touched the range: a drive selection keeps it
   int SelectedDrive = kNoDrive;  // 0 to 7, or kNoDrive
   bool CommandLineMode = false;  // "/D:" was on the command line: no questions, report output is written
@@ -34,4 +28,4 @@ struct Form1 {
   int PendingDrive = kNoDrive;  // pressed while a command ran; selected when it has ended
 };
 
-extern Form1 form1;
+inline Form1 form1;

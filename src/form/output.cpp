@@ -3,12 +3,10 @@
 #include <limits>
 
 #include "device/kernel32.h"
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/progress_line.h"
-#include "form/run.h"
 #include "platform/console.h"
-
-Output output;
 
 namespace {
 
@@ -106,6 +104,11 @@ void tell_on_stderr(std::string_view line) {
   }
 }
 
+void tell_and_show(const std::string& line) {
+  tell_on_stderr(line);
+  form1.Text1.append(line + "\r\n");
+}
+
 void tell_at_once(std::string_view lines) {
   clear_progress_line();
   platform::write_err(lines);
@@ -114,6 +117,11 @@ void tell_at_once(std::string_view lines) {
 void report_and_show(std::string_view text) {
   PrintReport(text);
   form1.Text1.append(text);
+}
+
+void report_line(const std::string& line) {
+  PrintReport(line);
+  form1.Text1.append(line + "\r\n");
 }
 
 bool AppendReportVars(std::string_view text) {
@@ -139,7 +147,7 @@ void ShowMessage(const std::string& text) {
 }
 
 void tell_user(const std::string& text, platform::BoxIcon icon) {
-  if (run.op) {
+  if (in_batch()) {
     tell_on_stderr(text);
   } else {
     platform::message_box(text, platform::Buttons::ok, std::string(kTitle), icon);
@@ -147,14 +155,14 @@ void tell_user(const std::string& text, platform::BoxIcon icon) {
 }
 
 bool ask_user(const std::string& text, const std::string& title) {
-  if (!run.op)
+  if (!in_batch())
     return platform::message_box(text, platform::Buttons::ok_cancel, title.empty() ? std::string(kTitle) : title);
   tell_on_stderr(title.empty() ? text : title + " " + text);
   return false;
 }
 
 std::string ask_line(const std::string& prompt, const std::string& title, const std::string& default_answer) {
-  if (!run.op) return platform::input_box(prompt, title.empty() ? std::string(kTitle) : title, default_answer);
+  if (!in_batch()) return platform::input_box(prompt, title.empty() ? std::string(kTitle) : title, default_answer);
   tell_on_stderr(prompt);
   return {};
 }

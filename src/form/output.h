@@ -22,7 +22,7 @@ struct Output {
   bool access_denied_told = false;
 };
 
-extern Output output;
+inline Output output;
 
 /// Opens the report: a new file, or standard output for "-". Gives an empty text, or one line that says what failed.
 std::string open_report(const std::string& file);
@@ -42,6 +42,9 @@ void release_report();
 /// Writes `text` to the report and appends it to Text1.
 void report_and_show(std::string_view text);
 
+/// The same for one line, which has its end in Text1 too.
+void report_line(const std::string& line);
+
 /// Appends `text`, lines separated by CR LF, and a line end to the variables file, in command-line mode. False when the
 /// file cannot be opened or written.
 bool AppendReportVars(std::string_view text);
@@ -52,13 +55,16 @@ void ShowMessage(const std::string& text);
 /// Writes `line` and a line end to standard error.
 void tell_on_stderr(std::string_view line);
 
+/// The same, and into Text1.
+void tell_and_show(const std::string& line);
+
 /// Writes `lines`, each with its end, to standard error, held or not.
 void tell_at_once(std::string_view lines);
 
-/// Tells the user something that the run is about: a box, or a line on standard error for a run with /OP.
+/// Tells the user something that the run is about: a box, or a line on standard error in a batch.
 void tell_user(const std::string& text, platform::BoxIcon icon = platform::BoxIcon::none);
 
-/// Asks OK or Cancel in a box. A run with /OP opens none: the question goes to standard error and counts as cancelled.
+/// Asks OK or Cancel in a box. A batch opens none: the question goes to standard error and counts as cancelled.
 bool ask_user(const std::string& text, const std::string& title);
 
 /// Asks for a line of text in the same way; empty for Cancel.

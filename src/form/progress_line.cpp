@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <string>
 
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
-#include "form/run.h"
 #include "measure/measure.h"
 #include "platform/clock.h"
 #include "platform/console.h"
@@ -24,7 +24,7 @@ struct ProgressLine {
 ProgressLine line;
 
 bool wanted() {
-  return run.op && !run.quiet;
+  return in_batch() && !asked.quiet;
 }
 
 /// How far the run is, as "  [42%, 1:05 left, reading]"; the time is left out while it is unknown.

@@ -4,6 +4,8 @@
 #include <array>
 #include <cmath>
 
+#include "platform/units.h"
+
 namespace {
 
 struct Step {
@@ -41,7 +43,7 @@ RangeAxis range_axis(std::int64_t first_lba, std::int64_t sectors, int most_tick
     const char* name;
     std::int64_t sectors;
   };
-  constexpr std::array<Unit, 3> kUnits = {{{"GB", 2097152}, {"MB", 2048}, {"sectors", 1}}};
+  constexpr std::array<Unit, 3> kUnits = {{{"GB", 1024 * kSectorsPerMb}, {"MB", kSectorsPerMb}, {"sectors", 1}}};
   const auto* const unit = std::find_if(kUnits.begin(), kUnits.end() - 1,
                                         [&](const Unit& candidate) { return sectors >= candidate.sectors; });
   RangeAxis axis;

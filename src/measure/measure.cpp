@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <memory>
 
-Measure measure;
-
 namespace {
 
 constexpr double kDay = 86400.0;  // seconds

@@ -76,7 +76,7 @@ struct Measure {
   void (*on_transfer)(const Transfer&) = nullptr;  // told of every transfer; null for nobody
 };
 
-extern Measure measure;
+inline Measure measure;
 
 /// An operation begins: everything of the one before is forgotten.
 void begin_measuring(const RunPlan& plan);

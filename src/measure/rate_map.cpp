@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/units.h"
+
 namespace {
 
 void add_to_column(const Transfer& transfer, LatencyClass which, float rate, std::int64_t sectors, RateColumn* column) {
@@ -49,7 +51,7 @@ void merge(const RateColumn& from, RateColumn* into) {
 }  // namespace
 
 double average_rate(const RateColumn& column) {
-  return column.seconds > 0.0 ? column.sectors / kSectorsPerMegabyte / column.seconds : 0.0;
+  return column.seconds > 0.0 ? column.sectors / kSectorsPerMb / column.seconds : 0.0;
 }
 
 void lay_out(std::int64_t first_lba, std::int64_t sectors, bool keeps_points, RateMap* map) {

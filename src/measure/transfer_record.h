@@ -1,18 +1,25 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 
-/// One mebibyte per second is 2048 sectors of 512 bytes per second; the unit of every rate here ("MB/s").
-inline constexpr double kSectorsPerMegabyte = 2048.0;
+#include "platform/units.h"
 
 /// What a transfer was part of.
 enum class Phase : std::uint8_t { reading, writing, verifying, restoring, searching };
 
 /// The phase in a word: "reading", "writing", "verifying", "restoring", "searching".
-const char* phase_text(Phase phase);
+inline const char* phase_text(Phase phase) {
+  constexpr std::array<const char*, 5> kTexts = {"reading", "writing", "verifying", "restoring", "searching"};
+  return kTexts.at(static_cast<std::size_t>(phase));
+}
 
 /// The phase as files name it: "read", "write", "verify", "restore", "search".
-const char* phase_name(Phase phase);
+inline const char* phase_name(Phase phase) {
+  constexpr std::array<const char*, 5> kNames = {"read", "write", "verify", "restore", "search"};
+  return kNames.at(static_cast<std::size_t>(phase));
+}
 
 /// True for the phases whose transfers write.
 constexpr bool writes(Phase phase) {
@@ -33,5 +40,5 @@ struct Transfer {
 /// A transfer's rate in MB/s; 0 for a failed one, which moved nothing, and for one too short for the clock.
 constexpr double rate_of(const Transfer& transfer) {
   if (transfer.error != 0 || transfer.seconds <= 0.0) return 0.0;
-  return static_cast<double>(transfer.sectors) / kSectorsPerMegabyte / transfer.seconds;
+  return static_cast<double>(transfer.sectors) / kSectorsPerMb / transfer.seconds;
 }

@@ -4,23 +4,20 @@
 #include <string_view>
 
 #include "device/volume_disk.h"
+#include "disk/counters.h"
 #include "disk/drive.h"
-#include "disk/volume.h"
+#include "disk/progress.h"
 #include "eventlog/event_log.h"
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
-#include "form/progress_line.h"
-#include "form/run.h"
-#include "ops/frame_data.h"
-#include "ops/range.h"
-#include "ops/select_drive.h"
+#include "ops/selection.h"
 #include "ops/visit.h"
 #include "platform/clock.h"
+#include "platform/window.h"
 #include "smart/compare.h"
 #include "smart/identification.h"
 #include "smart/snapshot.h"
-
-Frame frame;
 
 namespace {
 
@@ -34,12 +31,12 @@ void refuse_wrong_drive(const std::string& why) {
 
 /// Nothing has gone to the drive but identification when this decides.
 void check_drive_of_run() {
-  if (!run.op) return;
-  if (run.serial && identification.Disk_Serial != *run.serial) {
+  if (!in_batch()) return;
+  if (asked.serial && identification.Disk_Serial != *asked.serial) {
     refuse_wrong_drive("Drive " + std::to_string(form1.SelectedDrive) + " has the serial number \"" +
-                       identification.Disk_Serial + "\", not \"" + *run.serial + "\": nothing was done.");
+                       identification.Disk_Serial + "\", not \"" + *asked.serial + "\": nothing was done.");
   }
-  if (*run.op != Operation::write && *run.op != Operation::random_write) return;
+  if (!asked.writes) return;
   const OnDrive system = holds_windows(form1.SelectedDrive);
   if (system == OnDrive::yes) refuse_wrong_drive("Windows runs from this disk: it is not written to.");
   if (system == OnDrive::unknown) {
@@ -50,10 +47,10 @@ void check_drive_of_run() {
 void refuse_missing_drive() {
   const std::string text = "Drive " + std::to_string(form1.SelectedDrive) + " does not exist!";
   PrintReport(text);
-  if (run.op) tell_on_stderr(text);
+  if (in_batch()) tell_on_stderr(text);
   form1.TxtStatus.set_text(text);
   output.ExitCode = 1;
-  if (!run.wants_drive) return;
+  if (!asked.ends_without_drive) return;
   close_drive();
   ExitProgram();
 }
@@ -93,15 +90,12 @@ void Start_Operation() {
   frame.before = Get_Smart_Data(form1.SelectedDrive);
   // No line end behind this heading, so the listing's first line follows on it; kept, scripts cut at this line.
   frame.Smart_Text += smart.Smart_List + "\r\n\r\nSMART DATA AFTER OPERATION";
-  if (run.op) show_range_of_command_line();
+  if (in_batch()) show_range_of_command_line();
   frame.Op_Start_Date = platform::local_time();
   frame.start_utc = platform::utc_time();
-  begin_progress_line();
 }
 
 void End_Operation() {
-  end_progress_line();
-  if (form1.Exit_Requested) return;
   Get_Smart_Data(form1.SelectedDrive);
   frame.Smart_Text += smart.Smart_List;
   Compare_smart_info(frame.before);
@@ -114,16 +108,39 @@ void End_Operation() {
   report_lost_places();
 }
 
-void run_writing(void (*operation)()) {
-  // The range that the fields show now is written to, also where the frame selects the drive again.
-  if (!run.op) form1.RangeEdited = true;
-  form1.Text1.set_text({});
-  Start_Operation();
-  Lock_Unlock_All_Volumes(form1.SelectedDrive, "LOCK");
-  MY_DISMOUNT_VOLUME(disk.hDrive);
-  operation();
-  Lock_Unlock_All_Volumes(form1.SelectedDrive, "UNLOCK");
-  End_Operation();
+void Clear_Counters() {
+  counters = {};
+  clear_progress();
+}
+
+void start_timing() {
+  platform::show_now();
+  counters.OpStartTime = platform::seconds_since_midnight();
+}
+
+void end_timing() {
+  counters.OpEndTime = platform::seconds_since_midnight();
+  platform::pump_events();
+}
+
+void Do_errors() {
+  const std::string total = std::to_string(counters.TotalErrors);
+  const std::string reads = std::to_string(counters.TotalRErrors);
+  const std::string writes = std::to_string(counters.TotalWErrors);
+  const std::string compares = std::to_string(counters.TotalCErrors);
+  PrintReport("\r\nTotal Errors = " + total + "\r\nTotal Read errors = " + reads +
+              "\r\nTotal Write errors = " + writes + "\r\nTotal Compare errors = " + compares + "\r\n");
+  const std::string variables = "\r\nSET QV_D_TOTERR=" + total + "\r\nSET QV_D_READERR=" + reads +
+                                "\r\nSET QV_D_WRITEERR=" + writes + "\r\nSET QV_D_CMPERR=" + compares + "\r\n";
+  AppendReportVars(variables);
+  form1.Text1.append(variables);
+  add_to_exit_code(counters.TotalErrors);
+}
+
+void report_end(const std::string& line) {
+  report_and_show(line);
+  Do_errors();
+  form1.Text1.append("\r\nFinished!\r\n");
 }
 
 bool confirm_write(const std::string& title) {

@@ -1,5 +1,3 @@
-#include "ops/off_track.h"
-
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -13,12 +11,9 @@
 #include "form/output.h"
 #include "measure/measure.h"
 #include "ops/frame.h"
-#include "ops/random_numbers.h"
-#include "ops/random_parameters.h"
-#include "ops/totals.h"
+#include "ops/operations.h"
+#include "ops/random_choices.h"
 #include "ops/visit.h"
-#include "platform/clock.h"
-#include "platform/window.h"
 #include "smart/identification.h"
 
 namespace {
@@ -105,37 +100,33 @@ void make_passes(std::int32_t passes) {
 
 }  // namespace
 
-void OffTrack_Write_Test() {
-  Clear_Counters();
-  std::int32_t passes = 0;
-  if (!take_passes("Number of passes (2000 = approx. 3 minutes)", &passes)) return;
+std::optional<RunPlan> plan_off_track() {
+  random_test = {};
+  if (!choose_passes("Number of passes (2000 = approx. 3 minutes)", &random_test.passes)) return std::nullopt;
   if (identification.Drive_Sectors < kSmallestDisk) {
     report_and_show("The disk has " + std::to_string(identification.Drive_Sectors) + " sectors, the test needs " +
                     std::to_string(kSmallestDisk) + ": nothing was done.\r\n");
-    return;
+    return std::nullopt;
   }
-  begin_measuring({.kind = RunKind::off_track, .sectors = identification.Drive_Sectors, .work = work_of(passes)});
   remake_buffer(kVerified * kSectorSize + 1, 0);
   counters.No_Secs = kSectors;
   form1.TxtNoSecs.set_text(std::to_string(kSectors));
-  const std::string header = "Non-Destructive Off-Track Write test - " + std::to_string(passes) + " passes, " +
-                             std::to_string(kSectors) + " sectors per operation on drive " +
+  const std::string header = "Non-Destructive Off-Track Write test - " + std::to_string(random_test.passes) +
+                             " passes, " + std::to_string(kSectors) + " sectors per operation on drive " +
                              std::to_string(form1.SelectedDrive) + "\r\nFirst and Last " + std::to_string(kEdgeMb) +
                              "MB not tested\r\n";
   form1.Text1.set_text(header);
   PrintReport(header);
-  start_timing();
-  make_passes(passes);
-  end_timing();
-  if (form1.Exit_Requested) return;
-  // No "seconds" and no line end here; kept, scripts cut the line at its words.
-  report_and_show("Time taken= " + single_text(elapsed_seconds()) + " for " + std::to_string(counters.Sectors_Done) +
-                  " sectors read/written.");
-  Do_errors();
-  form1.Text1.append("\r\nFinished!\r\n");
+  return RunPlan{
+      .kind = RunKind::off_track, .sectors = identification.Drive_Sectors, .work = work_of(random_test.passes)};
 }
 
-void Cmd_OffTrack_Write() {
-  ShowMessage("Started HDD - OFFTRACK WRITE TEST");
-  run_writing(OffTrack_Write_Test);
+void OffTrack_Write_Test(const RunPlan& /*plan*/) {
+  make_passes(random_test.passes);
+}
+
+void report_off_track() {
+  // No "seconds" and no line end: docs/oddities.md.
+  report_end("Time taken= " + single_text(elapsed_seconds()) + " for " + std::to_string(counters.Sectors_Done) +
+             " sectors read/written.");
 }

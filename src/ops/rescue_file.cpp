@@ -1,13 +1,12 @@
-#include "ops/rescue_file.h"
-
 #include <algorithm>
 #include <cctype>
 
 #include "device/kernel32.h"
 #include "device/volume_disk.h"
 #include "disk/error_text.h"
+#include "form/asked.h"
 #include "form/form1.h"
-#include "form/run.h"
+#include "ops/visit.h"
 #include "smart/identification.h"
 
 namespace {
@@ -16,7 +15,7 @@ constexpr int kMostTries = 1000;
 
 /// The folder of the report, with its last separator; empty for the current one.
 std::string folder() {
-  const std::string report = run.report.value_or("");
+  const std::string report = asked.report.value_or("");
   const std::size_t end = report.find_last_of("/\\:");
   return end == std::string::npos ? std::string() : report.substr(0, end + 1);
 }

@@ -1,23 +1,17 @@
-#include "ops/sequential.h"
-
 #include <algorithm>
 #include <string>
 
-#include "buffer/edit.h"
-#include "buffer/fill.h"
+#include "buffer/display.h"
 #include "disk/counters.h"
 #include "disk/drive.h"
-#include "disk/progress.h"
 #include "disk/transfer.h"
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "form/output.h"
-#include "measure/measure.h"
 #include "ops/frame.h"
-#include "ops/range.h"
-#include "ops/totals.h"
-#include "platform/clock.h"
-#include "platform/window.h"
+#include "ops/operations.h"
+#include "ops/selection.h"
 
 namespace {
 
@@ -31,65 +25,54 @@ void announce(const std::string& doing) {
 /// Transfers the whole range: first the whole chunks, then what is left of it.
 void transfer_range(bool (*transfer)(std::int64_t*, std::int64_t, std::int64_t, Events), std::int64_t lba,
                     std::int64_t chunk) {
-  start_timing();
   transfer(&lba, counters.No_Secs, chunk, Events::run);
   const std::int64_t left = counters.No_Secs - counters.Sectors_Done;
   if (left > 0) transfer(&lba, left, left, Events::run);
-  end_timing();
 }
 
-void report_end(const std::string& before) {
-  if (form1.Exit_Requested) return;
-  const std::string line = before + "Time taken= " + single_text(elapsed_seconds()) + " seconds for " +
-                           std::to_string(counters.No_Secs) + " sectors.\r\n";
-  report_and_show(line);
-  Do_errors();
-  form1.Text1.append("\r\nFinished!\r\n");
+std::string time_taken() {
+  return "Time taken= " + single_text(elapsed_seconds()) + " seconds for " + std::to_string(counters.No_Secs) +
+         " sectors.\r\n";
 }
 
 }  // namespace
 
-void Seq_Read() {
-  Clear_Counters();
+std::optional<RunPlan> plan_read() {
   const std::int64_t start = take_range();
-  begin_measuring({.kind = RunKind::read, .first_lba = start, .sectors = counters.No_Secs});
   announce("Reading");
-  const std::int64_t chunk = read_chunk(counters.No_Secs);
-  remake_buffer(chunk * kSectorSize, start);
-  transfer_range(Read_sectors, start, chunk);
-  report_end("\r\n");
+  remake_buffer(read_chunk(counters.No_Secs) * kSectorSize, start);
+  return RunPlan{.kind = RunKind::read, .first_lba = start, .sectors = counters.No_Secs};
 }
 
-void Seq_Write() {
-  Clear_Counters();
+void Seq_Read(const RunPlan& plan) {
+  transfer_range(Read_sectors, plan.first_lba, read_chunk(plan.sectors));
+}
+
+void report_read() {
+  report_end("\r\n" + time_taken());
+}
+
+std::optional<RunPlan> plan_write() {
   const std::int64_t start = take_range();
-  begin_measuring({.kind = RunKind::write, .first_lba = start, .sectors = counters.No_Secs});
   announce("Writing");
-  // One step, unlike the read's two; kept, so that rates compare with earlier runs.
-  constexpr std::int64_t kChunk = 16065;
-  transfer_range(Write_sectors, start, std::min(counters.No_Secs, kChunk));
-  report_end("");
+  return RunPlan{.kind = RunKind::write, .first_lba = start, .sectors = counters.No_Secs};
 }
 
-void write_command() {
-  fill_buffer();
-  ShowMessage("Started HDD - WRITETOEND");
-  if (confirm_write("WIPE DRIVE?")) run_writing(Seq_Write);
+void Seq_Write(const RunPlan& plan) {
+  // One step, unlike the read's two: docs/oddities.md.
+  transfer_range(Write_sectors, plan.first_lba, std::min(plan.sectors, kChunkSectors));
 }
 
-void write_buffer_command() {
-  if (take_edits()) Write_Buffer_To_End();
+void report_write() {
+  report_end(time_taken());
 }
 
-void Write_Buffer_To_End() {
-  ShowMessage("Started HDD - WRITEBUFFTOEND");
-  if (confirm_write(write_buffer_title())) run_writing(Seq_Write);
+std::optional<RunPlan> plan_show() {
+  if (asked.count == 0) form1.TxtNoSecs.set_text("1");
+  return plan_read();
 }
 
-void read_command() {
-  ShowMessage("Started HDD - READTOEND");
-  form1.Text1.set_text({});
-  Start_Operation();
-  Seq_Read();
-  if (!form1.Exit_Requested) End_Operation();
+void report_show() {
+  report_read();
+  show_in_report(Display_Sec_Buf);
 }

@@ -5,21 +5,13 @@
 #include "disk/drive.h"
 #include "disk/error_text.h"
 #include "disk/transfer.h"
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
-#include "form/run.h"
 #include "measure/measure.h"
-#include "ops/rescue_file.h"
 #include "platform/console.h"
 
-LostPlaces lost_places;
-
 namespace {
-
-void report_line(const std::string& line) {
-  PrintReport(line);
-  form1.Text1.append(line + "\r\n");
-}
 
 /// True for the codes with which the system refuses a write by itself: on a write-protected medium, or inside a volume
 /// that is not locked.
@@ -88,7 +80,7 @@ void Visit::give_back() {
   lost_places.lines.push_back(line);
   // At once, since the process may end before the report does.
   report_line(line);
-  if (run.op) tell_at_once(line + "\r\n");
+  if (in_batch()) tell_at_once(line + "\r\n");
 }
 
 void report_lost_places() {

@@ -4,9 +4,6 @@
 #include <cstring>
 
 #include "form/output.h"
-#include "results/tell.h"
-
-CsvRows csv_rows;
 
 namespace {
 

@@ -22,7 +22,7 @@ struct CsvRows {
   std::size_t used = 0;
 };
 
-extern CsvRows csv_rows;
+inline CsvRows csv_rows;
 
 /// Rows go to file `name` from here on. The file is made when the buffer is full for the first time, or at the end.
 void begin_csv(const std::string& name);

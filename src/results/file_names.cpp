@@ -9,9 +9,9 @@
 #include "device/kernel32.h"
 #include "device/volume_disk.h"
 #include "disk/error_text.h"
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
-#include "form/run.h"
 #include "platform/device_names.h"
 #include "platform/system.h"
 #include "results/output_file.h"
@@ -25,11 +25,11 @@ struct OutputName {
 };
 
 const std::array<OutputName, 5>& outputs() {
-  static const std::array<OutputName, 5> names = {{{"/REPORT", &run.report, false},
-                                                   {"/VARS", &run.vars, false},
-                                                   {"/CSV", &run.csv, true},
-                                                   {"/JSON", &run.json, true},
-                                                   {"/GRAPH", &run.graph, true}}};
+  static const std::array<OutputName, 5> names = {{{"/REPORT", &asked.report, false},
+                                                   {"/VARS", &asked.vars, false},
+                                                   {"/CSV", &asked.csv, true},
+                                                   {"/JSON", &asked.json, true},
+                                                   {"/GRAPH", &asked.graph, true}}};
   return names;
 }
 
@@ -50,20 +50,8 @@ std::string same_file(const std::string& name) {
 }
 
 bool is_virtual_disk(const std::string& path) {
-  return std::any_of(run.virtual_disks.begin(), run.virtual_disks.end(),
+  return std::any_of(asked.virtual_disks.begin(), asked.virtual_disks.end(),
                      [&](const std::string& disk) { return !disk.empty() && same_file(disk) == path; });
-}
-
-/// The drive of /D:n, the highest one where there are several.
-int named_drive() {
-  for (int drive = kDriveCount - 1; drive >= 0; --drive) {
-    if (run.searched.find("/D:" + std::to_string(drive)) != std::string::npos) return drive;
-  }
-  return kNoDrive;
-}
-
-bool writes_to_disk() {
-  return run.op == Operation::write || run.op == Operation::random_write;
 }
 
 /// False for an output that is not wanted, or goes to standard output as it may.
@@ -93,7 +81,7 @@ std::string check(const OutputName& output, const std::string& path) {
   std::string problem = why_no_file(name);
   if (!problem.empty()) return shown + problem;
   if (is_virtual_disk(path)) return shown + "is a virtual disk of this run.";
-  if (writes_to_disk() && lies_on_drive(path, named_drive()) != OnDrive::no)
+  if (asked.writes && lies_on_drive(path, asked.named_drives.front()) != OnDrive::no)
     return shown + "lies on the disk under test.";
   if (const std::uint32_t code = why_not_writable(name)) {
     return shown + "is a folder or cannot be written: error " + std::to_string(code) + " - " + SystemErrorText(code);

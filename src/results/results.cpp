@@ -1,17 +1,14 @@
 #include "results/results.h"
 
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
-#include "form/run.h"
 #include "measure/measure.h"
-#include "ops/frame_data.h"
+#include "ops/frame.h"
 #include "results/csv_rows.h"
 #include "results/json_result.h"
 #include "results/result.h"
 #include "results/svg_graph.h"
-#include "results/tell.h"
-
-Results results;
 
 namespace {
 
@@ -23,8 +20,8 @@ Result collect() {
   Result result;
   const bool framed = measured_something();
   result.version = results.version;
-  result.command_line = run.command_line;
-  result.operation = framed || run.op != Operation::smart ? run_kind_text(measure.plan.kind) : "smart";
+  result.command_line = asked.command_line;
+  result.operation = framed ? run_kind_text(measure.plan.kind) : results.unmeasured_name;
   result.start_local = framed ? frame.Op_Start_Date : results.command_local;
   result.start_utc = framed ? frame.start_utc : results.command_utc;
   result.end_local = platform::local_time();
@@ -47,25 +44,25 @@ void tell_failure(const std::string& error) {
 
 }  // namespace
 
-void begin_results(const std::string& version) {
-  results = {version, measure.runs, platform::local_time(), platform::utc_time()};
-  if (!run.csv) return;
-  begin_csv(*run.csv);
+void begin_results(const std::string& version, const std::string& unmeasured_name) {
+  results = {version, unmeasured_name, measure.runs, platform::local_time(), platform::utc_time()};
+  if (!asked.csv) return;
+  begin_csv(*asked.csv);
   measure.on_transfer = add_csv_row;
 }
 
 void finish_results() {
   measure.on_transfer = nullptr;
-  // A run with /OP gets its files even where nothing was to be transferred.
-  if (!measured_something() && !run.op) {
+  // A batch gets its files even where nothing was to be transferred.
+  if (!measured_something() && !in_batch()) {
     abandon_csv();
     return;
   }
-  if (run.csv) tell_failure(finish_csv());
-  if (!run.json && !run.graph) return;
+  if (asked.csv) tell_failure(finish_csv());
+  if (!asked.json && !asked.graph) return;
   const Result result = collect();
-  if (run.json) tell_failure(write_whole_file(*run.json, json_result(result, measure)));
-  if (run.graph) tell_failure(write_whole_file(*run.graph, svg_graph(result, measure)));
+  if (asked.json) tell_failure(write_whole_file(*asked.json, json_result(result, measure)));
+  if (asked.graph) tell_failure(write_whole_file(*asked.graph, svg_graph(result, measure)));
 }
 
 void abandon_results() {

@@ -8,15 +8,17 @@
 /// The result files of /CSV, /JSON and /GRAPH: written at the end of every operation, each time anew.
 struct Results {
   std::string version;
+  std::string unmeasured_name;
   std::uint64_t runs_before = 0;  // measure.runs when the command began
   platform::DateTime command_local;
   platform::DateTime command_utc;
 };
 
-extern Results results;
+inline Results results;
 
-/// A command begins: rows of its transfers go to the CSV file. `version` is the program's.
-void begin_results(const std::string& version);
+/// A command begins: rows of its transfers go to the CSV file. `version` is the program's,
+/// `unmeasured_name` what the files call the command should nothing be measured.
+void begin_results(const std::string& version, const std::string& unmeasured_name);
 
 /// A command has ended: the files are written if it was an operation. A failure is told, and stops nothing.
 void finish_results();

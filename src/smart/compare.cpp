@@ -11,8 +11,6 @@
 #include "form/output.h"
 #include "smart/identification.h"
 
-Comparison comparison;
-
 namespace {
 
 constexpr std::uint8_t kPowerOnId = 9;

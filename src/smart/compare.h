@@ -24,7 +24,7 @@ struct Comparison {
   std::int16_t info = 0;
 };
 
-extern Comparison comparison;
+inline Comparison comparison;
 
 /// Compares the snapshot taken before the operation with smart.Smart_Snapshot, writes the drive's and the SMART report
 /// variables, shows the comparison in Text1 and adds the errors to the exit code.

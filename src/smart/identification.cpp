@@ -13,8 +13,6 @@
 #include "smart/drive_command.h"
 #include "smart/identify_data.h"
 
-Identification identification;
-
 namespace {
 
 // Windows SDK: winioctl.h and ntddscsi.h.

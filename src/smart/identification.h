@@ -20,7 +20,7 @@ struct Identification {
   std::int32_t Sectors_Per_Track = 0;
 };
 
-extern Identification identification;
+inline Identification identification;
 
 /// Finds out what drive `drive` is, through disk.hDrive and handles of its own: IDENTIFY, geometry, the SCSI port where
 /// these two gave nothing, READ CAPACITY and length. The largest count wins. True when there is one.

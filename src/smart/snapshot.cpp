@@ -11,8 +11,6 @@
 #include "smart/drive_command.h"
 #include "smart/identification.h"
 
-Smart smart;
-
 namespace {
 
 // SMART feature register and the signature in the cylinder registers (ATA8-ACS, SMART commands).

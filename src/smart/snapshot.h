@@ -31,7 +31,7 @@ struct Smart {
   std::string Smart_List;
 };
 
-extern Smart smart;
+inline Smart smart;
 
 /// Takes a snapshot of drive `drive` through disk.hDrive into smart and gives a copy of it. Where the drive does not
 /// answer, the snapshot is empty.

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/device_names.h"
+#include "platform/units.h"
 #include "virtualdisk/demo.h"
 #include "virtualdisk/files.h"
 
@@ -61,7 +62,7 @@ Wrong open_content(VirtualDisk& disk, const std::string& beside) {
   if (file.image.name.empty()) return {};
   const std::string reason = disk.content.open_image(resolved(file.image.name, beside));
   if (!reason.empty()) return {file.image.line, file.image.name + " " + reason};
-  const std::int64_t held = disk.content.image_bytes() / kSectorBytes;
+  const std::int64_t held = disk.content.image_bytes() / kSectorSize;
   if (file.sectors > held) {
     return {file.sectors_line,
             "sectors must be at most the image's " + std::to_string(held) + ": " + std::to_string(file.sectors)};

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "platform/bytes.h"
+#include "platform/units.h"
 #include "virtualdisk/identify.h"
 
 namespace virtualdisk {
@@ -142,7 +143,7 @@ std::uint32_t get_geometry(const VirtualDisk& disk, Out out, std::uint32_t* retu
   bytes::put_le(out, 8, 4, kFixedMedia);
   bytes::put_le(out, 12, 4, static_cast<std::uint64_t>(geometry.heads));
   bytes::put_le(out, 16, 4, static_cast<std::uint64_t>(geometry.sectors));
-  bytes::put_le(out, 20, 4, kSectorBytes);
+  bytes::put_le(out, 20, 4, kSectorSize);
   return 0;
 }
 
@@ -151,7 +152,7 @@ std::uint32_t get_length(const VirtualDisk& disk, Out out, std::uint32_t* return
   if (disk.file.no_length) return kInvalidFunction;
   if (out.size() < kLengthBytes) return kInsufficientBuffer;
   // The largest disk of all is one sector longer than a signed length can say.
-  const std::int64_t sayable = std::min(disk.sectors, kMaxSectors - 1) * kSectorBytes;
+  const std::int64_t sayable = std::min(disk.sectors, kMaxSectors - 1) * kSectorSize;
   start_reply(out, kLengthBytes, returned);
   bytes::put_le(out, 0, 8, static_cast<std::uint64_t>(disk.file.length.value_or(sayable)));
   return 0;
@@ -177,7 +178,7 @@ std::uint32_t read_capacity(const VirtualDisk& disk, In in, Out out, std::uint32
   const auto last = static_cast<std::uint64_t>(std::min(disk.sectors - 1, kMostLast));
   for (std::size_t i = 0; i < 4; ++i) {
     out[kData + i] = static_cast<std::uint8_t>(last >> (24 - 8 * i) & 0xFF);
-    out[kData + 4 + i] = static_cast<std::uint8_t>(std::uint64_t{kSectorBytes} >> (24 - 8 * i) & 0xFF);
+    out[kData + 4 + i] = static_cast<std::uint8_t>(std::uint64_t{kSectorSize} >> (24 - 8 * i) & 0xFF);
   }
   return 0;
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/bytes.h"
+#include "platform/units.h"
 #include "virtualdisk/page.h"
 
 namespace virtualdisk {
@@ -114,16 +115,16 @@ Page partition_sector() {
 
 std::string story_sector(const Story& story, std::int64_t sector) {
   std::string text;
-  while (text.size() < kSectorBytes) {
+  while (text.size() < kSectorSize) {
     text += std::string(story.line) + ", sector " + std::to_string(sector) + ".\r\n";
   }
-  text.resize(kSectorBytes);
+  text.resize(kSectorSize);
   return text;
 }
 
 void put(Content& content, std::int64_t sector, const void* bytes) {
   std::uint32_t moved = 0;
-  content.write(static_cast<std::uint64_t>(sector * kSectorBytes), bytes, kSectorBytes, &moved);
+  content.write(static_cast<std::uint64_t>(sector * kSectorSize), bytes, kSectorSize, &moved);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <limits>
 
+#include "platform/units.h"
 #include "virtualdisk/page.h"
 
 namespace virtualdisk {
@@ -68,11 +69,10 @@ double Faults::seconds(const Range& range, bool* slow) const {
     *slow = true;
   });
   if (outer_rate_ > 0.0) {
-    constexpr double kSectorsPerMegabyte = 1'048'576.0 / kSectorBytes;
     const double last = static_cast<double>(std::max<std::int64_t>(sectors_ - 1, 1));
     const double place = static_cast<double>(range.first) / last;
     const double rate = outer_rate_ + (inner_rate_ - outer_rate_) * place;
-    total += static_cast<double>(range.count) / kSectorsPerMegabyte / rate;
+    total += static_cast<double>(range.count) / kSectorsPerMb / rate;
   }
   return total;
 }

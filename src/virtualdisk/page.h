@@ -6,8 +6,6 @@
 
 namespace virtualdisk {
 
-inline constexpr std::int64_t kSectorBytes = 512;
-
 /// 512 bytes that a drive answers.
 using Page = std::array<std::uint8_t, 512>;
 

@@ -6,11 +6,10 @@
 #include <map>
 #include <memory>
 
+#include "platform/units.h"
 #include "virtualdisk/disk.h"
 
 namespace virtualdisk {
-
-inline constexpr std::size_t kDrives = 8;
 
 /// Above every handle that the system gives out.
 inline constexpr platform::Handle kFirstHandle = platform::Handle{1} << 40;
@@ -31,12 +30,12 @@ struct OpenHandle {
 };
 
 struct State {
-  std::array<std::unique_ptr<VirtualDisk>, kDrives> disks;
+  std::array<std::unique_ptr<VirtualDisk>, kDriveCount> disks;
   std::map<platform::Handle, OpenHandle> handles;  // a handful: faster than hashing
   platform::Handle next_handle = kFirstHandle;
 };
 
 /// All attached disks. Assigning `{}` detaches them.
-extern State state;
+inline State state;
 
 }  // namespace virtualdisk

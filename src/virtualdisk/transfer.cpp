@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "platform/clock.h"
+#include "platform/units.h"
 #include "virtualdisk/disk.h"
 
 namespace virtualdisk {
@@ -10,8 +11,8 @@ namespace {
 std::uint32_t begin_transfer(VirtualDisk& disk, std::uint64_t offset, std::uint32_t bytes, Range* range) {
   if (vanished(disk)) return kNotConnected;
   if (disk.file.vanish_after) ++disk.transfers;
-  if (offset % kSectorBytes != 0 || bytes % kSectorBytes != 0) return kInvalidParameter;
-  *range = {static_cast<std::int64_t>(offset / kSectorBytes), bytes / kSectorBytes};
+  if (offset % kSectorSize != 0 || bytes % kSectorSize != 0) return kInvalidParameter;
+  *range = {static_cast<std::int64_t>(offset / kSectorSize), bytes / kSectorSize};
   return range->end() > disk.sectors ? kSectorNotFound : 0;
 }
 
@@ -35,9 +36,9 @@ double start_time(const VirtualDisk& disk) {
 std::uint32_t write_pieces(VirtualDisk& disk, const Range& range, const std::uint8_t* bytes) {
   for (const Faults::Piece& piece : disk.faults.landing(range)) {
     std::uint32_t moved = 0;
-    const std::uint32_t code = disk.content.write(static_cast<std::uint64_t>(piece.lands_at) * kSectorBytes,
-                                                  bytes + (piece.range.first - range.first) * kSectorBytes,
-                                                  static_cast<std::uint32_t>(piece.range.count * kSectorBytes), &moved);
+    const std::uint32_t code = disk.content.write(static_cast<std::uint64_t>(piece.lands_at) * kSectorSize,
+                                                  bytes + (piece.range.first - range.first) * kSectorSize,
+                                                  static_cast<std::uint32_t>(piece.range.count * kSectorSize), &moved);
     if (code != 0) return code;
   }
   return 0;
@@ -58,7 +59,7 @@ std::uint32_t read_disk(VirtualDisk& disk, std::uint64_t offset, void* buffer, s
   const double started = start_time(disk);
   std::uint32_t code = disk.faults.failure(Op::read, range);
   if (code == 0) {
-    const auto moving = static_cast<std::uint32_t>(disk.faults.sectors_moved(Op::read, range) * kSectorBytes);
+    const auto moving = static_cast<std::uint32_t>(disk.faults.sectors_moved(Op::read, range) * kSectorSize);
     code = disk.content.read(offset, buffer, moving, moved);
   }
   end_transfer(disk, range, code == 0 ? Event::read : Event::read_error, started);
@@ -76,7 +77,7 @@ std::uint32_t write_disk(VirtualDisk& disk, std::uint64_t offset, const void* bu
   std::uint32_t code = disk.faults.failure(Op::write, range);
   if (code == 0) {
     const Range part = {range.first, disk.faults.sectors_moved(Op::write, range)};
-    const auto moving = static_cast<std::uint32_t>(part.count * kSectorBytes);
+    const auto moving = static_cast<std::uint32_t>(part.count * kSectorSize);
     if (disk.faults.lands_in_place(part)) {
       code = disk.content.write(offset, buffer, moving, moved);
     } else {

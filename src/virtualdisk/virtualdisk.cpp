@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <memory>
 
+#include "platform/units.h"
 #include "virtualdisk/attach.h"
 #include "virtualdisk/control.h"
 #include "virtualdisk/names.h"
 #include "virtualdisk/state.h"
 
 namespace virtualdisk {
-
-State state;
 
 namespace {
 
@@ -30,7 +29,7 @@ void detach(int drive) {
 }
 
 bool is_drive_number(int drive) {
-  return drive >= 0 && drive < static_cast<int>(kDrives);
+  return drive >= 0 && drive < kDriveCount;
 }
 
 /// Why `handle` can do nothing with its disk any more, or 0.
@@ -71,7 +70,7 @@ std::string attach(int drive, const std::string& file) {
 }
 
 void detach_all() {
-  for (int drive = 0; drive < static_cast<int>(kDrives); ++drive) detach(drive);
+  for (int drive = 0; drive < kDriveCount; ++drive) detach(drive);
 }
 
 bool attached(int drive) {

@@ -11,7 +11,7 @@
 #include "app/handlers.h"
 #include "disk/counters.h"
 #include "form/form1.h"
-#include "ops/random.h"
+#include "ops/operations.h"
 #include "tests/support/rig.h"
 #include "virtualdisk/virtualdisk.h"
 

@@ -6,7 +6,6 @@
 #include <algorithm>
 
 #include "buffer/display.h"
-#include "buffer/fill.h"
 #include "buffer/hex_view.h"
 #include "disk/drive.h"
 #include "form/form1.h"

@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 
 #include "disk/counters.h"
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/progress_line.h"
-#include "form/run.h"
 #include "tests/support/rig.h"
 
 namespace {
@@ -90,12 +90,12 @@ TEST_F(ProgressTest, MidnightAndAStandingClockDivideByNothing) {
 }
 
 TEST_F(ProgressTest, StandardErrorGetsALineEveryTenSecondsOrOneRewrittenInPlace) {
-  run.op = Operation::read;
+  asked.mode = Mode::batch;
   for (int i = 0; i < 30; ++i) transfer(1, 1.0);
   EXPECT_EQ(count_of(err(), "\r\n"), 3);
   headless::desktop.err.clear();
   headless::desktop.err_is_terminal = true;
-  run.quiet = true;
+  asked.quiet = true;
   transfer(1, 60.0);
   EXPECT_EQ(err(), "");
 }

@@ -1,5 +1,3 @@
-#include "ops/random.h"
-
 #include <gmock/gmock.h>
 
 #include <limits>
@@ -8,11 +6,11 @@
 #include "app/handlers.h"
 #include "disk/counters.h"
 #include "disk/drive.h"
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
-#include "form/run.h"
-#include "ops/off_track.h"
-#include "ops/random_numbers.h"
+#include "ops/operations.h"
+#include "ops/random_choices.h"
 #include "smart/identification.h"
 #include "tests/support/rig.h"
 
@@ -58,12 +56,12 @@ TEST_F(RandomTests, EveryVisitStaysOnTheDisk) {
 TEST_F(RandomTests, TheRandomPatternLeavesTheEndOfWholeSectors) {
   disk.Sec_Buf.resize(512);
   std::fill(disk.Sec_Buf.bytes().begin(), disk.Sec_Buf.bytes().end(), std::uint8_t{0xFF});
-  FillRandPatt();
+  FillRandPatt(draw_pattern());
   EXPECT_NE(disk.Sec_Buf.data()[507], 0xFF);
   EXPECT_THAT(std::vector<int>(disk.Sec_Buf.data() + 508, disk.Sec_Buf.data() + 512), ElementsAre(255, 255, 255, 255));
   disk.Sec_Buf.resize(513);
   disk.Sec_Buf.data()[512] = 0xFF;
-  FillRandPatt();
+  FillRandPatt(draw_pattern());
   EXPECT_NE(disk.Sec_Buf.data()[511], 0xFF);
   EXPECT_EQ(disk.Sec_Buf.data()[512], 0xFF);
 }
@@ -110,8 +108,8 @@ TEST_F(RandomTests, ADiskNoLargerThanAVisitIsLeftAlone) {
 
 TEST_F(RandomTests, AVisitLargerThanATransferIsRefusedWithoutItsMemory) {
   open_on("sectors 100000000000\n");
-  run.count = 50000000000;
-  run.passes = std::numeric_limits<std::int32_t>::max();
+  asked.count = 50000000000;
+  asked.passes = std::numeric_limits<std::int32_t>::max();
   form1.CommandLineMode = true;
   headless::desktop.at_pump = [](int pump) {
     if (pump > 3) form1.MyCancel = true;
@@ -168,7 +166,7 @@ TEST_F(RandomTests, TheNextPlacesDoNotDependOnWhatCouldBeRead) {
 
 TEST_F(RandomTests, AFlushThatFailsBehindTheWriteBackIsALostPlace) {
   open_on("sectors 4096\nserial F\n");
-  run.report = path("r.txt");
+  asked.report = path("r.txt");
   headless::desktop.at_pump = [](int) {
     // Seek, read; seek, lock, write, flush, unlock; seek, read; seek, lock, write, flush.
     headless::desktop.calls_made = 0;

@@ -1,5 +1,3 @@
-#include "ops/search.h"
-
 #include <gmock/gmock.h>
 
 #include "app/handlers.h"
@@ -7,6 +5,7 @@
 #include "disk/drive.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "ops/operations.h"
 #include "tests/support/rig.h"
 
 namespace {

@@ -1,5 +1,3 @@
-#include "ops/sequential.h"
-
 #include <gmock/gmock.h>
 
 #include "app/handlers.h"
@@ -8,7 +6,8 @@
 #include "form/form1.h"
 #include "form/output.h"
 #include "measure/measure.h"
-#include "ops/range.h"
+#include "ops/operations.h"
+#include "ops/selection.h"
 #include "tests/support/rig.h"
 #include "virtualdisk/virtualdisk.h"
 

@@ -16,8 +16,7 @@
 #include "app/controls.h"
 #include "form/form1.h"
 #include "form/output.h"
-#include "ops/off_track.h"
-#include "ops/random.h"
+#include "app/handlers.h"
 #include "tests/support/rig.h"
 #include "virtualdisk/virtualdisk.h"
 

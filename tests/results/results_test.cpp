@@ -16,7 +16,6 @@
 #include "results/file_names.h"
 #include "results/json_text.h"
 #include "results/svg_graph.h"
-#include "results/tell.h"
 #include "tests/support/rig.h"
 
 namespace {

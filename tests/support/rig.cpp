@@ -14,13 +14,13 @@
 #include "disk/progress.h"
 #include "disk/volume.h"
 #include "eventlog/event_log.h"
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
-#include "form/run.h"
 #include "measure/measure.h"
-#include "ops/frame_data.h"
-#include "ops/random.h"
-#include "ops/random_numbers.h"
+#include "ops/frame.h"
+#include "ops/operations.h"
+#include "ops/random_choices.h"
 #include "ops/visit.h"
 #include "results/csv_rows.h"
 #include "results/results.h"
@@ -34,7 +34,7 @@ namespace {
 /// As a new process begins.
 void forget_program() {
   form1 = {};
-  run = {};
+  asked = {};
   output = {};
   disk = {};
   editor = {};

@@ -1,20 +1,20 @@
-#include "ops/random_parameters.h"
+#include "ops/random_choices.h"
 
 #include <algorithm>
 #include <charconv>
 #include <limits>
 #include <string>
 
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "form/output.h"
-#include "form/run.h"
+#include "smart/identification.h"
 
 namespace {
 
 constexpr std::int32_t kDefaultPasses = 100;
 constexpr std::int64_t kDefaultSectors = 1000;
-constexpr std::int64_t kMostSectors = 16065;
 
 /// A question for a whole number.
 struct Question {
@@ -39,11 +39,20 @@ bool ask_number(const Question& question, std::int64_t* number) {
   }
 }
 
+/// SplitMix64 (Steele, Lea and Flood, "Fast splittable pseudorandom number generators", 2014).
+std::uint64_t next() {
+  random_numbers.state += 0x9E3779B97F4A7C15;
+  std::uint64_t mixed = random_numbers.state;
+  mixed = (mixed ^ (mixed >> 30U)) * 0xBF58476D1CE4E5B9;
+  mixed = (mixed ^ (mixed >> 27U)) * 0x94D049BB133111EB;
+  return mixed ^ (mixed >> 31U);
+}
+
 }  // namespace
 
-bool take_passes(const char* title, std::int32_t* passes) {
+bool choose_passes(const char* title, std::int32_t* passes) {
   if (form1.CommandLineMode) {
-    *passes = run.passes != 0 ? run.passes : kDefaultPasses;
+    *passes = asked.passes != 0 ? asked.passes : kDefaultPasses;
     return true;
   }
   std::int64_t answer = 0;
@@ -53,16 +62,37 @@ bool take_passes(const char* title, std::int32_t* passes) {
   return true;
 }
 
-bool take_random_parameters(std::int32_t* passes, std::int64_t* sectors) {
-  if (!take_passes("", passes)) return false;
+bool choose_random_parameters(std::int32_t* passes, std::int64_t* sectors) {
+  if (!choose_passes("", passes)) return false;
   if (form1.CommandLineMode) {
-    *sectors = run.count != 0 ? run.count : kDefaultSectors;
+    *sectors = asked.count != 0 ? asked.count : kDefaultSectors;
     return true;
   }
   const bool given =
       ask_number({"Enter number of sectors per operation ( 0=Max, hint:use 1000 or more to detect slow xfers)", "",
                   kDefaultSectors, 0, std::numeric_limits<std::int64_t>::max()},
                  sectors);
-  *sectors = *sectors == 0 ? kMostSectors : std::min(*sectors, kMostSectors);
+  *sectors = *sectors == 0 ? kChunkSectors : std::min(*sectors, kChunkSectors);
   return given;
+}
+
+double next_uniform() {
+  return static_cast<double>(next() >> 11U) * 0x1p-53;
+}
+
+float next_uniform_single() {
+  return static_cast<float>(next() >> 40U) * 0x1p-24F;
+}
+
+std::int64_t GetRandomSector(std::int64_t sectors) {
+  const std::int64_t places = identification.Drive_Sectors - sectors;
+  return std::min(static_cast<std::int64_t>(static_cast<double>(places) * next_uniform()), places - 1);
+}
+
+RandomPattern draw_pattern() {
+  // Times 255 and cut: FF never comes: docs/oddities.md.
+  constexpr float kValues = 255.0F;
+  RandomPattern pattern{};
+  for (std::uint8_t& byte : pattern) byte = static_cast<std::uint8_t>(next_uniform_single() * kValues);
+  return pattern;
 }

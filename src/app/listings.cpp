@@ -1,14 +1,15 @@
-#include "app/drive_list.h"
+#include "app/listings.h"
 
 #include <cstdint>
 #include <string>
 
 #include "disk/drive.h"
-#include "disk/progress.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "ops/frame.h"
 #include "platform/console.h"
 #include "smart/identification.h"
+#include "smart/snapshot.h"
 
 int list_drives() {
   constexpr int kFailed = 1;
@@ -29,4 +30,15 @@ int list_drives() {
   if (code == 0) return 0;
   tell_on_stderr("The list cannot be written: error " + std::to_string(code) + ".");
   return kFailed;
+}
+
+void list_smart() {
+  form1.Text1.set_text({});
+  if (!open_for_operation()) return;
+  form1.MyCancel = false;  // left by the drive's selection
+  Get_Smart_Data(form1.SelectedDrive);
+  const std::string listing =
+      smart.Smart_List.empty() ? "Warning: No SMART data available\r\n" : "SMART DATA\r\n" + smart.Smart_List;
+  report_and_show(listing);
+  close_drive();
 }

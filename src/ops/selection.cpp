@@ -1,11 +1,13 @@
-#include "ops/select_drive.h"
+#include "ops/selection.h"
 
 #include <algorithm>
 #include <string>
 
+#include "disk/counters.h"
 #include "disk/drive.h"
-#include "disk/progress.h"
+#include "form/asked.h"
 #include "form/form1.h"
+#include "form/number_text.h"
 #include "smart/identification.h"
 
 void select_drive_keeping_text() {
@@ -37,4 +39,27 @@ void SelectDrive() {
 
 void show_option(int drive) {
   for (int i = 0; i < kDriveCount; ++i) form1.Options.at(static_cast<std::size_t>(i)).set_on(i == drive);
+}
+
+std::int64_t take_range() {
+  const std::int64_t start = number_in(form1.TxtStartLBA.text());
+  form1.TxtStartLBA.set_text(std::to_string(start));
+  counters.No_Secs = std::max<std::int64_t>(number_in(form1.TxtNoSecs.text()), 1);
+  form1.TxtNoSecs.set_text(std::to_string(counters.No_Secs));
+  return start;
+}
+
+void show_range_of_command_line() {
+  if (asked.start_lba != 0) form1.TxtStartLBA.set_text(std::to_string(asked.start_lba));
+  if (asked.count != 0) {
+    form1.TxtNoSecs.set_text(std::to_string(asked.count));
+  } else if (asked.start_lba != 0) {
+    form1.TxtNoSecs.set_text(std::to_string(std::max<std::int64_t>(identification.Drive_Sectors - asked.start_lba, 1)));
+  }
+}
+
+std::int64_t read_chunk(std::int64_t sectors) {
+  // Two steps, the lower one odd: kept, so that rates compare with earlier runs.
+  if (sectors >= kLargeChunkSectors) return kLargeChunkSectors;
+  return std::min(sectors, kChunkSectors);
 }

@@ -1,0 +1,192 @@
+#include "app/commands.h"
+
+#include <algorithm>
+#include <array>
+
+#include "app/listings.h"
+#include "app/program.h"
+#include "buffer/display.h"
+#include "buffer/edit.h"
+#include "disk/drive.h"
+#include "disk/volume.h"
+#include "form/asked.h"
+#include "form/form1.h"
+#include "form/output.h"
+#include "form/progress_line.h"
+#include "ops/frame.h"
+#include "ops/operations.h"
+#include "ops/selection.h"
+#include "platform/window.h"
+#include "results/results.h"
+
+namespace {
+
+bool fill() {
+  fill_buffer();
+  return true;
+}
+
+/// Asks at once, and not where the other commands that write do: docs/oddities.md.
+bool confirm_destructive_test() {
+  if (!confirm_write("WRITE TO DRIVE?")) return false;
+  form1.Text1.set_text({});
+  return true;
+}
+
+std::string wipe_title() {
+  return "WIPE DRIVE?";
+}
+
+constexpr std::array kCommands = {
+    Command{.name = "READ",
+            .has_switch = true,
+            .trace = "READTOEND",
+            .plan = plan_read,
+            .transfer = Seq_Read,
+            .report = report_read},
+    Command{.name = "WRITE",
+            .has_switch = true,
+            .needs_serial = true,
+            .prepare = fill,
+            .trace = "WRITETOEND",
+            .question = wipe_title,
+            .writes = true,
+            .plan = plan_write,
+            .transfer = Seq_Write,
+            .report = report_write},
+    Command{.name = "RANDOMREAD",
+            .has_switch = true,
+            .most_count = kChunkSectors,
+            .above_most = "/COUNT of a random test is at most 16065.",
+            .trace = "RANDOMREAD",
+            .plan = plan_random_read,
+            .transfer = Random_Read_Test,
+            .report = report_random_read},
+    Command{.name = "RANDOMWRITE",
+            .has_switch = true,
+            .most_count = kChunkSectors,
+            .above_most = "/COUNT of a random test is at most 16065.",
+            .trace = "RANDOMWRITE",
+            .writes = true,
+            .plan = plan_random_write,
+            .transfer = Random_Write_Test,
+            .report = report_random_write},
+    Command{.name = "SEARCH",
+            .has_switch = true,
+            .takes_find = true,
+            .prepare = ask_search_string,
+            .trace = "READTOEND",
+            .plan = plan_search,
+            .timed = false,
+            .transfer = search_range,
+            .report = report_search},
+    Command{.name = "SHOW",
+            .has_switch = true,
+            .most_count = kShownSectors,
+            .above_most = "/OP:SHOW shows at most 20 sectors.",
+            .plan = plan_show,
+            .transfer = Seq_Read,
+            .report = report_show},
+    Command{.name = "SMART", .has_switch = true, .alone = list_smart, .unmeasured_name = "smart"},
+    Command{.name = "WRITE BUFFER",
+            .prepare = take_edits,
+            .trace = "WRITEBUFFTOEND",
+            .question = write_buffer_title,
+            .writes = true,
+            .plan = plan_write,
+            .transfer = Seq_Write,
+            .report = report_write},
+    Command{.name = "DESTRUCTIVE TEST",
+            .prepare = confirm_destructive_test,
+            .trace = "DESTRUCTIVE RANDOMWRITE",
+            .writes = true,
+            .plan = plan_destructive_write,
+            .transfer = Destructive_Random_Write_Test,
+            .report = report_destructive_write},
+    Command{.name = "OFF-TRACK TEST",
+            .trace = "OFFTRACK WRITE TEST",
+            .writes = true,
+            .plan = plan_off_track,
+            .transfer = OffTrack_Write_Test,
+            .report = report_off_track},
+    Command{.name = "SHOW BUFFER", .alone = show_buffer_for_editing},
+    Command{.name = "FILL BUFFER", .alone = fill_buffer},
+};
+
+/// The part of an operation that is counted and measured.
+void run_operation(const Command& command) {
+  Clear_Counters();
+  const std::optional<RunPlan> plan = command.plan();
+  if (!plan) return;
+  begin_measuring(*plan);
+  if (command.timed) start_timing();
+  command.transfer(*plan);
+  if (command.timed) end_timing();
+  command.report();
+}
+
+bool may_begin(const Command& command) {
+  if (command.prepare != nullptr && !command.prepare()) return false;
+  if (command.trace != nullptr) ShowMessage(std::string("Started HDD - ") + command.trace);
+  return command.question == nullptr || confirm_write(command.question());
+}
+
+void run_in_frame(const Command& command) {
+  if (!may_begin(command)) return;
+  // The range that the fields show now is written to, also where the frame selects the drive again.
+  if (command.writes && !in_batch()) form1.RangeEdited = true;
+  form1.Text1.set_text({});
+  Start_Operation();
+  begin_progress_line();
+  if (command.writes) {
+    Lock_Unlock_All_Volumes(form1.SelectedDrive, "LOCK");
+    MY_DISMOUNT_VOLUME(disk.hDrive);
+  }
+  run_operation(command);
+  if (command.writes) Lock_Unlock_All_Volumes(form1.SelectedDrive, "UNLOCK");
+  end_progress_line();
+  End_Operation();
+}
+
+/// Deals with what was pressed meanwhile as during the command, then gives the buttons back.
+void unlock_buttons() {
+  const std::int16_t exit_code = output.ExitCode;
+  const bool command_line_mode = form1.CommandLineMode;
+  platform::end_command();
+  if (!in_batch()) return;
+  // What was pressed after all had been told changes nothing that a batch file sees.
+  output.ExitCode = exit_code;
+  form1.CommandLineMode = command_line_mode;
+}
+
+}  // namespace
+
+std::span<const Command> commands() {
+  return kCommands;
+}
+
+const Command* command_named(std::string_view name) {
+  const auto* const row =
+      std::find_if(kCommands.begin(), kCommands.end(), [&](const Command& command) { return command.name == name; });
+  return row == kCommands.end() ? nullptr : row;
+}
+
+void run_command(std::string_view name) {
+  if (form1.CommandRunning) return;
+  const Command& command = *command_named(name);
+  form1.CommandRunning = true;
+  platform::begin_command();
+  begin_results(program_version(), command.unmeasured_name);
+  if (command.alone != nullptr) {
+    command.alone();
+  } else {
+    run_in_frame(command);
+  }
+  end_measuring(form1.MyCancel);
+  finish_results();
+  unlock_buttons();
+  form1.CommandRunning = false;
+  if (form1.PendingDrive == kNoDrive) return;
+  form1.PendingDrive = kNoDrive;
+  select_drive_keeping_text();
+}

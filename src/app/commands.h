@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "measure/measure.h"
+
+/// The commands of the window and of /OP. A new one is a row of the table in commands.cpp; its steps live in
+/// ops/operations.h.
+
+/// A row. Steps that a command does not have are null.
+struct Command {
+  const char* name;  // as /OP and the handlers name it
+
+  // What the command line may ask of it.
+  bool has_switch = false;  // /OP can name it; tests and the window's controls start the others
+  bool needs_serial = false;
+  bool takes_find = false;      // and needs it
+  std::int64_t most_count = 0;  // of /COUNT; 0 for no limit
+  const char* above_most = "";  // what a larger one is told
+
+  // Before its frame, in this order.
+  bool (*prepare)() = nullptr;          // false leaves the command
+  const char* trace = nullptr;          // the line that says what has started
+  std::string (*question)() = nullptr;  // title of the question whether the disk may be overwritten
+
+  // In its frame.
+  bool writes = false;  // the drive's volumes are locked and dismounted meanwhile
+  std::optional<RunPlan> (*plan)() = nullptr;
+  bool timed = true;  // the totals tell the time between its first and last transfer
+  void (*transfer)(const RunPlan& plan) = nullptr;
+  void (*report)() = nullptr;
+
+  // In place of all that for a command that is no operation: it has no frame, and nothing to measure.
+  void (*alone)() = nullptr;
+  const char* unmeasured_name = "none";  // its name in a result file
+};
+
+std::span<const Command> commands();
+
+/// The command of that name, or null.
+const Command* command_named(std::string_view name);
+
+/// Runs the command `name` with its fellow buttons locked; nothing while another one runs. A drive pressed meanwhile is
+/// selected afterwards, so that no command ever touches a second drive. When the user leaves the program instead, the
+/// process ends inside.
+void run_command(std::string_view name);

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/units.h"
+
+/// How the program was started.
+enum class Mode : std::uint8_t {
+  window,        // a window, whose boxes ask
+  command_line,  // a window opened with "/D:": nothing asks before it writes
+  batch,         // /OP: one command, no boxes, the process ends with its exit code
+  list,          // /LIST
+  usage          // /?
+};
+
+/// What the command line asked for. Values not given stay empty or 0.
+struct Asked {
+  Mode mode = Mode::window;
+  std::string op;       // of /OP: the command's name in the table of commands
+  bool writes = false;  // that command writes to the disk
+  /// "/D:n" stands in the text beside our switches, in rising order; with /OP exactly one.
+  std::vector<int> named_drives;
+  bool ends_without_drive = false;  // a missing drive ends the program: /D:, /OP or text that is no switch was given
+  bool quiet = false;
+  std::string command_line;                            // as it came
+  std::array<std::string, kDriveCount> virtual_disks;  // file to attach as drive n
+  std::int64_t start_lba = 0;                          // remembered start LBA; 0 for none
+  std::int64_t count = 0;              // remembered sector count, per visit in a random test; 0 for none
+  std::int32_t passes = 0;             // of a random test; 0 for the default
+  std::optional<std::string> slow;     // "AUTO" or MB/s
+  std::optional<std::string> pattern;  // hex
+  std::optional<std::string> find;     // search string as typed in the box
+  std::optional<std::string> serial;   // serial number that the drive must carry
+  std::optional<std::string> report;   // file, or "-" for standard output
+  std::optional<std::string> vars;
+  std::optional<std::string> csv;
+  std::optional<std::string> json;
+  std::optional<std::string> graph;
+};
+
+inline Asked asked;
+
+/// True while the process runs the one command of /OP: what would be a box is told on standard error. A cancelled run
+/// that leaves its window open for further use is no batch any more.
+inline bool in_batch() {
+  return asked.mode == Mode::batch;
+}

@@ -1,3 +1,0 @@
-#include "form/form1.h"
-
-Form1 form1;

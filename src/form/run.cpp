@@ -1,3 +1,0 @@
-#include "form/run.h"
-
-Run run;

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "buffer/search.h"
+#include "measure/measure.h"
+#include "ops/random_choices.h"
+
+/// The operations on the selected drive, each in three steps that the frame of a command (app/commands.h) runs in turn:
+///
+/// - plan_x() takes range or parameters, makes the buffer and announces what begins; nothing when there is nothing to
+///   do, which is told where it is no wish of the user.
+/// - the transfers, until they are done or the user cancels;
+/// - report_x() tells what came of it.
+
+/// Reads the range in the fields, chunk by chunk.
+std::optional<RunPlan> plan_read();
+void Seq_Read(const RunPlan& plan);
+void report_read();
+
+/// Writes the range in the fields from the start of Sec_Buf, chunk by chunk.
+std::optional<RunPlan> plan_write();
+void Seq_Write(const RunPlan& plan);
+void report_write();
+
+/// A read of one sector, unless /COUNT gave a number, that shows the buffer and, at LBA 0, the partition table in the
+/// report. Its transfers are Seq_Read's.
+std::optional<RunPlan> plan_show();
+void report_show();
+
+/// Searches the range for what ask_search_string() takes: from the command line, or from a question, which gives false
+/// to leave. On a match the buffer holds that sector alone.
+struct SearchRun {
+  std::string text;         // as typed
+  bool found = false;       // a match begins at `lba`; it may end in the next sector
+  std::int64_t lba = 0;     // else the first LBA that was not read
+  std::int64_t offset = 0;  // of the match in its sector
+};
+
+inline SearchRun search_run;
+
+bool ask_search_string();
+std::optional<RunPlan> plan_search();
+void search_range(const RunPlan& plan);
+void report_search();
+
+/// Reads `count` sectors from `*lba` in transfers of `chunk` sectors, the last one shortened, until one holds a match.
+/// Gives the match's offset in Sec_Buf, or -1; `*lba` is then the first LBA not read, on a match the chunk's first one.
+std::int64_t ReadSearchSectors(const Search& search, std::int64_t* lba, std::int64_t count, std::int64_t chunk);
+
+/// A test at random places of the selected drive. A visit is one place of counters.No_Secs sectors.
+struct RandomTest {
+  std::int32_t passes = 0;            // visits to make
+  std::int64_t Ops_Done = 0;          // visits made
+  std::vector<std::uint8_t> pattern;  // what a destructive test writes at every place
+};
+
+inline RandomTest random_test;
+
+/// Reads at random places.
+std::optional<RunPlan> plan_random_read();
+void Random_Read_Test(const RunPlan& plan);
+void report_random_read();
+
+/// At each place reads, writes a random pattern, reads it back and compares, and writes the former contents back. A
+/// place whose contents could not be read is not written to.
+std::optional<RunPlan> plan_random_write();
+void Random_Write_Test(const RunPlan& plan);
+void report_random_write();
+
+/// Fills Sec_Buf, its last one to four bytes left out, with `pattern` and shows it in TxtPattern.
+void FillRandPatt(const RandomPattern& pattern);
+
+/// At each place writes the fill pattern, reads it back and compares.
+std::optional<RunPlan> plan_destructive_write();
+void Destructive_Random_Write_Test(const RunPlan& plan);
+void report_destructive_write();
+
+/// Rewrites small runs at random places between far seeks, and re-reads their neighbourhood every thousand passes, so
+/// that a write that strayed off its track shows as read errors. The outer 100 MB at each end are left out.
+std::optional<RunPlan> plan_off_track();
+void OffTrack_Write_Test(const RunPlan& plan);
+void report_off_track();
