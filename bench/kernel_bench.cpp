@@ -178,7 +178,7 @@ int main(int words, char** word) {
   const auto sectors = std::span(noise).first(20 * 512);
   row(
       "hex dump of 20 sectors / one by snprintf", 10.0,
-      [&] { return hex_view(sectors, 0, kMaxViewSectors, kViewTitle).size(); },
+      [&] { return hex_view(sectors, 0, kShownSectors, kViewTitle).size(); },
       [&] { return dump_by_snprintf(sectors).size(); });
   return failed == 0 ? 0 : 1;
 }

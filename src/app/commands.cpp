@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "app/listings.h"
 #include "app/program.h"
 #include "buffer/display.h"
 #include "buffer/edit.h"

@@ -3,10 +3,9 @@
 #include <array>
 
 #include "app/handlers.h"
-#include "app/layout.h"
-#include "app/panel.h"
-#include "app/progress_bar.h"
 #include "form/form1.h"
+#include "pictures/panel.h"
+#include "pictures/progress_bar.h"
 
 namespace {
 

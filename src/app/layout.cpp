@@ -1,9 +1,7 @@
-#include "app/layout.h"
-
 #include <algorithm>
 
 #include "app/controls.h"
-#include "platform/scale.h"
+#include "platform/geometry.h"
 #include "platform/units.h"
 
 namespace {

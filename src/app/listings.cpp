@@ -1,8 +1,7 @@
-#include "app/listings.h"
-
 #include <cstdint>
 #include <string>
 
+#include "app/program.h"
 #include "disk/drive.h"
 #include "form/form1.h"
 #include "form/output.h"

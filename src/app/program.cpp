@@ -7,14 +7,13 @@
 #include "app/commands.h"
 #include "app/controls.h"
 #include "app/handlers.h"
-#include "app/listings.h"
 #include "disk/progress.h"
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
 #include "platform/console.h"
 #include "platform/window.h"
-#include "results/file_names.h"
+#include "results/output_file.h"
 #include "virtualdisk/virtualdisk.h"
 
 namespace {

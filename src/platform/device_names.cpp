@@ -1,9 +1,9 @@
-#include "platform/device_names.h"
-
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <string>
+
+#include "platform/system.h"
 
 namespace platform {
 

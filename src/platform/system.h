@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 /// The system calls that the program makes, under their Windows names. `win32/` passes them to the system, `headless/`
 /// answers them on a host without Windows. Only `device/` and `virtualdisk/` call these; everyone above goes through
@@ -98,6 +99,11 @@ std::string volume_device(const std::string& path);
 
 /// `name` as a whole path, as "C:\folder\file"; `name` itself where the system does not tell.
 std::string full_path(const std::string& name);
+
+/// True for names that the system gives to devices, in either case and with either slash: those of the device spaces
+/// ("\\.\PhysicalDrive0", "\\?\C:", "\??\C:"), and those that it keeps in every folder, whatever their extension
+/// ("NUL", "com1.csv"; Windows, "Naming Files, Paths, and Namespaces").
+bool names_device(std::string_view name);
 
 /// Asked before a call that an attached virtual disk is about to answer: the system error with which the call is to
 /// fail, or 0 to let the disk answer. On Windows always 0; the headless platform keeps the call and may fail it, as it

@@ -1,5 +1,3 @@
-#include "results/file_names.h"
-
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -12,7 +10,6 @@
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
-#include "platform/device_names.h"
 #include "platform/system.h"
 #include "results/output_file.h"
 

@@ -1,5 +1,3 @@
-#include "results/json_result.h"
-
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -8,6 +6,7 @@
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "results/json_text.h"
+#include "results/result.h"
 
 namespace {
 

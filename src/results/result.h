@@ -2,10 +2,12 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "disk/counters.h"
 #include "disk/progress.h"
 #include "eventlog/event_log.h"
+#include "measure/measure.h"
 #include "platform/clock.h"
 #include "smart/identification.h"
 #include "smart/snapshot.h"
@@ -29,3 +31,14 @@ struct Result {
   EventLog events;
   std::int16_t exit_code = 0;
 };
+
+/// The whole result as one JSON document. docs/results.md tells its members.
+std::string json_result(const Result& result, const Measure& measured);
+
+/// The rate graph as one SVG document that needs nothing else, as the window draws it: the average as a line within the
+/// band of lowest to highest, random tests as points, the slow limit dashed, slow transfers as triangles and errors as
+/// crosses. Resting the pointer on a place tells its LBAs, MB/s and milliseconds.
+std::string svg_graph(const Result& result, const Measure& measured);
+
+/// `text` (ANSI) in UTF-8, as it may stand in SVG text and in quoted attributes.
+std::string svg_text(std::string_view text);

@@ -6,9 +6,7 @@
 #include "measure/measure.h"
 #include "ops/frame.h"
 #include "results/csv_rows.h"
-#include "results/json_result.h"
 #include "results/result.h"
-#include "results/svg_graph.h"
 
 namespace {
 

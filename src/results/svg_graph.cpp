@@ -1,5 +1,3 @@
-#include "results/svg_graph.h"
-
 #include <array>
 #include <vector>
 
@@ -8,6 +6,7 @@
 #include "measure/graph_scale.h"
 #include "platform/clock.h"
 #include "platform/text.h"
+#include "results/result.h"
 
 namespace {
 

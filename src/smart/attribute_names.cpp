@@ -1,7 +1,7 @@
-#include "smart/attribute_names.h"
-
 #include <algorithm>
 #include <array>
+
+#include "smart/snapshot.h"
 
 namespace {
 

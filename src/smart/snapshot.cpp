@@ -7,7 +7,6 @@
 #include "form/number_text.h"
 #include "form/output.h"
 #include "platform/bytes.h"
-#include "smart/attribute_names.h"
 #include "smart/drive_command.h"
 #include "smart/identification.h"
 

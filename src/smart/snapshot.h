@@ -53,3 +53,6 @@ bool ReadThresholdsCmd(kernel32::Handle drive, std::int32_t drive_number);
 
 /// Appends one attribute's line to smart.Smart_List; `raw` are its six raw bytes, least significant first.
 void Print_Attribs(const Smart_Attribute& attribute, std::span<const std::uint8_t> raw);
+
+/// The name of SMART attribute `id`, 29 characters; ids without a name give "(unknown parameter)" of that width.
+std::string AttName(std::uint8_t id);

@@ -1,14 +1,13 @@
-#include "virtualdisk/attach.h"
-
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <string_view>
 #include <utility>
 
-#include "platform/device_names.h"
+#include "platform/system.h"
 #include "platform/units.h"
-#include "virtualdisk/demo.h"
+#include "virtualdisk/content.h"
+#include "virtualdisk/disk.h"
 #include "virtualdisk/files.h"
 
 namespace virtualdisk {

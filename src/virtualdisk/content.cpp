@@ -4,7 +4,7 @@
 #include <cstring>
 #include <new>
 
-#include "platform/device_names.h"
+#include "platform/system.h"
 #include "platform/units.h"
 
 namespace virtualdisk {

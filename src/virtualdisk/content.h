@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 #include "virtualdisk/files.h"
@@ -42,5 +43,11 @@ class Content {
   bool read_only_ = false;
   std::unordered_map<std::uint64_t, std::unique_ptr<MemoryPage>> pages_;
 };
+
+/// The practice disk: its disk file's text; examples/practice.vd is the same.
+std::string_view demo_text();
+
+/// Writes what stands on the practice disk: a partition table and some text to find.
+void fill_demo(Content& content);
 
 }  // namespace virtualdisk

@@ -1,5 +1,3 @@
-#include "virtualdisk/demo.h"
-
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -7,6 +5,7 @@
 
 #include "platform/bytes.h"
 #include "platform/units.h"
+#include "virtualdisk/content.h"
 #include "virtualdisk/page.h"
 
 namespace virtualdisk {

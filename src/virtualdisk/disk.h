@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -53,5 +54,9 @@ std::uint32_t read_disk(VirtualDisk& disk, std::uint64_t offset, void* buffer, s
                         std::uint32_t* moved);
 std::uint32_t write_disk(VirtualDisk& disk, std::uint64_t offset, const void* buffer, std::uint32_t bytes,
                          std::uint32_t* moved);
+
+/// Makes the disk that `file` (a disk file, a bare image, DEMO) describes, for drive number `drive`. Null on failure,
+/// with the reason in `error`.
+std::unique_ptr<VirtualDisk> make_disk(int drive, const std::string& file, std::string* error);
 
 }  // namespace virtualdisk

@@ -1,8 +1,8 @@
-#include "virtualdisk/names.h"
-
 #include <algorithm>
 #include <cctype>
 #include <string>
+
+#include "virtualdisk/state.h"
 
 namespace virtualdisk {
 namespace {

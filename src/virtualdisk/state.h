@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
+#include <string_view>
 
 #include "platform/units.h"
 #include "virtualdisk/disk.h"
@@ -37,5 +39,8 @@ struct State {
 
 /// All attached disks. Assigning `{}` detaches them.
 inline State state;
+
+/// What the device name means among the attached disks; nothing when it is not one of theirs.
+std::optional<Target> target_named(std::string_view name);
 
 }  // namespace virtualdisk

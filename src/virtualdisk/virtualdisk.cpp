@@ -4,9 +4,8 @@
 #include <memory>
 
 #include "platform/units.h"
-#include "virtualdisk/attach.h"
 #include "virtualdisk/control.h"
-#include "virtualdisk/names.h"
+#include "virtualdisk/disk.h"
 #include "virtualdisk/state.h"
 
 namespace virtualdisk {

@@ -1,5 +1,3 @@
-#include "app/layout.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,7 +7,7 @@
 #include <vector>
 
 #include "app/controls.h"
-#include "platform/scale.h"
+#include "platform/geometry.h"
 
 namespace {
 

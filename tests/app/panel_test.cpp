@@ -1,13 +1,13 @@
-#include "app/panel.h"
+#include "pictures/panel.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 
 #include "app/handlers.h"
-#include "app/progress_bar.h"
 #include "form/form1.h"
 #include "measure/measure.h"
+#include "pictures/progress_bar.h"
 #include "platform/headless/canvas.h"
 #include "tests/support/rig.h"
 

@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "app/controls.h"
+#include "app/handlers.h"
 #include "form/form1.h"
 #include "form/output.h"
-#include "app/handlers.h"
 #include "tests/support/rig.h"
 #include "virtualdisk/virtualdisk.h"
 

@@ -13,9 +13,9 @@
 #include "form/output.h"
 #include "measure/measure.h"
 #include "results/csv_rows.h"
-#include "results/file_names.h"
 #include "results/json_text.h"
-#include "results/svg_graph.h"
+#include "results/output_file.h"
+#include "results/result.h"
 #include "tests/support/rig.h"
 
 namespace {

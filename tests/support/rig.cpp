@@ -6,7 +6,6 @@
 #include <fstream>
 #include <sstream>
 
-#include "app/panel.h"
 #include "app/program.h"
 #include "buffer/edit.h"
 #include "disk/counters.h"
@@ -22,6 +21,7 @@
 #include "ops/operations.h"
 #include "ops/random_choices.h"
 #include "ops/visit.h"
+#include "pictures/panel.h"
 #include "results/csv_rows.h"
 #include "results/results.h"
 #include "smart/compare.h"

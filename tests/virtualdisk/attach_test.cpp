@@ -5,7 +5,7 @@
 #include <string>
 
 #include "tests/virtualdisk/bench.h"
-#include "virtualdisk/demo.h"
+#include "virtualdisk/content.h"
 
 namespace virtualdisk {
 namespace {

@@ -2,7 +2,7 @@
 #include <array>
 #include <string>
 
-#include "platform/scale.h"
+#include "platform/geometry.h"
 #include "platform/win32/dpi.h"
 #include "platform/win32/main_window.h"
 #include "platform/window.h"

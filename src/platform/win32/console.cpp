@@ -4,9 +4,8 @@
 #include <atomic>
 #include <cstdint>
 
-#include "platform/win32/interruption.h"
 #include "platform/win32/main_window.h"
-#include "platform/win32/user_function.h"
+#include "platform/win32/win_api.h"
 
 namespace win32 {
 
@@ -120,6 +119,10 @@ void allow_shutdown() {
   static const auto destroy = win32::user_function<Destroy>("ShutdownBlockReasonDestroy");
   HWND const window = win32::main_window.window;
   if (destroy != nullptr && window != nullptr) destroy(window);
+}
+
+void debug_text(const std::string& text) {
+  ::OutputDebugStringA((text + "\n").c_str());
 }
 
 }  // namespace platform

@@ -1,6 +1,6 @@
 #include <string>
 
-#include "platform/scale.h"
+#include "platform/geometry.h"
 #include "platform/win32/dpi.h"
 #include "platform/win32/main_window.h"
 

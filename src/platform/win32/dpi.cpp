@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/scale.h"
-#include "platform/win32/user_function.h"
+#include "platform/geometry.h"
+#include "platform/win32/win_api.h"
 
 namespace win32 {
 

@@ -1,9 +1,7 @@
 #include <algorithm>
 
 #include "platform/clock.h"
-#include "platform/win32/interruption.h"
 #include "platform/win32/main_window.h"
-#include "platform/win32/taskbar.h"
 
 namespace win32 {
 

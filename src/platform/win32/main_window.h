@@ -100,4 +100,21 @@ void move_focus(HWND control);
 /// Dispatches one message with the window's tab, arrow and access keys.
 void dispatch(MSG* message);
 
+// console.cpp
+
+/// Calls the handler of an interruption that came from the console or the session's end since the last call. An exit
+/// waits while the disk holds data that are not its own.
+void turn_interruptions();
+
+/// The session ends: the next turn_interruptions() exits.
+void request_exit();
+
+// taskbar.cpp
+
+/// The window's button on the taskbar shows how far the running command is. Nothing on a system without a taskbar.
+void show_on_taskbar(const platform::Share& share);
+
+/// The button shows no progress any more.
+void clear_taskbar();
+
 }  // namespace win32

@@ -1,6 +1,5 @@
 #include "platform/system.h"
 
-#include "platform/win32/last_error.h"
 #include "platform/win32/win_api.h"
 
 namespace platform {
@@ -9,8 +8,10 @@ namespace {
 
 std::uint32_t last_error = 0;
 
+/// Keeps the system's code of a call that failed, 0 of one that was done, for GetLastError().
 bool done(BOOL ok) {
-  return keep_result(ok != FALSE);
+  last_error = ok != FALSE ? 0 : ::GetLastError();
+  return ok != FALSE;
 }
 
 HANDLE system_handle(Handle handle) {
@@ -18,11 +19,6 @@ HANDLE system_handle(Handle handle) {
 }
 
 }  // namespace
-
-bool keep_result(bool done) {
-  last_error = done ? 0 : ::GetLastError();
-  return done;
-}
 
 Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_mode, std::uint32_t disposition,
                    std::uint32_t flags) {
@@ -128,6 +124,14 @@ std::uint32_t GetLastError() {
 
 std::uint32_t rehearsed_failure(const char* /*call*/, Handle /*handle*/) {
   return 0;
+}
+
+bool MoveFileExA(const char* from, const char* to, std::uint32_t flags) {
+  return done(::MoveFileExA(from, to, flags));
+}
+
+bool DeleteFileA(const char* name) {
+  return done(::DeleteFileA(name));
 }
 
 }  // namespace platform

@@ -1,5 +1,3 @@
-#include "platform/win32/taskbar.h"
-
 #include "platform/win32/com.h"
 #include "platform/win32/main_window.h"
 

@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/scale.h"
+#include "platform/geometry.h"
 #include "platform/win32/dpi.h"
-#include "platform/win32/interruption.h"
 #include "platform/win32/main_window.h"
 #include "platform/win32/resource.h"
 

@@ -24,4 +24,10 @@ std::string volume_device(const std::string& path) {
   return ::GetDriveTypeA(root.data()) == DRIVE_REMOTE ? std::string(root.data()) : std::string();
 }
 
+std::string full_path(const std::string& name) {
+  std::array<char, 4096> path{};
+  const DWORD length = ::GetFullPathNameA(name.c_str(), static_cast<DWORD>(path.size()), path.data(), nullptr);
+  return length > 0 && length < path.size() ? std::string(path.data(), length) : name;
+}
+
 }  // namespace platform

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "app/block_map.h"
 #include "measure/rate_map.h"
+#include "pictures/views.h"
 #include "platform/window.h"
 
 enum class PanelView : std::uint8_t { rate_graph, block_map };

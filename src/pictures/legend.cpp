@@ -1,8 +1,7 @@
-#include "app/legend.h"
-
 #include <algorithm>
 
-#include "platform/scale.h"
+#include "pictures/parts.h"
+#include "platform/geometry.h"
 
 namespace {
 

@@ -1,9 +1,8 @@
-#include "app/picture_frame.h"
-
 #include <algorithm>
 
-#include "app/palette.h"
-#include "platform/scale.h"
+#include "pictures/palette.h"
+#include "pictures/parts.h"
+#include "platform/geometry.h"
 
 using platform::Canvas;
 using platform::Rect;

@@ -1,17 +1,16 @@
-#include "app/panel.h"
+#include "pictures/panel.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "app/handlers.h"
-#include "app/palette.h"
-#include "app/picture_frame.h"
-#include "app/rate_graph.h"
 #include "disk/progress.h"
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "measure/measure.h"
-#include "platform/scale.h"
+#include "pictures/palette.h"
+#include "pictures/parts.h"
+#include "pictures/views.h"
+#include "platform/geometry.h"
 
 namespace {
 
@@ -81,7 +80,7 @@ void on_double_click(Point place) {
   const std::optional<PixelColumn> stretch = stretch_at(place);
   if (!stretch || form1.CommandRunning) return;
   form1.TxtStartLBA.set_text(std::to_string(stretch->first_lba));
-  range_typed();
+  form1.RangeEdited = true;  // as typing it does
 }
 
 }  // namespace

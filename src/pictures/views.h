@@ -6,6 +6,8 @@
 #include "measure/measure.h"
 #include "platform/canvas.h"
 
+/// The panel's two views of a run.
+
 /// Cells from left to right in rows from the top, each a stretch of the run's range.
 struct CellGrid {
   platform::Point first;  // the upper left corner
@@ -23,3 +25,8 @@ std::optional<std::int64_t> cell_at(const CellGrid& grid, platform::Point point)
 /// Draws the run's range as cells, each in the colour of the slowest class of transfers in it, errors crossed; the
 /// legend counts the transfers of each class. Gives where the cells are; none where there is no run or no room.
 CellGrid draw_block_map(const Measure& of, platform::Canvas* canvas);
+
+/// Draws the rates over the run's range: the average as a line within the band of lowest to highest, the slow limit
+/// (MB/s) dashed, slow transfers and errors as marks, random tests as points. Gives where the range lies on the canvas;
+/// empty where there is no run or no room.
+platform::Rect draw_rate_graph(const Measure& of, double slow_limit, platform::Canvas* canvas);

@@ -1,12 +1,12 @@
-#include "app/progress_bar.h"
+#include "pictures/progress_bar.h"
 
 #include <algorithm>
 #include <functional>
 
-#include "app/palette.h"
 #include "form/number_text.h"
 #include "measure/measure.h"
-#include "platform/scale.h"
+#include "pictures/palette.h"
+#include "platform/geometry.h"
 
 namespace {
 

@@ -1,13 +1,11 @@
-#include "app/block_map.h"
-
 #include <algorithm>
 #include <string>
 #include <vector>
 
-#include "app/legend.h"
-#include "app/palette.h"
-#include "app/picture_frame.h"
-#include "platform/scale.h"
+#include "pictures/palette.h"
+#include "pictures/parts.h"
+#include "pictures/views.h"
+#include "platform/geometry.h"
 
 namespace {
 

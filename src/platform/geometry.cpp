@@ -1,4 +1,4 @@
-#include "platform/scale.h"
+#include "platform/geometry.h"
 
 #include <algorithm>
 

@@ -2,9 +2,12 @@
 
 #include <span>
 #include <string>
+#include <vector>
 
-#include "app/palette.h"
+#include "pictures/palette.h"
 #include "platform/canvas.h"
+
+/// What the pictures are put together from.
 
 /// One entry of a legend: its sign and what it stands for.
 struct LegendEntry {
@@ -20,3 +23,14 @@ int draw_legend(platform::Canvas* canvas, const platform::Rect& place, std::span
 
 /// A cross in a cell: an error of the block map, told by shape as well.
 void draw_cell_cross(platform::Canvas* canvas, const platform::Rect& cell, const Palette& palette);
+
+inline constexpr int kPictureMargin = 10;  // pixels at 96 dpi
+
+/// The paper and its edge.
+void draw_paper(platform::Canvas* canvas);
+
+/// A calm line in the middle of a picture that has nothing to show yet.
+void draw_hint(platform::Canvas* canvas, const std::string& hint);
+
+/// A small box of lines beside `at`, inside the canvas.
+void draw_note(platform::Canvas* canvas, platform::Point at, const std::vector<std::string>& lines);

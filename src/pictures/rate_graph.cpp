@@ -1,17 +1,15 @@
-#include "app/rate_graph.h"
-
 #include <algorithm>
 #include <cmath>
 #include <string>
 #include <vector>
 
-#include "app/legend.h"
-#include "app/palette.h"
-#include "app/picture_frame.h"
 #include "form/number_text.h"
 #include "measure/graph_marks.h"
 #include "measure/graph_scale.h"
-#include "platform/scale.h"
+#include "pictures/palette.h"
+#include "pictures/parts.h"
+#include "pictures/views.h"
+#include "platform/geometry.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "app/palette.h"
+#include "pictures/palette.h"
 
 #include <cmath>
 
