@@ -25,7 +25,7 @@ bool fill() {
   return true;
 }
 
-/// Asks at once, and not where the other commands that write do: docs/oddities.md.
+/// Asks at once, and not where the other commands that write do: docs/oddities.md, 13.
 bool confirm_destructive_test() {
   if (!confirm_write("WRITE TO DRIVE?")) return false;
   form1.Text1.set_text({});

@@ -48,6 +48,6 @@ void fill_buffer() {
   form1.TxtPattern.set_text(text);
   form1.TxtStatus.set_text("Buffer filled with " + text + " OK.");
   disk.Buf_LBA = 0;
-  // The length in bytes, not in sectors: docs/oddities.md.
+  // The length in bytes, not in sectors: docs/oddities.md, 5.
   disk.Buf_Secs = disk.Sec_Buf.size();
 }

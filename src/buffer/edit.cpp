@@ -27,7 +27,7 @@ struct HexRule {
 };
 constexpr HexRule kAddressRule{kAddressDigits, "Error: please use 1-4 hex characters for the address",
                                "Error: Please use valid hex characters!"};
-// The text names the address although a byte is asked for: kept as users know it.
+// The text names the address although a byte is asked for: docs/oddities.md, 10.
 constexpr HexRule kByteRule{kByteDigits, "Error: please use 1-2 hex characters for the address",
                             "Error: Invalid hex characters!"};
 

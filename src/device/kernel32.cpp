@@ -5,17 +5,15 @@
 namespace kernel32 {
 namespace {
 
-std::uint32_t last_error = 0;
-
 /// Keeps the code of a call that a virtual disk answered.
 bool keep(std::uint32_t code) {
-  last_error = code;
+  state.last_error = code;
   return code == 0;
 }
 
 /// Keeps the code of a call that the system answered.
 bool keep_system(bool done) {
-  last_error = done ? 0 : platform::GetLastError();
+  state.last_error = done ? 0 : platform::GetLastError();
   return done;
 }
 
@@ -153,7 +151,7 @@ void ExitProcess(std::uint32_t code) {
 }
 
 std::uint32_t GetLastError() {
-  return last_error;
+  return state.last_error;
 }
 
 }  // namespace kernel32

@@ -9,6 +9,12 @@
 /// call made here, 0 after a success.
 namespace kernel32 {
 
+struct State {
+  std::uint32_t last_error = 0;  // of the last call, whoever answered it
+};
+
+inline State state;
+
 using platform::Handle;
 using platform::kInvalidHandle;
 using platform::OsVersion;

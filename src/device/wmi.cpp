@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <cstddef>
-#include <map>
 #include <string_view>
 
 #include "platform/units.h"
@@ -10,19 +9,6 @@
 
 namespace wmi {
 namespace {
-
-// Numbers of our own, far from those that the platform gives out.
-constexpr WmiHandle kServiceWithoutSystem = WmiHandle{1} << 40;
-constexpr WmiHandle kFirstOwnRows = kServiceWithoutSystem + 1;
-
-/// Device ids that a virtual disk gave, and how many were fetched.
-struct OwnRows {
-  std::vector<std::string> device_ids;
-  std::size_t fetched = 0;
-};
-
-std::map<WmiHandle, OwnRows> own_rows;
-WmiHandle next_own = kFirstOwnRows;
 
 /// The number behind `before` in `text`, or -1.
 int number_behind(std::string_view text, std::string_view before) {
@@ -42,8 +28,8 @@ bool any_attached() {
 }
 
 WmiHandle keep_rows(std::vector<std::string> device_ids) {
-  own_rows[next_own] = {std::move(device_ids), 0};
-  return next_own++;
+  state.own_rows[state.next_own] = {std::move(device_ids), 0};
+  return state.next_own++;
 }
 
 std::string partition_id(int drive, std::size_t index) {
@@ -81,8 +67,8 @@ WmiHandle query(WmiHandle service, const std::string& text, std::uint32_t flags)
 }
 
 WmiNext next(WmiHandle rows, const std::vector<std::string>& properties, WmiRow* row) {
-  const auto own = own_rows.find(rows);
-  if (own == own_rows.end()) return platform::wmi_next(rows, properties, row);
+  const auto own = state.own_rows.find(rows);
+  if (own == state.own_rows.end()) return platform::wmi_next(rows, properties, row);
   OwnRows& answer = own->second;
   if (answer.fetched == answer.device_ids.size()) return WmiNext::end;
   row->clear();
@@ -92,7 +78,8 @@ WmiNext next(WmiHandle rows, const std::vector<std::string>& properties, WmiRow*
 }
 
 void close(WmiHandle handle) {
-  if (own_rows.erase(handle) == 0 && handle != kNoWmi && handle != kServiceWithoutSystem) platform::wmi_close(handle);
+  if (state.own_rows.erase(handle) == 0 && handle != kNoWmi && handle != kServiceWithoutSystem)
+    platform::wmi_close(handle);
 }
 
 }  // namespace wmi

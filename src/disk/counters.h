@@ -17,7 +17,7 @@ struct Counters {
 inline Counters counters;
 
 /// The seconds between the operation's start and end as printed: the difference of two single-precision times of day,
-/// negative across midnight.
+/// negative across midnight (docs/oddities.md, 4).
 inline float elapsed_seconds() {
   return static_cast<float>(counters.OpEndTime) - static_cast<float>(counters.OpStartTime);
 }

@@ -29,8 +29,7 @@ bool failed(std::uint32_t code) {
   return false;
 }
 
-/// The two words of a range lock's length. The byte count is split at 16 bits and the low half widened with its sign,
-/// not at 32 bits; kept, since lock and unlock must name the same range to drivers that saw it so.
+/// The two words of a range lock's length, split at 16 bits: docs/oddities.md, 18.
 struct LockLength {
   std::uint32_t low;
   std::uint32_t high;

@@ -49,7 +49,7 @@ constexpr std::array kOpenTexts = {
     CodeText{22, "The device does not recognize the command."},
     CodeText{32, "The process cannot access the file because it is being used by another process."},
     CodeText{33, "The process cannot access the file because another process has locked a portion of the file."},
-    // Not the system's own code for this text; kept, since callers know it by this number.
+    // Not the system's own code for this text: docs/oddities.md, 11.
     CodeText{37, "The specified network resource or device is no longer available."},
     CodeText{108, "The disk is in use or locked by another process."},
 };

@@ -54,7 +54,7 @@ void report_read_failure(std::int64_t lba, std::int64_t sectors) {
 }
 
 void report_write_failure(std::int64_t lba, std::int64_t sectors) {
-  // The write count ends one above the total, the read count equal to it; kept, since batch files know these figures.
+  // The write count ends one above the total, the read count equal to it: docs/oddities.md, 1.
   ++counters.TotalErrors;
   counters.TotalWErrors = counters.TotalErrors + 1;
   report_failure("Writing", lba, sectors);

@@ -42,16 +42,14 @@ bool lock_volume(int drive, const std::string& volume) {
   const kernel32::Handle handle =
       kernel32::open_volume_of(drive, path.c_str(), platform::kGenericRead | platform::kGenericWrite,
                                platform::kShareRead | platform::kShareWrite, kNoBuffering);
-  // Every volume goes into the first slot, so only the last one is unlocked by the unlock pass; kept: the others stay
-  // locked and dismounted until the process ends, and no file system comes back under a disk that was just written.
+  // Every volume goes into the first slot, so that the unlock pass finds the last one alone: docs/oddities.md, 16.
   volumes.hVolumes[0] = handle;
   if (handle == kernel32::kInvalidHandle) {
     trace("Lock_Unlock_All_Volumes - Cannot open handle for " + volume + " to dismount.");
     return false;
   }
   trace("Lock_Unlock_All_Volumes - Volume handle " + volume + " opened");
-  // Asked twice, since a file system that was busy at the first request often yields at the second; kept also where the
-  // first one was granted.
+  // Asked twice, also where the first request was granted: docs/oddities.md, 17.
   const bool at_once = volume_request(handle, kLockVolume);
   const bool again = volume_request(handle, kLockVolume);
   trace(at_once || again ? "Lock_Unlock_All_Volumes - FSCTL_LOCK_VOLUME Volume " + volume + " locked"

@@ -16,13 +16,6 @@ namespace {
 constexpr std::uint64_t kTerminalPause = 100;  // milliseconds
 constexpr std::uint64_t kPlainPause = 10'000;
 
-struct ProgressLine {
-  std::uint64_t due = 0;  // by the coarse clock
-  bool on_terminal = false;
-  std::size_t width = 0;  // of the line that stands there
-};
-ProgressLine line;
-
 bool wanted() {
   return in_batch() && !asked.quiet;
 }
@@ -40,7 +33,8 @@ std::string line_text() {
   constexpr std::size_t kTerminalWidth = 79;
   const std::string how = how_far_text();
   std::string status = form1.TxtStatus.text();
-  if (line.on_terminal && status.size() + how.size() > kTerminalWidth) status.resize(kTerminalWidth - how.size());
+  if (progress_line.on_terminal && status.size() + how.size() > kTerminalWidth)
+    status.resize(kTerminalWidth - how.size());
   return status + how;
 }
 
@@ -48,36 +42,36 @@ std::string line_text() {
 
 void begin_progress_line() {
   if (!wanted()) return;
-  line = {};
-  line.on_terminal = platform::err_is_terminal();
-  line.due = platform::coarse_milliseconds() + (line.on_terminal ? kTerminalPause : kPlainPause);
+  progress_line = {};
+  progress_line.on_terminal = platform::err_is_terminal();
+  progress_line.due = platform::coarse_milliseconds() + (progress_line.on_terminal ? kTerminalPause : kPlainPause);
 }
 
 bool show_progress_line() {
   if (!wanted()) return false;
   const std::uint64_t now = platform::coarse_milliseconds();
-  if (now < line.due) return false;
-  line.due = now + (line.on_terminal ? kTerminalPause : kPlainPause);
+  if (now < progress_line.due) return false;
+  progress_line.due = now + (progress_line.on_terminal ? kTerminalPause : kPlainPause);
   const std::string status = line_text();
-  if (!line.on_terminal) {
+  if (!progress_line.on_terminal) {
     platform::write_err(status + "\r\n");
     return true;
   }
   std::string shown = "\r" + status;
-  shown.resize(std::max(shown.size(), line.width + 1), ' ');
-  line.width = status.size();
+  shown.resize(std::max(shown.size(), progress_line.width + 1), ' ');
+  progress_line.width = status.size();
   platform::write_err(shown);
   return true;
 }
 
 void clear_progress_line() {
-  if (line.width == 0) return;
-  platform::write_err("\r" + std::string(line.width, ' ') + "\r");
-  line = {.due = line.due, .on_terminal = line.on_terminal};
+  if (progress_line.width == 0) return;
+  platform::write_err("\r" + std::string(progress_line.width, ' ') + "\r");
+  progress_line = {.due = progress_line.due, .on_terminal = progress_line.on_terminal};
 }
 
 void end_progress_line() {
-  if (line.width == 0) return;
+  if (progress_line.width == 0) return;
   clear_progress_line();
   platform::write_err(form1.TxtStatus.text() + "\r\n");
 }

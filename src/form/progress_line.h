@@ -1,7 +1,18 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+
 /// The progress of a command-line run on standard error: the status line, rewritten in place on a terminal, a line of
 /// its own every 10 seconds elsewhere. Nothing without /OP or with /QUIET.
+
+struct ProgressLine {
+  std::uint64_t due = 0;  // by the coarse clock
+  bool on_terminal = false;
+  std::size_t width = 0;  // of the line that stands there
+};
+
+inline ProgressLine progress_line;
 
 /// Starts the ten seconds anew.
 void begin_progress_line();

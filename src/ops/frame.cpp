@@ -84,11 +84,11 @@ void Start_Operation() {
     form1.MyCancel = false;  // so that the transfers are tried, fail and are counted
     return;
   }
-  // The selection copies the status into Text1 after it was cleared; kept, a command-line report begins with the drive.
+  // The status goes into Text1 after it was cleared: docs/oddities.md, 12.
   if (form1.CommandLineMode) SelectDrive();
   form1.MyCancel = false;
   frame.before = Get_Smart_Data(form1.SelectedDrive);
-  // No line end behind this heading, so the listing's first line follows on it; kept, scripts cut at this line.
+  // No line end: docs/oddities.md, 6.
   frame.Smart_Text += smart.Smart_List + "\r\n\r\nSMART DATA AFTER OPERATION";
   if (in_batch()) show_range_of_command_line();
   frame.Op_Start_Date = platform::local_time();

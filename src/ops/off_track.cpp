@@ -126,7 +126,7 @@ void OffTrack_Write_Test(const RunPlan& /*plan*/) {
 }
 
 void report_off_track() {
-  // No "seconds" and no line end: docs/oddities.md.
+  // No "seconds" and no line end: docs/oddities.md, 9.
   report_end("Time taken= " + single_text(elapsed_seconds()) + " for " + std::to_string(counters.Sectors_Done) +
              " sectors read/written.");
 }

@@ -90,7 +90,7 @@ std::int64_t GetRandomSector(std::int64_t sectors) {
 }
 
 RandomPattern draw_pattern() {
-  // Times 255 and cut: FF never comes: docs/oddities.md.
+  // FF never comes: docs/oddities.md, 15.
   constexpr float kValues = 255.0F;
   RandomPattern pattern{};
   for (std::uint8_t& byte : pattern) byte = static_cast<std::uint8_t>(next_uniform_single() * kValues);

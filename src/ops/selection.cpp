@@ -59,7 +59,7 @@ void show_range_of_command_line() {
 }
 
 std::int64_t read_chunk(std::int64_t sectors) {
-  // Two steps, the lower one odd: kept, so that rates compare with earlier runs.
+  // Two steps, the lower one odd: docs/oddities.md, 14.
   if (sectors >= kLargeChunkSectors) return kLargeChunkSectors;
   return std::min(sectors, kChunkSectors);
 }

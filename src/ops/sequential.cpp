@@ -59,7 +59,7 @@ std::optional<RunPlan> plan_write() {
 }
 
 void Seq_Write(const RunPlan& plan) {
-  // One step, unlike the read's two: docs/oddities.md.
+  // One step, unlike the read's two: docs/oddities.md, 14.
   transfer_range(Write_sectors, plan.first_lba, std::min(plan.sectors, kChunkSectors));
 }
 

@@ -10,7 +10,7 @@ struct AttributeName {
   const char* name;
 };
 
-// Makers' common names. Two ids share a name twice, and some names are cut: kept, listings are compared across years.
+// Makers' common names. Two stand twice, some are cut: docs/oddities.md, 7.
 constexpr std::array<AttributeName, 49> kNames = {{
     {0, "ATTR_INVALID"},
     {1, "READ_ERROR_RATE"},

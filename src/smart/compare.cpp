@@ -137,7 +137,7 @@ std::string size_variables() {
   const std::int64_t decimal_mb = sectors / kUnit * 8 + sectors % kUnit * 8 / kUnit;
   constexpr std::int64_t kMbPerGb = 1024;
   return line("SET QV_D_SECTORS=", std::to_string(sectors)) + line("SET QV_D_SIZE_DECMB=", std::to_string(decimal_mb)) +
-         // Binary gigabytes beside decimal megabytes; kept, batch files know both figures.
+         // Binary gigabytes beside decimal megabytes: docs/oddities.md, 2.
          line("SET QV_D_SIZE_GB=", std::to_string(sectors / kSectorsPerMb / kMbPerGb));
 }
 
@@ -179,8 +179,7 @@ double power_on_hours(std::int64_t final_value, std::int64_t growth, double elap
   if (growth <= 0 || elapsed <= kShortest) return value;
   const auto grown = static_cast<double>(growth);
   if (grown > elapsed - 10.0) value /= kPerHour;
-  // Not an alternative to the test above: a counter in seconds meets both and is divided twice; kept, batch files
-  // compare this figure with that of earlier runs.
+  // A counter in seconds meets both tests and is divided twice: docs/oddities.md, 3.
   if (grown > elapsed / kPerMinute - 1.0) value /= kPerMinute;
   return value;
 }

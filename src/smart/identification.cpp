@@ -74,7 +74,7 @@ std::array<std::uint8_t, kPassThroughBytes> read_capacity_request() {
   std::array<std::uint8_t, kPassThroughBytes> request{};
   bytes::put_le(request, 0, 2, kHeader);
   request[4] = 1;  // target id
-  request[6] = 6;  // CDB length: 6 for a command of 10 bytes; kept, drivers go by the operation code
+  request[6] = 6;  // CDB length, though the command has 10 bytes: docs/oddities.md, 19.
   request[7] = kSense;
   request[8] = 1;  // data come from the device
   bytes::put_le(request, 12, 4, kData);
@@ -116,7 +116,7 @@ bool Check_drv(std::int32_t drive) {
   std::int64_t& sectors = identification.Drive_Sectors;
   PrintReport("Check_drv " + number + " was called");
   Get_IDE_params(disk.hDrive, kIdentifyDevice, drive);
-  // No blank before this parenthesis, one in the lines below; kept, scripts cut these lines.
+  // No blank before this parenthesis: docs/oddities.md, 8.
   PrintReport("IDE disk " + number + " Size=" + std::to_string(sectors) + "(" + megabytes(sectors) + " Mb)");
   const std::int64_t by_geometry = Get_Disk_Geometry_Size();
   PrintReport("IDE disk geometry " + number + " Size=" + std::to_string(by_geometry) + " (" + megabytes(by_geometry) +
@@ -140,7 +140,7 @@ bool Get_IDE_params(kernel32::Handle drive, std::uint8_t command, std::int32_t d
   if (!send_command(drive, kSmartRcvDriveData, request, static_cast<std::uint32_t>(reply.size()), &reply)) return false;
   const IdentifyData data = decode_identify(std::span(reply).subspan(kReplyHeader));
   take_identity(data);
-  // The current translation's sectors per track stay, not the default's; kept for drives translated by their BIOS.
+  // Not the default's: docs/oddities.md, 20.
   identification.Sectors_Per_Track = data.current_sectors_per_track;
   Clean_Id_Strings();
   return true;
@@ -159,7 +159,7 @@ std::int64_t Get_Disk_Geometry_Size() {
 }
 
 void Get_Scsi_Identify(std::int32_t port) {
-  // The port's handle takes the drive's place even where it cannot transfer; kept, SMART requests go through it.
+  // The port's handle takes the drive's place: docs/oddities.md, 21.
   close_drive();
   disk.hDrive = open_device("\\\\.\\Scsi" + std::to_string(port) + ":");
   if (disk.hDrive == kernel32::kInvalidHandle) {

@@ -121,7 +121,7 @@ bool Get_Smart_Version(kernel32::Handle drive, std::span<std::uint8_t, 24> reply
 }
 
 bool Is_Bit_Set(std::uint8_t byte, int bit) {
-  // Bit 7 is never looked at: kept, since drivers of old left it undefined.
+  // Bit 7 is never looked at: docs/oddities.md, 22.
   constexpr int kNeverSet = 7;
   return bit < kNeverSet && (byte >> bit & 1) != 0;
 }

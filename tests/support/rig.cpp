@@ -7,60 +7,10 @@
 #include <sstream>
 
 #include "app/program.h"
-#include "buffer/edit.h"
-#include "disk/counters.h"
-#include "disk/drive.h"
-#include "disk/progress.h"
-#include "disk/volume.h"
-#include "eventlog/event_log.h"
-#include "form/asked.h"
-#include "form/form1.h"
-#include "form/output.h"
-#include "measure/measure.h"
-#include "ops/frame.h"
-#include "ops/operations.h"
-#include "ops/random_choices.h"
-#include "ops/visit.h"
-#include "pictures/panel.h"
-#include "results/csv_rows.h"
-#include "results/results.h"
-#include "smart/compare.h"
-#include "smart/identification.h"
-#include "smart/snapshot.h"
+#include "tests/support/state.h"
 #include "virtualdisk/virtualdisk.h"
 
-namespace {
-
-/// As a new process begins.
-void forget_program() {
-  form1 = {};
-  asked = {};
-  output = {};
-  disk = {};
-  editor = {};
-  counters = {};
-  progress = {};
-  measure = {};
-  panel = {};
-  frame = {};
-  event_log = {};
-  csv_rows = {};
-  results = {};
-  identification = {};
-  smart = {};
-  random_numbers = {};
-  random_test = {};
-  lost_places = {};
-  comparison = {};
-  volumes = {};
-}
-
-}  // namespace
-
 Rig::Rig() {
-  virtualdisk::detach_all();
-  forget_program();
-  headless::desktop = {};
   std::filesystem::create_directories(path(""));
 }
 
@@ -102,7 +52,7 @@ void Rig::attach(int drive, const std::string& disk_file) {
 }
 
 std::uint32_t Rig::start(const std::string& switches) {
-  forget_program();
+  reset_program();
   headless::desktop.command_line = "\"C:\\tools /D:7\\sectorix.exe\" " + switches;
   try {
     return static_cast<std::uint32_t>(run_program());

@@ -7,14 +7,7 @@
 
 namespace headless {
 
-Desktop desktop;
-
 namespace {
-
-void (*cancel_watcher)() = nullptr;
-void (*exit_watcher)() = nullptr;
-bool cancel_pressed = false;
-bool close_pressed = false;
 
 std::string take_answer(Box box) {
   if (desktop.answers.empty()) {
@@ -41,11 +34,11 @@ void pass_time(double seconds) {
 }
 
 void press_control_c() {
-  cancel_pressed = true;
+  desktop.cancel_pressed = true;
 }
 
 void close_console() {
-  close_pressed = true;
+  desktop.close_pressed = true;
 }
 
 }  // namespace headless
@@ -63,13 +56,13 @@ void run_window() {}
 bool pump_events() {
   const int pump = ++desktop.pumps;
   if (desktop.at_pump) desktop.at_pump(pump);
-  if (headless::cancel_pressed) {
-    headless::cancel_pressed = false;
-    if (headless::cancel_watcher != nullptr) headless::cancel_watcher();
+  if (desktop.cancel_pressed) {
+    desktop.cancel_pressed = false;
+    if (desktop.cancel_watcher != nullptr) desktop.cancel_watcher();
   }
-  if (headless::close_pressed) {
-    headless::close_pressed = false;
-    if (headless::exit_watcher != nullptr) headless::exit_watcher();
+  if (desktop.close_pressed) {
+    desktop.close_pressed = false;
+    if (desktop.exit_watcher != nullptr) desktop.exit_watcher();
   }
   return desktop.at_pump != nullptr;
 }
@@ -126,10 +119,10 @@ bool err_is_terminal() {
 void release_lone_console() {}
 
 void watch_console(void (*on_cancel)(), void (*on_exit)()) {
-  headless::cancel_watcher = on_cancel;
-  headless::exit_watcher = on_exit;
-  headless::cancel_pressed = false;
-  headless::close_pressed = false;
+  desktop.cancel_watcher = on_cancel;
+  desktop.exit_watcher = on_exit;
+  desktop.cancel_pressed = false;
+  desktop.close_pressed = false;
 }
 
 void hold_shutdown() {

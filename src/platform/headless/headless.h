@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -33,6 +35,12 @@ struct WmiAnswer {
   std::vector<platform::WmiRow> rows;
   bool fails_at_open = false;  // the query itself is refused
   int fails_at_row = -1;       // the row at which fetching fails, -1 for none
+};
+
+/// How far the rows of a query were fetched.
+struct WmiCursor {
+  std::size_t answer = 0;
+  int row = 0;
 };
 
 struct Desktop {
@@ -80,9 +88,18 @@ struct Desktop {
   bool keeps_calls = true;
   bool keeps_events = false;
   std::vector<std::string> events;  // calls, boxes, queries, output and commands, in one order
+
+  // Between the calls.
+  std::uint32_t last_error = 0;
+  std::map<platform::WmiHandle, WmiCursor> wmi_cursors;
+  platform::WmiHandle next_wmi_rows = 2;
+  void (*cancel_watcher)() = nullptr;
+  void (*exit_watcher)() = nullptr;
+  bool cancel_pressed = false;
+  bool close_pressed = false;
 };
 
-extern Desktop desktop;
+inline Desktop desktop;
 
 /// Keeps an event where they are wanted.
 void note(const std::string& event);

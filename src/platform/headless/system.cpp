@@ -21,8 +21,6 @@ using headless::desktop;
 
 namespace {
 
-std::uint32_t last_error = 0;
-
 /// The Windows code (winerror.h) nearest to what the host said.
 std::uint32_t code_of_errno(int number) {
   switch (number) {
@@ -50,19 +48,19 @@ std::uint32_t code_of_errno(int number) {
 }
 
 bool done(bool ok) {
-  last_error = ok ? 0 : code_of_errno(errno);
+  desktop.last_error = ok ? 0 : code_of_errno(errno);
   return ok;
 }
 
 bool failed_with(std::uint32_t code) {
-  last_error = code;
+  desktop.last_error = code;
   return false;
 }
 
 /// Keeps the call; true when the script fails it.
 bool scripted_failure(const char* call, Handle handle) {
   const std::uint32_t code = rehearsed_failure(call, handle);
-  last_error = code;
+  desktop.last_error = code;
   return code != 0;
 }
 
@@ -79,7 +77,7 @@ Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_m
                    std::uint32_t /*flags*/) {
   if (scripted_failure("CreateFileA", kInvalidHandle)) return kInvalidHandle;
   if (std::strncmp(name, "\\\\.\\", 4) == 0) {
-    last_error = 2;
+    desktop.last_error = 2;
     return kInvalidHandle;
   }
   int flags = O_RDONLY | O_CLOEXEC;
@@ -186,7 +184,7 @@ std::uint32_t FormatMessageA(std::uint32_t /*flags*/, std::uint32_t code, char* 
   const auto* const found =
       std::find_if(kTexts.begin(), kTexts.end(), [code](const auto& row) { return row.first == code; });
   if (found == kTexts.end()) {
-    last_error = 317;
+    desktop.last_error = 317;
     return 0;
   }
   const std::string_view whole = found->second;
@@ -231,7 +229,7 @@ void ExitProcess(std::uint32_t code) {
 }
 
 std::uint32_t GetLastError() {
-  return last_error;
+  return desktop.last_error;
 }
 
 }  // namespace platform

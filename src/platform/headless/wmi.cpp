@@ -11,14 +11,6 @@ using headless::desktop;
 namespace {
 
 constexpr WmiHandle kService = 1;
-constexpr WmiHandle kFirstResult = 2;
-
-struct Cursor {
-  std::size_t answer;
-  int row;
-};
-std::map<WmiHandle, Cursor> cursors;
-WmiHandle next_result = kFirstResult;
 
 }  // namespace
 
@@ -34,17 +26,17 @@ WmiHandle wmi_query(WmiHandle service, const std::string& query, std::uint32_t /
     const headless::WmiAnswer& answer = desktop.wmi_answers[i];
     if (query.rfind(answer.query, 0) != 0) continue;
     if (answer.fails_at_open) return kNoWmi;
-    cursors[next_result] = {i, 0};
-    return next_result++;
+    desktop.wmi_cursors[desktop.next_wmi_rows] = {i, 0};
+    return desktop.next_wmi_rows++;
   }
   constexpr std::size_t kNoAnswer = static_cast<std::size_t>(-1);
-  cursors[next_result] = {kNoAnswer, 0};
-  return next_result++;
+  desktop.wmi_cursors[desktop.next_wmi_rows] = {kNoAnswer, 0};
+  return desktop.next_wmi_rows++;
 }
 
 WmiNext wmi_next(WmiHandle rows, const std::vector<std::string>& properties, WmiRow* row) {
   if (rehearsed_failure("wmi_next", rows) != 0) return WmiNext::failed;
-  Cursor& cursor = cursors.at(rows);
+  headless::WmiCursor& cursor = desktop.wmi_cursors.at(rows);
   if (cursor.answer >= desktop.wmi_answers.size()) return WmiNext::end;
   const headless::WmiAnswer& answer = desktop.wmi_answers[cursor.answer];
   if (cursor.row == answer.fails_at_row) return WmiNext::failed;
@@ -60,7 +52,7 @@ WmiNext wmi_next(WmiHandle rows, const std::vector<std::string>& properties, Wmi
 }
 
 void wmi_close(WmiHandle handle) {
-  cursors.erase(handle);
+  desktop.wmi_cursors.erase(handle);
 }
 
 }  // namespace platform

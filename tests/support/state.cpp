@@ -1,0 +1,60 @@
+#include "tests/support/state.h"
+
+#include "buffer/edit.h"
+#include "device/kernel32.h"
+#include "device/wmi.h"
+#include "disk/counters.h"
+#include "disk/drive.h"
+#include "disk/progress.h"
+#include "disk/volume.h"
+#include "eventlog/event_log.h"
+#include "form/asked.h"
+#include "form/form1.h"
+#include "form/output.h"
+#include "form/progress_line.h"
+#include "measure/measure.h"
+#include "ops/frame.h"
+#include "ops/operations.h"
+#include "ops/random_choices.h"
+#include "ops/visit.h"
+#include "pictures/panel.h"
+#include "platform/headless/headless.h"
+#include "results/csv_rows.h"
+#include "results/results.h"
+#include "smart/compare.h"
+#include "smart/identification.h"
+#include "smart/snapshot.h"
+#include "virtualdisk/state.h"
+
+void reset_program() {
+  asked = {};
+  comparison = {};
+  counters = {};
+  csv_rows = {};
+  disk = {};
+  editor = {};
+  event_log = {};
+  form1 = {};
+  frame = {};
+  identification = {};
+  kernel32::state = {};
+  lost_places = {};
+  measure = {};
+  output = {};
+  panel = {};
+  progress = {};
+  progress_line = {};
+  random_numbers = {};
+  random_test = {};
+  results = {};
+  search_run = {};
+  smart = {};
+  volumes = {};
+  wmi::state = {};
+}
+
+void reset_all() {
+  reset_program();
+  virtualdisk::state = {};
+  headless::desktop = {};
+}
