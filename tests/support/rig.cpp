@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "app/program.h"
+#include "form/form1.h"
 #include "tests/support/state.h"
 #include "virtualdisk/virtualdisk.h"
 
@@ -64,6 +65,19 @@ std::uint32_t Rig::start(const std::string& switches) {
 void Rig::open(const std::string& switches) {
   headless::desktop.has_display = true;
   EXPECT_EQ(start(switches), 0U);
+}
+
+std::string Rig::disk_switch(int drive, const std::string& disk_file) {
+  return "/VDISK:" + std::to_string(drive) + "=" + write_file("d" + std::to_string(drive) + ".vd", disk_file) + " ";
+}
+
+void Rig::open_on(const std::string& disk_file) {
+  open(disk_switch(0, disk_file));
+}
+
+void Rig::range(const std::string& start, const std::string& count) {
+  form1.TxtStartLBA.set_text(start);
+  form1.TxtNoSecs.set_text(count);
 }
 
 bool Rig::click(void (*handler)()) {

@@ -18,10 +18,10 @@ class Rig : public ::testing::Test {
   void attach(int drive, const std::string& disk_file);
 
   /// Writes a file into this test's folder and gives its path.
-  std::string write_file(const std::string& name, const std::string& contents);
+  static std::string write_file(const std::string& name, const std::string& contents);
 
   /// A raw image of `sectors` sectors, each filled with its own LBA; gives its path.
-  std::string write_image(const std::string& name, std::int64_t sectors);
+  static std::string write_image(const std::string& name, std::int64_t sectors);
 
   /// The path of a file in this test's folder.
   static std::string path(const std::string& name);
@@ -33,6 +33,15 @@ class Rig : public ::testing::Test {
 
   /// Starts it in interactive use: with a window, without /OP, up to the moment when it waits for the user.
   static void open(const std::string& switches);
+
+  /// The switch that attaches a disk made from `disk_file`, which lies in this test's folder as "d<drive>.vd".
+  static std::string disk_switch(int drive, const std::string& disk_file);
+
+  /// Opens the program on drive 0, made from `disk_file`.
+  static void open_on(const std::string& disk_file);
+
+  /// What stands in the fields of the range.
+  static void range(const std::string& start, const std::string& count);
 
   /// Calls a handler as a click does; gives true when it ended the process.
   static bool click(void (*handler)());

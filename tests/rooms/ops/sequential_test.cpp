@@ -18,15 +18,7 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-class SequentialRead : public Rig {
- protected:
-  /// Opens the program on drive 0, made from `disk_file`.
-  void open_on(const std::string& disk_file) { open("/VDISK:0=" + write_file("d.vd", disk_file)); }
-  static void range(const std::string& start, const std::string& count) {
-    form1.TxtStartLBA.set_text(start);
-    form1.TxtNoSecs.set_text(count);
-  }
-};
+class SequentialRead : public Rig {};
 
 TEST_F(SequentialRead, ReadsTheWholeDiskAndEndsWithTotals) {
   open_on("sectors 20000\nserial S1\n");
@@ -131,7 +123,7 @@ TEST_F(SequentialRead, ACommandBehindADriveButtonWaitsForTheSelection) {
 }
 
 TEST_F(SequentialRead, WhatTheUserTypedOutranksTheCommandLinesRange) {
-  open("/START:7 /COUNT:3 /VDISK:0=" + write_file("d.vd", "sectors 1000\n"));
+  open("/START:7 /COUNT:3 " + disk_switch(0, "sectors 1000\n"));
   form1.TxtStartLBA.set_typed("100");
   form1.TxtNoSecs.set_typed("5");
   range_typed();

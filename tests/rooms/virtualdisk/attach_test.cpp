@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "tests/virtualdisk/bench.h"
+#include "tests/rooms/virtualdisk/bench.h"
 #include "virtualdisk/content.h"
 
 namespace virtualdisk {
@@ -148,7 +148,7 @@ TEST_F(DemoTest, HasAPartitionTableAndTextToFind) {
 }
 
 TEST_F(DemoTest, IsTheSampleThatIsShipped) {
-  std::ifstream sample(std::filesystem::path(__FILE__).parent_path() / "../../examples/practice.vd", std::ios::binary);
+  std::ifstream sample(std::filesystem::path(__FILE__).parent_path() / "../../../examples/practice.vd", std::ios::binary);
   EXPECT_EQ(demo_text(), std::string(std::istreambuf_iterator<char>(sample), {}));
 }
 

@@ -23,8 +23,6 @@ using ::testing::StartsWith;
 
 class RandomTests : public Rig {
  protected:
-  void open_on(const std::string& disk_file) { open("/VDISK:0=" + write_file("d.vd", disk_file)); }
-
   /// Runs a test from its button, with these answers to its questions.
   static void press(void (*handler)(), std::deque<std::string> answers) {
     headless::desktop.answers = std::move(answers);
@@ -88,7 +86,7 @@ TEST_F(RandomTests, AnswersAreAskedForUntilTheyAreNumbers) {
 }
 
 TEST_F(RandomTests, TheCommandLineGivesPassesAndSectors) {
-  const std::string disk = "/VDISK:0=" + write_file("d.vd", "sectors 1000000\n") + " /D:0 ";
+  const std::string disk = disk_switch(0, "sectors 1000000\n") + "/D:0 ";
   EXPECT_EQ(start(disk + "/OP:RANDOMREAD /PASSES:7 /COUNT:16065"), 0U);
   EXPECT_THAT(out(), HasSubstr("Random disk read 16065 sectors per operation, 7 passes on drive 0\r\n"));
   EXPECT_EQ(start(disk + "/OP:RANDOMWRITE"), 0U);
@@ -103,7 +101,7 @@ TEST_F(RandomTests, ADiskNoLargerThanAVisitIsLeftAlone) {
   press(CmdRnd_Click, {"5", "1000"});
   EXPECT_THAT(form1.Text1.text(), StartsWith("The disk has 1000 sectors, a visit 1000: nothing was done.\r\n"));
   EXPECT_EQ(counters.Sectors_Done, 0);
-  EXPECT_EQ(start("/VDISK:0=" + path("d.vd") + " /D:0 /OP:RANDOMREAD"), 1U) << "a caller must not think it was tested";
+  EXPECT_EQ(start("/VDISK:0=" + path("d0.vd") + " /D:0 /OP:RANDOMREAD"), 1U) << "a caller must not think it was tested";
 }
 
 TEST_F(RandomTests, AVisitLargerThanATransferIsRefusedWithoutItsMemory) {
@@ -140,8 +138,8 @@ TEST_F(RandomTests, APlaceThatCannotBeReadIsNotWritten) {
 
 TEST_F(RandomTests, WhatCannotBeWrittenBackIsSavedAndNamedLast) {
   write_image("a.img", 4096);
-  write_file("d.vd", "image a.img\nserial A/7\nfail write 0 4096\n");
-  EXPECT_NE(start("/VDISK:0=" + path("d.vd") + " /D:0 /OP:RANDOMWRITE /PASSES:1 /COUNT:2 /REPORT:" + path("r.txt")),
+  write_file("d0.vd", "image a.img\nserial A/7\nfail write 0 4096\n");
+  EXPECT_NE(start("/VDISK:0=" + path("d0.vd") + " /D:0 /OP:RANDOMWRITE /PASSES:1 /COUNT:2 /REPORT:" + path("r.txt")),
             0U);
   const std::string report = read_file(path("r.txt"));
   const std::string last = lines_with(report, "Former contents").back();

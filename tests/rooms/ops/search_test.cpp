@@ -21,7 +21,7 @@ class DiskSearch : public Rig {
     std::string contents(static_cast<std::size_t>(sectors * kSectorSize), '\0');
     contents.replace(at, text.size(), text);
     write_file("a.img", contents);
-    open("/VDISK:0=" + write_file("d.vd", "image a.img\n" + directives));
+    open_on("image a.img\n" + directives);
     headless::desktop.answers.push_back(search_string);
     click(CmdFind_Click);
   }
@@ -64,7 +64,7 @@ TEST_F(DiskSearch, WhatAShortLastChunkDoesNotHoldIsNotFound) {
 }
 
 TEST_F(DiskSearch, ABadPrefixIsAskedAgainAndBadHexToldOnce) {
-  open("/VDISK:0=" + write_file("d.vd", "sectors 100\n"));
+  open_on("sectors 100\n");
   headless::desktop.answers = {"xyz", "OK", "H05 3", "OK"};
   click(CmdFind_Click);
   ASSERT_EQ(headless::desktop.boxes.size(), 4U);

@@ -15,7 +15,7 @@
 namespace {
 
 std::filesystem::path data(const std::string& name) {
-  return std::filesystem::path(__FILE__).parent_path() / "../real_drives" / name;
+  return std::filesystem::path(__FILE__).parent_path() / "../../real_drives" / name;
 }
 
 /// A page as the drive sent it, from its text: words of four digits, low byte first, or bytes of two.

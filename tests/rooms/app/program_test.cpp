@@ -17,12 +17,7 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-class Program : public Rig {
- protected:
-  std::string disk_switch(int drive, const std::string& disk_file) {
-    return "/VDISK:" + std::to_string(drive) + "=" + write_file("d" + std::to_string(drive) + ".vd", disk_file) + " ";
-  }
-};
+class Program : public Rig {};
 
 TEST_F(Program, StartsOnDriveZeroWithTheInstructions) {
   open(disk_switch(0, "sectors 1000000\nmodel Plain Disk\n"));

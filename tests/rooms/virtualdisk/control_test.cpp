@@ -6,7 +6,7 @@
 #include <numeric>
 
 #include "platform/bytes.h"
-#include "tests/virtualdisk/bench.h"
+#include "tests/rooms/virtualdisk/bench.h"
 
 namespace virtualdisk {
 namespace {

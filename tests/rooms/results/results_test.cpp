@@ -42,9 +42,8 @@ class ResultsTest : public Rig {
   static std::string files() {
     return " /CSV:" + path("r.csv") + " /JSON:" + path("r.json") + " /GRAPH:" + path("r.svg") + " ";
   }
-  std::string disk_switch(const std::string& disk_file) {
-    return "/VDISK:0=" + write_file("d0.vd", disk_file) + " /D:0 ";
-  }
+  /// Drive 0, made from `disk_file`, and the switch that names it.
+  static std::string drive_0(const std::string& disk_file) { return disk_switch(0, disk_file) + "/D:0 "; }
   static std::vector<Row> rows() {
     std::istringstream lines(read_file(path("r.csv")));
     std::vector<Row> all;
@@ -134,9 +133,9 @@ TEST_F(ResultsTest, TheDocumentTellsTheWholeRun) {
                                               {"RecordNumber", "77"},
                                               {"EventType", "1"},
                                               {"Message", "Bad block\r\n\"disk\" \xE4"}}}}};
-  EXPECT_EQ(start(disk_switch("sectors 1000\nmodel A<b>&\"c\"\nserial S-1\n") + "/OP:RANDOMREAD /PASSES:5 /COUNT:8" +
-                  files()),
-            1U);
+  EXPECT_EQ(
+      start(drive_0("sectors 1000\nmodel A<b>&\"c\"\nserial S-1\n") + "/OP:RANDOMREAD /PASSES:5 /COUNT:8" + files()),
+      1U);
   const json result = document();
   EXPECT_EQ(result["format_version"], 1);
   EXPECT_THAT(result["command_line"].get<std::string>(), HasSubstr("/OP:RANDOMREAD"));
@@ -155,7 +154,7 @@ TEST_F(ResultsTest, TheDocumentTellsTheWholeRun) {
 }
 
 TEST_F(ResultsTest, EveryStepOfARandomWriteHasItsRow) {
-  start(disk_switch("sectors 1000\n") + "/OP:RANDOMWRITE /PASSES:2 /COUNT:8" + files());
+  start(drive_0("sectors 1000\n") + "/OP:RANDOMWRITE /PASSES:2 /COUNT:8" + files());
   std::vector<std::string> operations;
   for (const Row& row : rows()) operations.push_back(row.operation);
   EXPECT_THAT(operations, ElementsAre("read", "write", "verify", "restore", "read", "write", "verify", "restore"));
@@ -183,7 +182,7 @@ TEST_F(ResultsTest, NamesOfDevicesAndFoldersAreRefusedBeforeAnythingIsWritten) {
     EXPECT_THAT(why_no_file(name), testing::StartsWith("is a ")) << name;
   }
   EXPECT_EQ(why_no_file("c:\\com10\\console.csv"), "");
-  const std::string disk = disk_switch("sectors 10\n") + "/OP:READ /REPORT:" + path("r.txt");
+  const std::string disk = drive_0("sectors 10\n") + "/OP:READ /REPORT:" + path("r.txt");
   EXPECT_EQ(start(disk + " /CSV:" + path("")), 1U);
   std::filesystem::create_directories(path("folder"));
   EXPECT_EQ(start(disk + " /JSON:" + path("folder")), 1U);
@@ -193,7 +192,7 @@ TEST_F(ResultsTest, NamesOfDevicesAndFoldersAreRefusedBeforeAnythingIsWritten) {
   EXPECT_THAT(err(), HasSubstr("is named twice"));
   EXPECT_EQ(start(disk + " /CSV:" + path("one.tmp") + " /JSON:" + path("one")), 1U) << "the name while it is written";
   write_file("old.tmp", "an old report");
-  EXPECT_EQ(start(disk_switch("sectors 10\n") + "/OP:READ /REPORT:" + path("old.tmp") + " /CSV:" + path("old")), 1U);
+  EXPECT_EQ(start(drive_0("sectors 10\n") + "/OP:READ /REPORT:" + path("old.tmp") + " /CSV:" + path("old")), 1U);
   EXPECT_EQ(read_file(path("old.tmp")), "an old report") << "a refused run touches nothing";
   EXPECT_EQ(start(disk + " /CSV:" + path("d0.vd")), 1U);
   EXPECT_THAT(err(), HasSubstr("is a virtual disk of this run"));
@@ -202,7 +201,7 @@ TEST_F(ResultsTest, NamesOfDevicesAndFoldersAreRefusedBeforeAnythingIsWritten) {
   for (const char* name : {"page.bin", "other.vd"}) {
     const std::string contents = read_file(path(name));
     for (const char* output : {" /REPORT:", " /VARS:", " /CSV:", " /JSON:"}) {
-      EXPECT_EQ(start(disk_switch("sectors 10\nidentify page.bin\n") + "/OP:READ" + output + path(name)), 1U) << output;
+      EXPECT_EQ(start(drive_0("sectors 10\nidentify page.bin\n") + "/OP:READ" + output + path(name)), 1U) << output;
       EXPECT_EQ(read_file(path(name)), contents) << output;
     }
   }
@@ -264,12 +263,12 @@ TEST_F(ResultsTest, NoFileOrConsoleIsWaitedForDuringAVisit) {
 
 TEST_F(ResultsTest, TheTemporaryFileOfAFormerRunStays) {
   write_file("r.csv.tmp", "all that is left");
-  start(disk_switch("sectors 10\n") + "/OP:READ" + files());
+  start(drive_0("sectors 10\n") + "/OP:READ" + files());
   EXPECT_EQ(rows().size(), 1U);
   EXPECT_EQ(read_file(path("r.csv.tmp")), "all that is left");
   EXPECT_FALSE(exists("r.csv.tmp2"));
   for (int number = 2; number <= 9; ++number) write_file("r.csv.tmp" + std::to_string(number), "more");
-  EXPECT_EQ(start(disk_switch("sectors 10\n") + "/OP:READ" + files()), 1U);
+  EXPECT_EQ(start(drive_0("sectors 10\n") + "/OP:READ" + files()), 1U);
   EXPECT_THAT(err(), HasSubstr("r.csv.tmp9\": error 80"));
 }
 
@@ -292,13 +291,13 @@ TEST_F(ResultsTest, LeavingInTheMiddleLeavesNoHalfFile) {
     half_written = exists("r.csv.tmp");
     CmdExit_Click();
   };
-  start(disk_switch("sectors 1000\n") + "/OP:RANDOMREAD /PASSES:3000 /COUNT:1" + files());
+  start(drive_0("sectors 1000\n") + "/OP:RANDOMREAD /PASSES:3000 /COUNT:1" + files());
   EXPECT_TRUE(half_written);
   for (const char* name : {"r.csv", "r.csv.tmp", "r.json", "r.json.tmp", "r.svg"}) EXPECT_FALSE(exists(name)) << name;
 }
 
 TEST_F(ResultsTest, EachOperationOfTheWindowReplacesTheFiles) {
-  open(disk_switch("sectors 100000\n") + files());
+  open(drive_0("sectors 100000\n") + files());
   click(CmdRead_Click);
   EXPECT_EQ(document()["operation"]["sectors"], 100000);
   form1.TxtNoSecs.set_typed("7");

@@ -14,7 +14,7 @@ using ::testing::HasSubstr;
 class LongRun : public Rig {
  protected:
   std::uint32_t run_on(const std::string& disk_file, const std::string& switches) {
-    return start("/VDISK:0=" + write_file("d.vd", disk_file) + " /D:0 " + switches);
+    return start(disk_switch(0, disk_file) + "/D:0 " + switches);
   }
 };
 
@@ -29,7 +29,7 @@ TEST_F(LongRun, TwentyTerabytesAreAddressedToTheLastSector) {
 }
 
 TEST_F(LongRun, CountsPassThirtyTwoBits) {
-  open("/VDISK:0=" + write_file("d.vd", "sectors 39062500000\n"));
+  open_on("sectors 39062500000\n");
   headless::desktop.keeps_calls = false;
   headless::desktop.at_pump = [](int) {
     if (counters.Sectors_Done == 20480) counters.Sectors_Done = 9'000'000'000;

@@ -32,10 +32,6 @@ class Writing : public Rig {
     return read_file(path("a.img")).substr(static_cast<std::size_t>(lba * kSectorSize), kSectorSize);
   }
   bool untouched() const { return read_file(path("a.img")) == pristine_; }
-  static void range(const std::string& start, const std::string& count) {
-    form1.TxtStartLBA.set_text(start);
-    form1.TxtNoSecs.set_text(count);
-  }
 
   std::string pristine_;
 };

@@ -56,7 +56,7 @@ class NothingLost : public Rig, public ::testing::WithParamInterface<WriteTest> 
 
   /// A run of `passes` passes on the image.
   void visit(int passes, const std::string& directives = "", void (*told)(const Transfer&) = nullptr) {
-    open("/VDISK:0=" + write_file("d.vd", "image a.img\n" + directives));
+    open_on("image a.img\n" + directives);
     headless::desktop.answers = {std::to_string(passes)};
     for (const std::string& answer : GetParam().answers) headless::desktop.answers.push_back(answer);
     headless::desktop.pumps = 0;

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/virtualdisk/bench.h"
+#include "tests/rooms/virtualdisk/bench.h"
 
 namespace virtualdisk {
 namespace {
