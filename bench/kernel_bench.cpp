@@ -15,9 +15,9 @@
 #include <vector>
 
 #include "buffer/hex_view.h"
-#include "platform/units.h"
 #include "buffer/pattern.h"
 #include "buffer/search_kernels.h"
+#include "platform/units.h"
 
 namespace {
 

@@ -171,9 +171,9 @@ const Command* command_named(std::string_view name) {
 }
 
 void run_command(std::string_view name) {
-  if (form1.CommandRunning) return;
+  if (form1.command_running) return;
   const Command& command = *command_named(name);
-  form1.CommandRunning = true;
+  form1.command_running = true;
   platform::begin_command();
   begin_results(program_version(), command.unmeasured_name);
   if (command.alone != nullptr) {
@@ -184,8 +184,8 @@ void run_command(std::string_view name) {
   end_measuring(form1.MyCancel);
   finish_results();
   unlock_buttons();
-  form1.CommandRunning = false;
-  if (form1.PendingDrive == kNoDrive) return;
-  form1.PendingDrive = kNoDrive;
+  form1.command_running = false;
+  if (form1.pending_drive == kNoDrive) return;
+  form1.pending_drive = kNoDrive;
   select_drive_keeping_text();
 }

@@ -17,7 +17,7 @@ constexpr const char* kDriveTip = "Select the desired disk (as detected by Windo
 
 // A row for drive button `number`; only the first carries the tool tip.
 Control drive_button(const char* name, const char* caption, std::size_t drive, void (*on_click)()) {
-  return {name,    ControlKind::option, caption, drive == 0 ? kDriveTip : "", &form1.Options.at(drive), on_click,
+  return {name,    ControlKind::option, caption, drive == 0 ? kDriveTip : "", &form1.options.at(drive), on_click,
           nullptr, WhileBusy::stays};
 }
 
@@ -98,6 +98,6 @@ const std::array<Control, kControlCount> kControls = {{
 
 platform::WindowTable main_window() {
   return {&form1.Caption, kControls,  place_controls, kFirstSize,
-          kLeastSize,     kWholeSize, Form_Unload,    static_cast<std::size_t>(ControlId::cmdCancel),
+          kLeastSize,     kWholeSize, window_closed,  static_cast<std::size_t>(ControlId::cmdCancel),
           progress_share};
 }

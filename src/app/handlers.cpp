@@ -35,17 +35,17 @@ void option_click(int drive) {
   form1.RangeEdited = false;
   show_option(drive);
   // A command pressed behind this button does not begin before the drive is selected.
-  const bool during_command = form1.CommandRunning;
-  form1.CommandRunning = true;
+  const bool during_command = form1.command_running;
+  form1.command_running = true;
   platform::pump_events();
-  form1.CommandRunning = during_command;
+  form1.command_running = during_command;
   if (!during_command) {
-    form1.PendingDrive = kNoDrive;
+    form1.pending_drive = kNoDrive;
     SelectDrive();
   } else if (in_batch()) {
     output.ExitCode = kCancelled;  // a run is of one drive: it ends here
   } else {
-    form1.PendingDrive = drive;
+    form1.pending_drive = drive;
   }
 }
 
@@ -143,7 +143,7 @@ void CmdExit_Click() {
   ExitProgram();
 }
 
-void Form_Unload() {
+void window_closed() {
   close_drive();
   close_report();
   abandon_results();

@@ -52,7 +52,7 @@ void cmdCancel_Click();
 void CmdExit_Click();
 
 /// The user closes the window: as CmdExit_Click, the drive and the report closed first.
-void Form_Unload();
+void window_closed();
 
 /// Control-C: stops the running command as Cancel does, but stays in command-line mode.
 void console_cancel();

@@ -42,7 +42,7 @@ std::string version_line() {
 
 /// Switching an option on runs its handler; one that is on already stays as it is.
 void switch_on(int drive) {
-  if (!form1.Options.at(static_cast<std::size_t>(drive)).on()) option_click(drive);
+  if (!form1.options.at(static_cast<std::size_t>(drive)).on()) option_click(drive);
 }
 
 /// Every drive that the command line names is selected in turn, so the highest number stays.

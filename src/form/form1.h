@@ -16,7 +16,7 @@ struct Form1 {
   platform::Field TxtCurrent;   // LBA being worked on
   platform::Field TxtPattern;   // fill pattern, hex
   platform::Field LblStart{platform::Field::with_text("Start Block (0-n)")};
-  std::array<platform::Field, kDriveCount> Options;  // Option1 to Option8: drive 0 to 7
+  std::array<platform::Field, kDriveCount> options;  // Option1 to Option8: drive 0 to 7
 
   bool MyCancel = false;         // every loop of transfers stops at its next test of it
   bool RangeEdited = false;      // the user touched the range: a drive selection keeps it
@@ -24,8 +24,8 @@ struct Form1 {
   bool CommandLineMode = false;  // "/D:" was on the command line: no questions, report output is written
   bool OsIsNT = false;           // what the system said it is; nothing is gated on it
   std::uint32_t OsMajorVersion = 0;
-  bool CommandRunning = false;
-  int PendingDrive = kNoDrive;  // pressed while a command ran; selected when it has ended
+  bool command_running = false;
+  int pending_drive = kNoDrive;  // pressed while a command ran; selected when it has ended
 };
 
 inline Form1 form1;

@@ -12,9 +12,9 @@
 
 void select_drive_keeping_text() {
   identification.Drive_Sectors = 0;
-  auto* const chosen = std::find_if(form1.Options.begin(), form1.Options.end(),
+  auto* const chosen = std::find_if(form1.options.begin(), form1.options.end(),
                                     [](const platform::Field& option) { return option.on(); });
-  if (chosen != form1.Options.end()) form1.SelectedDrive = static_cast<int>(chosen - form1.Options.begin());
+  if (chosen != form1.options.end()) form1.SelectedDrive = static_cast<int>(chosen - form1.options.begin());
   GetandOpenDrive();
   const bool found = Check_drv(form1.SelectedDrive);
   const std::int64_t sectors = identification.Drive_Sectors;
@@ -38,7 +38,7 @@ void SelectDrive() {
 }
 
 void show_option(int drive) {
-  for (int i = 0; i < kDriveCount; ++i) form1.Options.at(static_cast<std::size_t>(i)).set_on(i == drive);
+  for (int i = 0; i < kDriveCount; ++i) form1.options.at(static_cast<std::size_t>(i)).set_on(i == drive);
 }
 
 std::int64_t take_range() {

@@ -78,7 +78,7 @@ void on_hover(const Point* pointer) {
 
 void on_double_click(Point place) {
   const std::optional<PixelColumn> stretch = stretch_at(place);
-  if (!stretch || form1.CommandRunning) return;
+  if (!stretch || form1.command_running) return;
   form1.TxtStartLBA.set_text(std::to_string(stretch->first_lba));
   form1.RangeEdited = true;  // as typing it does
 }

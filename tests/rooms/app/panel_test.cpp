@@ -129,7 +129,7 @@ TEST_F(PanelPicture, HoveringTellsAndADoubleClickTakesTheStart) {
 TEST_F(PanelPicture, ARunningCommandKeepsItsStart) {
   read_practice_disk();
   painted();
-  form1.CommandRunning = true;
+  form1.command_running = true;
   kPanelPicture.on_double_click(in_plot(0.5));
   EXPECT_EQ(form1.TxtStartLBA.text(), "0");
 }

@@ -29,7 +29,7 @@ TEST_F(Program, StartsOnDriveZeroWithTheInstructions) {
   EXPECT_EQ(form1.TxtNoSecs.text(), "1000000");
   EXPECT_EQ(form1.LblStart.text(), "Start (0-999999)");
   EXPECT_FALSE(form1.CommandLineMode);
-  EXPECT_TRUE(form1.Options[0].on());
+  EXPECT_TRUE(form1.options[0].on());
 }
 
 TEST_F(Program, AMissingDriveIsNoErrorAtStartUp) {
@@ -42,8 +42,8 @@ TEST_F(Program, AMissingDriveIsNoErrorAtStartUp) {
 TEST_F(Program, TheHighestNamedDriveStaysAndOtherDigitsMeanDriveZero) {
   open(disk_switch(1, "sectors 10\n") + disk_switch(3, "sectors 30\n") + "/D:3 /d:1");
   EXPECT_EQ(form1.SelectedDrive, 3);
-  EXPECT_TRUE(form1.Options[3].on());
-  EXPECT_FALSE(form1.Options[1].on());
+  EXPECT_TRUE(form1.options[3].on());
+  EXPECT_FALSE(form1.options[1].on());
 }
 
 TEST_F(Program, AnUnknownDigitSelectsDriveZeroInCommandLineMode) {

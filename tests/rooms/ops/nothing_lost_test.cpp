@@ -149,7 +149,7 @@ TEST_P(NothingLost, EveryInterruptionAtEveryPumpLeavesTheDiskWhole) {
   const std::vector<std::pair<const char*, std::function<void()>>> interruptions = {
       {"Cancel", cmdCancel_Click},
       {"Exit", CmdExit_Click},
-      {"closing", Form_Unload},
+      {"closing", window_closed},
       {"another drive", Option3_Click},
       {"Control-C", headless::press_control_c},
       {"a closing console", headless::close_console}};

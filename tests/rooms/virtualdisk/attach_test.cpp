@@ -148,7 +148,8 @@ TEST_F(DemoTest, HasAPartitionTableAndTextToFind) {
 }
 
 TEST_F(DemoTest, IsTheSampleThatIsShipped) {
-  std::ifstream sample(std::filesystem::path(__FILE__).parent_path() / "../../../examples/practice.vd", std::ios::binary);
+  std::ifstream sample(std::filesystem::path(__FILE__).parent_path() / "../../../examples/practice.vd",
+                       std::ios::binary);
   EXPECT_EQ(demo_text(), std::string(std::istreambuf_iterator<char>(sample), {}));
 }
 
