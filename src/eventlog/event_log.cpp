@@ -24,9 +24,9 @@ struct Events {
 };
 
 const std::vector<std::string>& properties() {
-  static const std::vector<std::string> kNames = {"TimeWritten", "RecordNumber", "EventCode", "Category",
-                                                  "EventType",   "SourceName",   "Message",   "Logfile"};
-  return kNames;
+  static const std::vector<std::string> names = {"TimeWritten", "RecordNumber", "EventCode", "Category",
+                                                 "EventType",   "SourceName",   "Message",   "Logfile"};
+  return names;
 }
 
 int digits_at(std::string_view text, std::size_t at, std::size_t length) {

@@ -4,8 +4,6 @@
 
 /// What the window's controls choose: the drive and the range.
 
-#include <cstdint>
-
 /// Selects the drive whose option is on: opens and identifies it, shows its size in the status line and the label of
 /// the start field, and fills the range with the whole disk unless the user edited it. A missing drive is told in the
 /// status. The status becomes the text of Text1.

@@ -22,12 +22,12 @@ struct OutputName {
 };
 
 const std::array<OutputName, 5>& outputs() {
-  static const std::array<OutputName, 5> kNames = {{{"/REPORT", &asked.report, false},
-                                                    {"/VARS", &asked.vars, false},
-                                                    {"/CSV", &asked.csv, true},
-                                                    {"/JSON", &asked.json, true},
-                                                    {"/GRAPH", &asked.graph, true}}};
-  return kNames;
+  static const std::array<OutputName, 5> names = {{{"/REPORT", &asked.report, false},
+                                                   {"/VARS", &asked.vars, false},
+                                                   {"/CSV", &asked.csv, true},
+                                                   {"/JSON", &asked.json, true},
+                                                   {"/GRAPH", &asked.graph, true}}};
+  return names;
 }
 
 /// The code with which opening the file for writing fails; 0 also where there is none yet.

@@ -84,19 +84,19 @@ struct Desktop {
   int open_files = 0;
   int commands_begun = 0;
   int commands_ended = 0;
+  std::uint32_t last_error = 0;
   bool held = false;  // between hold_shutdown and allow_shutdown
   bool keeps_calls = true;
   bool keeps_events = false;
+  bool cancel_pressed = false;  // and not yet handled
+  bool close_pressed = false;
   std::vector<std::string> events;  // calls, boxes, queries, output and commands, in one order
 
   // Between the calls.
-  std::uint32_t last_error = 0;
   std::map<platform::WmiHandle, WmiCursor> wmi_cursors;
   platform::WmiHandle next_wmi_rows = 2;
   void (*cancel_watcher)() = nullptr;
   void (*exit_watcher)() = nullptr;
-  bool cancel_pressed = false;
-  bool close_pressed = false;
 };
 
 inline Desktop desktop;

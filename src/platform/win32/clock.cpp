@@ -37,7 +37,7 @@ struct Anchor {
   double elapsed() const { return static_cast<double>(ticks() - start) * tick; }
 };
 
-const Anchor anchor;
+const Anchor kAnchor;
 
 DateTime from_system(const SYSTEMTIME& time) {
   return {time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond};
@@ -58,13 +58,13 @@ SYSTEMTIME to_system(const DateTime& when) {
 
 double seconds_since_midnight() {
   constexpr double kDay = 86400.0;
-  const double seconds = anchor.midnight_seconds + anchor.elapsed();
+  const double seconds = kAnchor.midnight_seconds + kAnchor.elapsed();
   // The C library's fmod costs as much as the look at the clock.
   return seconds < kDay ? seconds : std::fmod(seconds, kDay);
 }
 
 double steady_seconds() {
-  return anchor.elapsed();
+  return kAnchor.elapsed();
 }
 
 std::uint64_t coarse_milliseconds() {
@@ -94,9 +94,9 @@ std::string default_form(const DateTime& when) {
 
 void wait(double seconds) {
   constexpr double kTimerTick = 0.016;  // Sleep may be late by this much
-  const double end = anchor.elapsed() + seconds;
+  const double end = kAnchor.elapsed() + seconds;
   if (seconds > kTimerTick) ::Sleep(static_cast<DWORD>((seconds - kTimerTick) * 1000.0));
-  while (anchor.elapsed() < end) ::SwitchToThread();
+  while (kAnchor.elapsed() < end) ::SwitchToThread();
 }
 
 }  // namespace platform
