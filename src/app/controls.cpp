@@ -3,6 +3,7 @@
 #include <array>
 
 #include "app/handlers.h"
+#include "app/waiting.h"
 #include "form/form1.h"
 #include "pictures/panel.h"
 #include "pictures/progress_bar.h"
@@ -11,19 +12,28 @@ namespace {
 
 using platform::Control;
 using platform::ControlKind;
+using platform::Stops;
 using platform::WhileBusy;
 
 constexpr const char* kDriveTip = "Select the desired disk (as detected by Windows)";
 
 // A row for drive button `number`; only the first carries the tool tip.
 Control drive_button(const char* name, const char* caption, std::size_t drive, void (*on_click)()) {
-  return {name,    ControlKind::option, caption, drive == 0 ? kDriveTip : "", &form1.options.at(drive), on_click,
-          nullptr, WhileBusy::stays};
+  return {name,
+          ControlKind::option,
+          caption,
+          drive == 0 ? kDriveTip : "",
+          &form1.options.at(drive),
+          on_click,
+          nullptr,
+          WhileBusy::stays,
+          nullptr,
+          Stops::command};
 }
 
 Control button(const char* name, const char* caption, const char* tool_tip, void (*on_click)(),
-               WhileBusy while_busy = WhileBusy::disabled) {
-  return {name, ControlKind::button, caption, tool_tip, nullptr, on_click, nullptr, while_busy};
+               WhileBusy while_busy = WhileBusy::disabled, Stops stops = Stops::nothing) {
+  return {name, ControlKind::button, caption, tool_tip, nullptr, on_click, nullptr, while_busy, nullptr, stops};
 }
 
 Control label(const char* name, const char* caption, platform::Field* field = nullptr) {
@@ -72,9 +82,9 @@ const std::array<Control, kControlCount> kControls = {{
            "Random Write test over entire disk (Non-destructive but use with caution)", CmdRnd_Click),
     button("CmdSlowRate", "Set Slow Xfer &Limit", "Set the level at which a \"slow transfer\" is detected",
            CmdSlowRate_Click, WhileBusy::stays),
-    button("cmdCancel", "&Cancel", "Cancel the current command", cmdCancel_Click, WhileBusy::stays),
+    button("cmdCancel", "&Cancel", "Cancel the current command", cmdCancel_Click, WhileBusy::stays, Stops::command),
     button("CmdHelp", "&Help", "Display command line usage", CmdHelp_Click, WhileBusy::stays),
-    button("CmdExit", "E&xit", "Quit this application", CmdExit_Click, WhileBusy::stays),
+    button("CmdExit", "E&xit", "Quit this application", CmdExit_Click, WhileBusy::stays, Stops::program),
     {"Frame1", ControlKind::frame, "  Sector Edit Functions ", "", nullptr, nullptr, nullptr, WhileBusy::stays},
     button("CmdDisplay", "&Display and Edit Buffer", "Display the buffer contents (first 20 sectors only)",
            CmdDisplay_Click),
@@ -97,7 +107,16 @@ const std::array<Control, kControlCount> kControls = {{
 }  // namespace
 
 platform::WindowTable main_window() {
-  return {&form1.Caption, kControls,  place_controls, kFirstSize,
-          kLeastSize,     kWholeSize, window_closed,  static_cast<std::size_t>(ControlId::cmdCancel),
-          progress_share};
+  return {.caption = &form1.Caption,
+          .controls = kControls,
+          .layout = place_controls,
+          .first = kFirstSize,
+          .least = kLeastSize,
+          .whole = kWholeSize,
+          .on_close = window_closed,
+          .cancel = static_cast<std::size_t>(ControlId::cmdCancel),
+          .status = static_cast<std::size_t>(ControlId::TxtStatus),
+          .share = progress_share,
+          .waiting = tell_waiting,
+          .leaving = leaving_text};
 }

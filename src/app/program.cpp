@@ -75,6 +75,7 @@ int run_program() {
   if (error.empty()) error = open_outputs();
   if (!error.empty()) return refuse(error);
   if (!in_batch()) platform::release_lone_console();
+  form1.Caption.set_text(version_line());
   const bool has_window = platform::open_window(main_window());
   if (asked.slow) set_slow_rate(*asked.slow);
   // Nothing that is pressed before a run comes before it.

@@ -10,6 +10,9 @@ int run_program();
 /// and the instructions. Goes on past failures of single steps.
 void Form_Load();
 
+/// What the window's caption says.
+std::string version_line();
+
 /// The program's version, as "1.0.0".
 std::string program_version();
 

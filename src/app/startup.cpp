@@ -36,10 +36,6 @@ constexpr const char* kInstructions =
     "\r\nSmart data and any errors are shown at the end of each operation."
     "\r\nSlow transfers on sequential reads will be detected (default=10ms).";
 
-std::string version_line() {
-  return "Sectorix v." + program_version() + " - disk read, write and test";
-}
-
 /// Switching an option on runs its handler; one that is on already stays as it is.
 void switch_on(int drive) {
   if (!form1.options.at(static_cast<std::size_t>(drive)).on()) option_click(drive);
@@ -54,6 +50,10 @@ void select_named_drives() {
 }
 
 }  // namespace
+
+std::string version_line() {
+  return "Sectorix v." + program_version() + " - disk read, write and test";
+}
 
 std::string program_version() {
   return std::to_string(SECTORIX_MAJOR) + "." + std::to_string(SECTORIX_MINOR) + "." +

@@ -80,12 +80,14 @@ void close_drive() {
 bool ReadAt(std::int64_t lba, std::int64_t count) {
   disk.Buf_LBA = lba;
   disk.Buf_Secs = 0;
+  disk.given_up = false;
   if (!may_transfer(lba, count)) return failed(kRefusedTransfer);
   if (!seek(lba)) return failed(kernel32::GetLastError());
   const auto bytes = static_cast<std::uint32_t>(count * kSectorSize);
   std::uint32_t moved = 0;
   const bool read = kernel32::ReadFile(disk.hDrive, disk.Sec_Buf.data(), bytes, &moved);
   disk.Errno = kernel32::GetLastError();
+  disk.given_up = !read && platform::take_given_up();
   if (!read) return false;
   if (moved < bytes) return failed(disk.Errno != 0 ? disk.Errno : kEndOfFile);
   disk.Buf_Secs = moved / kSectorSize;
@@ -94,6 +96,7 @@ bool ReadAt(std::int64_t lba, std::int64_t count) {
 
 bool WriteAt(std::int64_t lba, std::int64_t count) {
   disk.Buf_LBA = lba;
+  disk.given_up = false;
   if (!may_transfer(lba, count)) return failed(kRefusedTransfer);
   if (!seek(lba)) return failed(kernel32::GetLastError());
   const auto bytes = static_cast<std::uint32_t>(count * kSectorSize);

@@ -13,6 +13,7 @@ struct Disk {
   std::int64_t Buf_LBA = 0;       // first LBA of the last transfer asked for
   std::int64_t Buf_Secs = 0;      // sectors that the last transfer moved; 0 after a failed read
   std::uint32_t Errno = 0;        // system error code of the last transfer
+  bool given_up = false;          // the last transfer was a read that the user gave up: nothing is wrong with the disk
   std::uint32_t flush_errno = 0;  // of the flush behind the last write
 };
 

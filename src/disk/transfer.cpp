@@ -73,6 +73,7 @@ bool transfer_once(std::int64_t lba, std::int64_t sectors, bool tells_slow, bool
   progress.XferStart = in_a_row ? progress.XferEnd : platform::seconds_since_midnight();
   const bool done = direction.transfer(lba, sectors);
   progress.XferEnd = platform::seconds_since_midnight();
+  if (disk.given_up) return false;
   measure_transfer({.wrote = direction.writes,
                     .slow = tells_slow && is_slow(sectors, progress.XferEnd - progress.XferStart),
                     .error = done ? 0 : disk.Errno,
@@ -107,6 +108,10 @@ bool transfer_all(std::int64_t* lba, std::int64_t total, std::int64_t per_transf
     }
     const bool done = transfer_once<direction>(*lba, per_transfer, true, in_a_row);
     all_done = done && all_done;
+    if (disk.given_up) {
+      platform::pump_events();  // the presses that gave it up
+      break;
+    }
     progress.in_a_row = events == Events::run && ends_at_once(done);
     Display_Progress(per_transfer, *lba);
     *lba = lba_after(*lba, per_transfer);

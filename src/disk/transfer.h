@@ -8,8 +8,8 @@ enum class Events : std::uint8_t { run, wait };
 
 /// Reads `total` sectors from `*lba` in whole transfers of `per_transfer` sectors; a remainder smaller than one
 /// transfer is not read. Before each transfer pending events run and MyCancel is tested. Each transfer adds to
-/// Sectors_Done and advances `*lba`, failed ones too; a failed one is counted and reported, never retried. True when
-/// all succeeded.
+/// Sectors_Done and advances `*lba`, failed ones too; a failed one is counted and reported, never retried. A read that
+/// the user gives up while it does not come back ends it: that is no failure. True when all succeeded.
 bool Read_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer, Events events = Events::run);
 
 /// The same for writing from the start of Sec_Buf.

@@ -29,10 +29,10 @@ std::string how_far_text() {
 }
 
 /// The status and how far the run is. On a terminal the status gives way, since a line that wraps cannot be rewritten.
-std::string line_text() {
+std::string line_text(const std::string& instead) {
   constexpr std::size_t kTerminalWidth = 79;
   const std::string how = how_far_text();
-  std::string status = form1.TxtStatus.text();
+  std::string status = instead.empty() ? form1.TxtStatus.text() : instead;
   if (progress_line.on_terminal && status.size() + how.size() > kTerminalWidth)
     status.resize(kTerminalWidth - how.size());
   return status + how;
@@ -48,11 +48,15 @@ void begin_progress_line() {
 }
 
 bool show_progress_line() {
+  return show_progress_line({});
+}
+
+bool show_progress_line(const std::string& instead) {
   if (!wanted()) return false;
   const std::uint64_t now = platform::coarse_milliseconds();
   if (now < progress_line.due) return false;
   progress_line.due = now + (progress_line.on_terminal ? kTerminalPause : kPlainPause);
-  const std::string status = line_text();
+  const std::string status = line_text(instead);
   if (!progress_line.on_terminal) {
     platform::write_err(status + "\r\n");
     return true;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 /// The progress of a command-line run on standard error: the status line, rewritten in place on a terminal, a line of
 /// its own every 10 seconds elsewhere. Nothing without /OP or with /QUIET.
@@ -17,8 +18,9 @@ inline ProgressLine progress_line;
 /// Starts the ten seconds anew.
 void begin_progress_line();
 
-/// Shows the status line when it is due; false when it is not.
+/// Shows the status line, or `instead` of it another one, when it is due; false when it is not.
 bool show_progress_line();
+bool show_progress_line(const std::string& instead);
 
 /// Takes the line from the terminal, for another one to be written there; it is shown again when it is due.
 void clear_progress_line();

@@ -57,7 +57,9 @@ std::int64_t ReadSearchSectors(const Search& search, std::int64_t* lba, std::int
     platform::pump_events();
     if (form1.MyCancel) return -1;
     const std::int64_t sectors = std::min(left, chunk);
-    if (read_once(*lba, sectors)) {
+    const bool read = read_once(*lba, sectors);
+    if (disk.given_up) break;
+    if (read) {
       const auto just_read = disk.Sec_Buf.bytes().first(static_cast<std::size_t>(sectors * kSectorSize));
       const std::int64_t match = find_match(search, just_read);
       if (match >= 0) return match;

@@ -55,8 +55,9 @@ ProgressWords progress_words() {
   const HowFar how = how_far(measure);
   const std::string percent = std::to_string(static_cast<int>(how.share * kPercent)) + "%";
   if (!measure.running) return {measure.stopped ? "stopped at " + percent : "finished", {}};
-  return {std::string(phase_text(how.phase)) + " " + percent,
-          how.seconds_left < 0.0 ? std::string() : duration_text(how.seconds_left) + " left"};
+  const std::string what = std::string(phase_text(how.phase)) + " " + percent;
+  if (progress_bar.waiting > 0) return {what, "waiting " + std::to_string(progress_bar.waiting) + " s"};
+  return {what, how.seconds_left < 0.0 ? std::string() : duration_text(how.seconds_left) + " left"};
 }
 
 platform::Share progress_share() {

@@ -4,7 +4,14 @@
 
 #include "platform/window.h"
 
-/// What the bar says: "reading 42%" and "1:05 left" while a command runs, "finished" or "stopped at 42%" after it.
+struct ProgressBar {
+  int waiting = 0;  // whole seconds for which a call has been waited for, from 1 on
+};
+
+inline ProgressBar progress_bar;
+
+/// What the bar says: "reading 42%" and "1:05 left", or "waiting 12 s", while a command runs, "finished" or "stopped at
+/// 42%" after it.
 struct ProgressWords {
   std::string what;
   std::string left;

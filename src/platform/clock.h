@@ -33,7 +33,8 @@ DateTime utc_time();
 /// Date and time in the system's default form for the user, in the ANSI code page.
 std::string default_form(const DateTime& when);
 
-/// Returns after `seconds`; finer than the system's timer tick.
-void wait(double seconds);
+/// Waits as a drive's call does: until `seconds` have passed, finer than the system's timer tick, or, where it `reads`,
+/// until the user gives it up. False when he did.
+bool wait(double seconds, bool reads);
 
 }  // namespace platform

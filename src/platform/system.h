@@ -105,6 +105,9 @@ std::string full_path(const std::string& name);
 /// ("NUL", "com1.csv"; Windows, "Naming Files, Paths, and Namespaces").
 bool names_device(std::string_view name);
 
+/// A read that the user gave up while it did not come back fails with this: ERROR_OPERATION_ABORTED (winerror.h).
+inline constexpr std::uint32_t kGivenUp = 995;
+
 /// Asked before a call that an attached virtual disk is about to answer: the system error with which the call is to
 /// fail, or 0 to let the disk answer. On Windows always 0; the headless platform keeps the call and may fail it, as it
 /// may fail its own, so that a test reaches every error path of a run.

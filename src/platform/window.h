@@ -18,6 +18,9 @@ enum class ControlKind : std::uint8_t { button, option, tab, edit, display, memo
 /// What a control does while a command runs.
 enum class WhileBusy : std::uint8_t { stays, disabled, read_only };
 
+/// What a press on a control stops.
+enum class Stops : std::uint8_t { nothing, command, program };
+
 /// What a control of kind `picture` shows, painted by the program. Places are pixels in the picture.
 struct Picture {
   void (*paint)(Canvas* canvas);
@@ -38,6 +41,7 @@ struct Control {
   void (*on_typed)();    // the user changed the text by typing, pasting or cutting; null for none
   WhileBusy while_busy;
   const Picture* picture = nullptr;
+  Stops stops = Stops::nothing;
 };
 
 /// How far the running command is, as the window's button on the taskbar shows it.
@@ -45,6 +49,14 @@ struct Share {
   double done = 0.0;           // 0 to 1
   bool failed = false;         // something went wrong on the way
   double seconds_left = -1.0;  // -1 while unknown
+};
+
+/// A system call that has not come back yet.
+struct Waiting {
+  double seconds = 0.0;            // since it began
+  Stops pressed = Stops::nothing;  // what a press that waits for its end wants
+  bool can_be_given_up = false;    // a read: Cancel once more gives it up
+  bool holds_other_data = false;   // the disk holds data that are not its own (hold_shutdown)
 };
 
 /// The main window: its controls, where they stand, and what its own events call.
@@ -59,23 +71,33 @@ struct WindowTable {
   Size whole;          // client size that shows everything, in pixels at 96 dpi
   void (*on_close)();  // the user closes the window; does not return (it ends the process)
   std::size_t cancel;  // the row of the button that has the focus while a command runs
+  std::size_t status;  // the row of the status line
   Share (*share)();    // asked while a command runs
+  /// What the status line says while a call does not come back; empty for what its field says.
+  std::string (*waiting)(const Waiting& waiting);
+  /// What a box says when the program is to end and a call that must not be given up has not come back.
+  std::string (*leaving)(const Waiting& waiting);
 };
 
 /// Makes and shows the main window. False when the system has no place for one (no display); the program then runs on
-/// its fields alone.
+/// its fields alone. On Windows it lives on a thread of its own, which ends with the process; what it calls of the
+/// table is called while the program's data stand still, and handlers only from run_window(), pump_events() and
+/// end_command().
 bool open_window(const WindowTable& table);
 
 /// Handles the window's events until it is destroyed. Only after open_window() returned true.
 void run_window();
 
-/// Lets pending events run without waiting for more; turns an interruption from the console into its handler's call. At
-/// most every 10 ms, since asking costs. False when it had nothing to do yet.
+/// Lets the user's presses that wait call their handlers, interruptions from the console too, and lets the window show
+/// what has changed. False when there was nothing to do; that costs a look at two flags.
 bool pump_events();
 
 /// Shows everything as it stands, so that a stretch of work whose time is taken does not begin with that. Handles no
 /// events.
 void show_now();
+
+/// True once behind a read that failed because the user gave it up while it did not come back.
+bool take_given_up();
 
 /// A command begins: fellow commands are disabled, texts become read-only, the focus goes to Cancel. The machine does
 /// not go to sleep until it ends.

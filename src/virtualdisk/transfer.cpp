@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "platform/clock.h"
+#include "platform/system.h"
 #include "platform/units.h"
 #include "virtualdisk/disk.h"
 
@@ -16,16 +17,17 @@ std::uint32_t begin_transfer(VirtualDisk& disk, std::uint64_t offset, std::uint3
   return range->end() > disk.sectors ? kSectorNotFound : 0;
 }
 
-/// Lets the counters see what happened and the time pass that the disk takes, counted from `started`.
-void end_transfer(VirtualDisk& disk, const Range& range, Event event, double started) {
+/// Lets the counters see what happened and the time pass that the disk takes, counted from `started`. False for a read
+/// that the user gave up meanwhile.
+bool end_transfer(VirtualDisk& disk, const Range& range, Event event, double started) {
   bool slow = false;
   const double seconds = disk.faults.takes_time() ? disk.faults.seconds(range, &slow) : 0.0;
   grow(disk.smart, event);
   if (slow) grow(disk.smart, Event::slow);
-  if (seconds <= 0.0) return;
+  if (seconds <= 0.0) return true;
   const double left = seconds - (platform::steady_seconds() - started);
   constexpr double kLongest = 86400.0;  // a day, whatever a disk file says
-  if (left > 0.0) platform::wait(std::min(left, kLongest));
+  return left <= 0.0 || platform::wait(std::min(left, kLongest), event == Event::read || event == Event::read_error);
 }
 
 double start_time(const VirtualDisk& disk) {
@@ -62,8 +64,9 @@ std::uint32_t read_disk(VirtualDisk& disk, std::uint64_t offset, void* buffer, s
     const auto moving = static_cast<std::uint32_t>(disk.faults.sectors_moved(Op::read, range) * kSectorSize);
     code = disk.content.read(offset, buffer, moving, moved);
   }
-  end_transfer(disk, range, code == 0 ? Event::read : Event::read_error, started);
-  return code;
+  if (end_transfer(disk, range, code == 0 ? Event::read : Event::read_error, started)) return code;
+  *moved = 0;
+  return platform::kGivenUp;
 }
 
 std::uint32_t write_disk(VirtualDisk& disk, std::uint64_t offset, const void* buffer, std::uint32_t bytes,

@@ -18,6 +18,7 @@
 #include "ops/random_choices.h"
 #include "ops/visit.h"
 #include "pictures/panel.h"
+#include "pictures/progress_bar.h"
 #include "platform/headless/headless.h"
 #include "results/csv_rows.h"
 #include "results/results.h"
@@ -43,6 +44,7 @@ void reset_program() {
   output = {};
   panel = {};
   progress = {};
+  progress_bar = {};
   progress_line = {};
   random_numbers = {};
   random_test = {};

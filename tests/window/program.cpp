@@ -134,15 +134,16 @@ void Program::access_key(char letter) const {
 HWND Program::focus() const {
   GUITHREADINFO facts{};
   facts.cbSize = sizeof(facts);
-  ::GetGUIThreadInfo(process_.dwThreadId, &facts);
+  ::GetGUIThreadInfo(::GetWindowThreadProcessId(window_, nullptr), &facts);
   return facts.hwndFocus;
 }
 
 void Program::set_focus(HWND control) const {
   const DWORD own = ::GetCurrentThreadId();
-  ::AttachThreadInput(own, process_.dwThreadId, TRUE);
+  const DWORD theirs = ::GetWindowThreadProcessId(window_, nullptr);
+  ::AttachThreadInput(own, theirs, TRUE);
   ::SetFocus(control);
-  ::AttachThreadInput(own, process_.dwThreadId, FALSE);
+  ::AttachThreadInput(own, theirs, FALSE);
   EXPECT_TRUE(wait_until([&] { return focus() == control; }));
 }
 

@@ -39,8 +39,12 @@ std::string default_form(const DateTime& when) {
   return text.data();
 }
 
-void wait(double seconds) {
+bool wait(double seconds, bool reads) {
   headless::pass_time(seconds);
+  if (!reads || !desktop.gives_up_reads || desktop.held) return true;
+  desktop.given_up = true;
+  desktop.cancel_pressed = true;
+  return false;
 }
 
 }  // namespace platform

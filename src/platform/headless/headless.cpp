@@ -1,6 +1,7 @@
 #include "platform/headless/headless.h"
 
 #include <stdexcept>
+#include <utility>
 
 #include "platform/console.h"
 #include "platform/window.h"
@@ -68,6 +69,10 @@ bool pump_events() {
 }
 
 void show_now() {}
+
+bool take_given_up() {
+  return std::exchange(desktop.given_up, false);
+}
 
 void begin_command() {
   headless::note("command begins");

@@ -66,6 +66,10 @@ struct Desktop {
   std::int64_t fail_last = 0;
   std::uint32_t fail_code = 1117;  // ERROR_IO_DEVICE
 
+  // What a user does while a read does not come back: Cancel, twice. In vain while shutdown is held.
+  bool gives_up_reads = false;
+  bool given_up = false;
+
   // The management service.
   std::uint32_t out_fails = 0;  // standard output fails with this code
   bool wmi_absent = false;

@@ -121,8 +121,14 @@ INT_PTR CALLBACK input_procedure(HWND box, UINT message, WPARAM word, LPARAM lon
 
 /// Before a box opens everything is shown as it stands, since the command that asks waits for the answer.
 void before_box() {
-  take_typing();
-  show_fields();
+  hand_over_typing();
+  show_soon();
+}
+
+/// On the window's thread.
+int show_message(const std::string& text, const std::string& title, UINT look) {
+  before_box();
+  return ::MessageBoxA(main_window.window, text.c_str(), title.c_str(), look);
 }
 
 }  // namespace
@@ -132,18 +138,16 @@ namespace platform {
 
 bool message_box(const std::string& text, Buttons buttons, const std::string& title, BoxIcon icon) {
   if (win32::main_window.window == nullptr) return false;
-  win32::before_box();
   // Every question is about writing over something: an Enter held down or pressed twice answers Cancel.
   const UINT shape = buttons == Buttons::ok ? MB_OK : MB_OKCANCEL | MB_DEFBUTTON2;
   const UINT sign = icon == BoxIcon::information ? MB_ICONINFORMATION : 0;
-  const int pressed = ::MessageBoxA(win32::main_window.window, text.c_str(), title.c_str(), shape | sign);
-  win32::take_typing();
+  int pressed = IDCANCEL;
+  win32::ask_window([&] { pressed = win32::show_message(text, title, shape | sign); }, true);
   return pressed == IDOK;
 }
 
 std::string input_box(const std::string& prompt, const std::string& title, const std::string& default_answer) {
   if (win32::main_window.window == nullptr) return {};
-  win32::before_box();
   win32::Question question{prompt, title, default_answer, {}};
   // An empty dialog; its controls are made when it opens. The template is followed by no menu, no class and no title.
   struct alignas(DWORD) Template {
@@ -151,14 +155,18 @@ std::string input_box(const std::string& prompt, const std::string& title, const
     std::array<WORD, 3> none;
   };
   Template blank{{WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | WS_VISIBLE, 0, 0, 0, 0, 10, 10}, {}};
-  const INT_PTR shown = ::DialogBoxIndirectParamA(::GetModuleHandleA(nullptr), &blank.head, win32::main_window.window,
-                                                  win32::input_procedure, reinterpret_cast<LPARAM>(&question));
-  if (shown == -1) {
-    message_box("The question \"" + title + "\" cannot be shown: error " + std::to_string(::GetLastError()) + ".",
-                Buttons::ok, title, BoxIcon::none);
-  }
-  if (question.font != nullptr) ::DeleteObject(question.font);
-  win32::take_typing();
+  const auto ask = [&] {
+    win32::before_box();
+    const INT_PTR shown = ::DialogBoxIndirectParamA(::GetModuleHandleA(nullptr), &blank.head, win32::main_window.window,
+                                                    win32::input_procedure, reinterpret_cast<LPARAM>(&question));
+    if (shown == -1) {
+      win32::show_message(
+          "The question \"" + title + "\" cannot be shown: error " + std::to_string(::GetLastError()) + ".", title,
+          MB_OK);
+    }
+    if (question.font != nullptr) ::DeleteObject(question.font);
+  };
+  win32::ask_window(ask, true);
   return question.answer;
 }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "platform/win32/call.h"
 #include "platform/win32/win_api.h"
 
 namespace platform {
@@ -92,11 +93,14 @@ std::string default_form(const DateTime& when) {
   return std::string(date.data()) + " " + clock.data();
 }
 
-void wait(double seconds) {
-  constexpr double kTimerTick = 0.016;  // Sleep may be late by this much
+bool wait(double seconds, bool reads) {
+  constexpr double kTimerTick = 0.016;  // a wait of the system may be late by this much
   const double end = kAnchor.elapsed() + seconds;
-  if (seconds > kTimerTick) ::Sleep(static_cast<DWORD>((seconds - kTimerTick) * 1000.0));
+  if (seconds > kTimerTick && !win32::wait_for_drive(static_cast<DWORD>((seconds - kTimerTick) * 1000.0), reads)) {
+    return false;
+  }
   while (kAnchor.elapsed() < end) ::SwitchToThread();
+  return true;
 }
 
 }  // namespace platform

@@ -4,6 +4,8 @@
 #include <atomic>
 #include <cstdint>
 
+#include "platform/win32/call.h"
+#include "platform/win32/com.h"
 #include "platform/win32/main_window.h"
 #include "platform/win32/win_api.h"
 
@@ -11,26 +13,22 @@ namespace win32 {
 
 namespace {
 
-// Set on the console's own thread, read on the program's.
-std::atomic<bool> cancel_pressed = false;
-std::atomic<bool> exit_pressed = false;
 std::atomic<bool> held = false;
 
 void (*cancel_watcher)() = nullptr;
 void (*exit_watcher)() = nullptr;
 
-void wake() {
-  if (main_window.window != nullptr) ::PostMessageA(main_window.window, kInterrupted, 0, 0);
+bool reason_given = false;
+
+HWND session_window() {
+  return main_window.window != nullptr ? main_window.window : main_window.hidden;
 }
 
 BOOL WINAPI on_console_event(DWORD event) {
-  if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) {
-    cancel_pressed = true;
-    wake();
-    return TRUE;
-  }
-  exit_pressed = true;
-  wake();
+  using What = platform::Press::What;
+  const bool cancel = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
+  presses.add({.what = cancel ? What::interrupt : What::leave});
+  if (cancel) return TRUE;
   // The process ends when this returns. The program ends it itself, once the disk has its contents back; a system that
   // loses patience ends both.
   ::Sleep(INFINITE);
@@ -39,13 +37,33 @@ BOOL WINAPI on_console_event(DWORD event) {
 
 }  // namespace
 
-void turn_interruptions() {
-  if (cancel_pressed.exchange(false) && cancel_watcher != nullptr) cancel_watcher();
-  if (!held && exit_watcher != nullptr && exit_pressed.exchange(false)) exit_watcher();
+void call_cancel_watcher() {
+  if (cancel_watcher != nullptr) cancel_watcher();
 }
 
-void request_exit() {
-  exit_pressed = true;
+void call_exit_watcher() {
+  if (exit_watcher != nullptr) exit_watcher();
+}
+
+bool disk_holds_other_data() {
+  return held;
+}
+
+bool may_end_session() {
+  if (!held) return true;
+  using Create = BOOL(WINAPI*)(HWND, LPCWSTR);
+  static const auto create = user_function<Create>("ShutdownBlockReasonCreate");
+  if (create != nullptr) create(session_window(), L"The disk is being given its contents back.");
+  reason_given = true;
+  return false;
+}
+
+void clear_end_session() {
+  if (!reason_given || held) return;
+  using Destroy = BOOL(WINAPI*)(HWND);
+  static const auto destroy = user_function<Destroy>("ShutdownBlockReasonDestroy");
+  if (destroy != nullptr) destroy(session_window());
+  reason_given = false;
 }
 
 }  // namespace win32
@@ -54,9 +72,26 @@ namespace platform {
 
 namespace {
 
+/// What a console shows, whatever its code page is.
+std::uint32_t write_console(HANDLE console, std::string_view text) {
+  const std::wstring wide = win32::wide(text);
+  for (std::wstring_view left = wide; !left.empty();) {
+    constexpr std::size_t kPiece = 8192;
+    DWORD put = 0;
+    const auto wanted = static_cast<DWORD>(left.size() < kPiece ? left.size() : kPiece);
+    if (::WriteConsoleW(console, left.data(), wanted, &put, nullptr) == FALSE) return ::GetLastError();
+    if (put == 0) return ERROR_HANDLE_DISK_FULL;
+    left.remove_prefix(put);
+  }
+  return 0;
+}
+
 std::uint32_t write_all(DWORD stream, std::string_view text) {
   HANDLE const file = ::GetStdHandle(stream);
   if (file == nullptr || file == INVALID_HANDLE_VALUE) return ERROR_INVALID_HANDLE;
+  const win32::Call call(win32::Doing::call);
+  DWORD mode = 0;
+  if (::GetConsoleMode(file, &mode) != FALSE) return write_console(file, text);
   while (!text.empty()) {
     constexpr std::size_t kPiece = 1U << 20U;
     DWORD put = 0;
@@ -105,20 +140,10 @@ void watch_console(void (*on_cancel)(), void (*on_exit)()) {
 
 void hold_shutdown() {
   win32::held = true;
-  // Events wait while the disk holds other data, the session's end among them. A program that then does not answer is
-  // not ended if it gave a reason, which the user sees.
-  using Create = BOOL(WINAPI*)(HWND, LPCWSTR);
-  static const auto create = win32::user_function<Create>("ShutdownBlockReasonCreate");
-  HWND const window = win32::main_window.window;
-  if (create != nullptr && window != nullptr) create(window, L"The disk is being given its contents back.");
 }
 
 void allow_shutdown() {
   win32::held = false;
-  using Destroy = BOOL(WINAPI*)(HWND);
-  static const auto destroy = win32::user_function<Destroy>("ShutdownBlockReasonDestroy");
-  HWND const window = win32::main_window.window;
-  if (destroy != nullptr && window != nullptr) destroy(window);
 }
 
 void debug_text(const std::string& text) {

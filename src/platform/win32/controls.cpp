@@ -62,7 +62,7 @@ LRESULT CALLBACK text_procedure(HWND control, UINT message, WPARAM word, LPARAM 
   const auto row_index = static_cast<std::size_t>(row_number);
   const Control& row = main_window.table.controls[row_index];
   const bool memo = row.kind == ControlKind::memo;
-  if (message == WM_LBUTTONDOWN && row.on_click != nullptr) call_handler(row.on_click);
+  if (message == WM_LBUTTONDOWN && row.on_click != nullptr) control_clicked(row_index);
   if (message == WM_GETDLGCODE && row.kind != ControlKind::edit) {
     const LRESULT own_keys = memo && word == VK_RETURN ? DLGC_WANTALLKEYS : 0;
     return DLGC_WANTCHARS | DLGC_WANTARROWS | own_keys;

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "platform/clock.h"
+#include "platform/win32/call.h"
 #include "platform/win32/main_window.h"
 
 namespace win32 {
@@ -8,6 +9,12 @@ namespace win32 {
 MainWindow main_window;
 
 namespace {
+
+using platform::Press;
+using platform::Stops;
+
+/// A call that took this long so far has stopped the operations: seconds.
+constexpr double kBlocked = 1.0;
 
 /// When the fields are shown again while a command runs: about 30 times a second, or as seldom as keeps showing and
 /// painting them below a hundredth of the time, but every second.
@@ -19,27 +26,110 @@ double next_show = 0.0;
 double command_began = 0.0;
 double next_share = 0.0;
 
+/// The call under way, and when it was first seen.
+CallUnderWay seen{};
+double seen_at = 0.0;
+
+/// The pause of the operations in which all was shown last: nothing changes before it ends.
+std::uint32_t shown_in_pause = 0;
+
+int stillnesses = 0;
+bool leaving_shown = false;
+
+/// How long the operations' thread has been in one system call, as seen from here; 0 outside of one.
+double seconds_in_call() {
+  const CallUnderWay now = call_under_way();
+  if (now.number != seen.number || now.doing != seen.doing) {
+    seen = now;
+    seen_at = platform::steady_seconds();
+  }
+  return now.doing == Doing::call || now.doing == Doing::read ? platform::steady_seconds() - seen_at : 0.0;
+}
+
+bool may_take_baton() {
+  constexpr double kUnmeasured = 0.04;
+  const Doing doing = call_under_way().doing;
+  return doing == Doing::idle || doing == Doing::showing || seconds_in_call() >= kUnmeasured;
+}
+
+Stops stop_of(const Press& press) {
+  switch (press.what) {
+    case Press::What::click:
+      return main_window.table.controls[press.row].stops;
+    case Press::What::interrupt:
+      return Stops::command;
+    case Press::What::closing:
+    case Press::What::leave:
+      return Stops::program;
+    default:
+      return Stops::nothing;
+  }
+}
+
+/// What the presses that wait want, and whether Cancel is among them twice.
+struct Wanted {
+  Stops stops = Stops::nothing;
+  int cancels = 0;
+};
+
+Wanted wanted_by_presses() {
+  Wanted wanted;
+  presses.waits([&wanted](const Press& press) {
+    const Stops stops = stop_of(press);
+    wanted.stops = std::max(wanted.stops, stops);
+    const bool cancel = press.what == Press::What::interrupt ||
+                        (press.what == Press::What::click && press.row == main_window.table.cancel);
+    wanted.cancels += cancel ? 1 : 0;
+    return false;
+  });
+  return wanted;
+}
+
+platform::Waiting waiting_now(const Wanted& wanted) {
+  return {.seconds = seconds_in_call(),
+          .pressed = wanted.stops,
+          .can_be_given_up = call_under_way().doing == Doing::read && !disk_holds_other_data(),
+          .holds_other_data = disk_holds_other_data()};
+}
+
+/// Ends a read that does not come back where the user insists; else a box says what the program waits for.
+void stop_blocked_call(const Wanted& wanted) {
+  const platform::Waiting waiting = waiting_now(wanted);
+  if (waiting.seconds < kBlocked) return;
+  if (waiting.can_be_given_up && (wanted.cancels > 1 || wanted.stops == Stops::program)) {
+    const std::uint32_t number = seen.number;
+    const Stillness still;
+    // Once more, now that it cannot have come back and given way to another call.
+    const CallUnderWay now = call_under_way();
+    if (still && now.doing == Doing::read && now.number == number && !disk_holds_other_data()) give_up_read();
+  } else if (wanted.stops == Stops::program && !leaving_shown && main_window.window != nullptr) {
+    leaving_shown = true;
+    ::PostMessageA(main_window.window, kLeaving, 0, 0);
+  }
+}
+
+/// What the status line says in place of its field. In the first moments of a transfer that is what the one before
+/// told: its rate would be gone before anybody saw it.
+void note_waiting(const Wanted& wanted) {
+  constexpr double kMoments = 0.5;
+  const platform::Waiting waiting = waiting_now(wanted);
+  main_window.status_instead = main_window.table.waiting(waiting);
+  main_window.status_stays = main_window.status_instead.empty() && waiting.seconds > 0.0 && waiting.seconds < kMoments;
+}
+
 void show_share_when_due(double now) {
   constexpr double kPause = 0.5;
   constexpr double kWorthTelling = 2.0;  // seconds
   if (!main_window.busy || now < next_share) return;
-  const platform::Share share = main_window.table.share();
+  platform::Share share;
+  {
+    const Stillness still;
+    if (!still) return;
+    share = main_window.table.share();
+  }
   if (now - command_began + std::max(share.seconds_left, 0.0) < kWorthTelling) return;
   next_share = now + kPause;
   show_on_taskbar(share);
-}
-
-void show_and_paint() {
-  const double start = platform::steady_seconds();
-  show_fields();
-  show_pictures();
-  ::RedrawWindow(main_window.window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-  constexpr double kFrame = 0.030;  // just under two of the ticks at which events run
-  constexpr double kRest = 100.0;
-  const double end = platform::steady_seconds();
-  // A window that is shown for the first time takes many times longer.
-  constexpr double kLongestRest = 1.0;
-  next_show = std::max(start + kFrame, end + std::min(kRest * (end - start), kLongestRest));
 }
 
 /// Enter and Esc in the main window: Enter presses the button that has the focus, and neither does more. True when the
@@ -66,7 +156,58 @@ bool took_bare_letter(const MSG& message) {
   return (::SendMessageA(message.hwnd, WM_GETDLGCODE, 0, 0) & (DLGC_BUTTON | DLGC_STATIC)) != 0;
 }
 
-void drain_queue() {
+}  // namespace
+
+Stillness::Stillness() : taken_(stillnesses > 0 || (may_take_baton() && baton.try_take())) {
+  if (taken_) ++stillnesses;
+}
+
+Stillness::~Stillness() {
+  if (taken_ && --stillnesses == 0) baton.give_back();
+}
+
+void show_soon() {
+  const Stillness still;
+  if (!still) {
+    if (main_window.window != nullptr) baton.want();
+    return;
+  }
+  const double start = platform::steady_seconds();
+  if (const CallUnderWay now = call_under_way(); now.doing == Doing::idle) shown_in_pause = now.number;
+  note_waiting(wanted_by_presses());
+  if (main_window.window != nullptr) {
+    tell_pointer();
+    show_fields();
+    show_pictures();
+    ::RedrawWindow(main_window.window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+  }
+  constexpr double kFrame = 0.030;
+  constexpr double kRest = 100.0;
+  const double end = platform::steady_seconds();
+  // A window that is shown for the first time takes many times longer.
+  constexpr double kLongestRest = 1.0;
+  // While nothing runs, showing takes nothing from it.
+  const double rest = seconds_in_call() >= kBlocked ? 0.0 : std::min(kRest * (end - start), kLongestRest);
+  next_show = std::max(start + kFrame, end + rest);
+}
+
+void tick() {
+  seconds_in_call();
+  clear_end_session();
+  const CallUnderWay call = call_under_way();
+  if (call.doing == Doing::idle && call.number == shown_in_pause) return;
+  if (presses.any()) stop_blocked_call(wanted_by_presses());
+  const double now = platform::steady_seconds();
+  show_share_when_due(now);
+  if (now >= next_show) show_soon();
+}
+
+void show_leaving_box() {
+  const std::string text = main_window.table.leaving(waiting_now(wanted_by_presses()));
+  ::MessageBoxA(main_window.window, text.c_str(), "Sectorix", MB_OK | MB_ICONINFORMATION);
+}
+
+void drain_messages() {
   MSG message{};
   while (::PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
     if (message.message == WM_QUIT) {
@@ -75,9 +216,17 @@ void drain_queue() {
     }
     dispatch(&message);
   }
+  hand_over_typing();
 }
 
-}  // namespace
+void hand_over_typing() {
+  for (std::size_t row = 0; row < main_window.controls.size(); ++row) {
+    ShownControl& shown = main_window.controls[row];
+    if (!shown.typed) continue;
+    shown.typed = false;
+    presses.add({.what = Press::What::typing, .row = row, .text = text_of(shown.window)});
+  }
+}
 
 void dispatch(MSG* message) {
   HWND const main = main_window.window;
@@ -94,13 +243,49 @@ void control_clicked(std::size_t row) {
   const platform::Control& control = main.table.controls[row];
   if (control.on_click == nullptr) return;
   if (main.busy && control.while_busy == platform::WhileBusy::disabled) return;
-  // The button has marked itself; its field decides, and is shown again whatever the handler does with it.
-  if (is_option(control.kind)) {
-    for (std::size_t i = 0; i < main.controls.size(); ++i) {
-      if (is_option(main.table.controls[i].kind)) main.controls[i].revision = UINT64_MAX;
+  hand_over_typing();
+  presses.add({.what = Press::What::click, .row = row});
+  show_soon();
+}
+
+void lock_buttons() {
+  MainWindow& main = main_window;
+  main.busy = true;
+  constexpr double kForesight = 0.25;  // seconds, from which on it can be told how long the command takes
+  command_began = platform::steady_seconds();
+  next_share = command_began + kForesight;
+  note_focus();
+  main.focus_before = main.focus;
+  // First the focus, then the buttons: a disabled control that has it swallows every key.
+  move_focus(main.controls[main.table.cancel].window);
+  for (std::size_t i = 0; i < main.controls.size(); ++i) {
+    const platform::WhileBusy what = main.table.controls[i].while_busy;
+    if (what == platform::WhileBusy::disabled) ::EnableWindow(main.controls[i].window, FALSE);
+    if (what == platform::WhileBusy::read_only) ::SendMessageA(main.controls[i].window, EM_SETREADONLY, TRUE, 0);
+  }
+}
+
+void unlock_buttons() {
+  const Stillness still;
+  MainWindow& main = main_window;
+  main.status_instead.clear();
+  main.status_stays = false;
+  show_fields();
+  main.busy = false;
+  show_pictures();
+  clear_taskbar();
+  for (std::size_t i = 0; i < main.controls.size(); ++i) {
+    const platform::Control& row = main.table.controls[i];
+    if (row.while_busy == platform::WhileBusy::disabled && row.on_click != nullptr) {
+      ::EnableWindow(main.controls[i].window, TRUE);
+    }
+    if (row.while_busy == platform::WhileBusy::read_only) {
+      ::SendMessageA(main.controls[i].window, EM_SETREADONLY, FALSE, 0);
     }
   }
-  call_handler(control.on_click);
+  note_focus();
+  const bool untouched = main.focus == main.controls[main.table.cancel].window;
+  if (untouched && main.focus_before != nullptr) move_focus(main.focus_before);
 }
 
 void note_focus() {
@@ -114,83 +299,3 @@ void move_focus(HWND control) {
 }
 
 }  // namespace win32
-
-namespace platform {
-
-using win32::main_window;
-
-void run_window() {
-  MSG message{};
-  while (true) {
-    win32::turn_interruptions();
-    win32::show_fields();
-    win32::show_pictures();
-    if (::GetMessageA(&message, nullptr, 0, 0) <= 0) return;
-    win32::dispatch(&message);
-  }
-}
-
-bool pump_events() {
-  // Asked after every transfer, a million times a second: a cheap tick alone decides whether there is more to do.
-  constexpr std::uint64_t kPause = 10;
-  static std::uint64_t next = 0;
-  if (coarse_milliseconds() < next) return false;
-  win32::turn_interruptions();
-  if (main_window.window != nullptr) {
-    win32::drain_queue();
-    win32::take_typing();
-    const double now = steady_seconds();
-    win32::show_share_when_due(now);
-    if (now >= win32::next_show) win32::show_and_paint();
-  }
-  next = coarse_milliseconds() + kPause;
-  return true;
-}
-
-void show_now() {
-  if (main_window.window != nullptr) win32::show_and_paint();
-}
-
-void begin_command() {
-  win32::MainWindow& main = main_window;
-  ::SetThreadExecutionState(ES_CONTINUOUS | ES_SYSTEM_REQUIRED);
-  if (main.window == nullptr || main.busy) return;
-  win32::take_typing();
-  main.busy = true;
-  constexpr double kForesight = 0.25;  // seconds, from which on it can be told how long the command takes
-  win32::command_began = steady_seconds();
-  win32::next_share = win32::command_began + kForesight;
-  win32::note_focus();
-  main.focus_before = main.focus;
-  // First the focus, then the buttons: a disabled control that has it swallows every key.
-  win32::move_focus(main.controls[main.table.cancel].window);
-  for (std::size_t i = 0; i < main.controls.size(); ++i) {
-    const WhileBusy what = main.table.controls[i].while_busy;
-    if (what == WhileBusy::disabled) ::EnableWindow(main.controls[i].window, FALSE);
-    if (what == WhileBusy::read_only) ::SendMessageA(main.controls[i].window, EM_SETREADONLY, TRUE, 0);
-  }
-}
-
-void end_command() {
-  win32::MainWindow& main = main_window;
-  ::SetThreadExecutionState(ES_CONTINUOUS);
-  if (main.window == nullptr || !main.busy) return;
-  // Presses that wait were made while the buttons were locked: they meet them locked.
-  win32::drain_queue();
-  win32::show_fields();
-  main.busy = false;
-  win32::show_pictures();
-  win32::clear_taskbar();
-  for (std::size_t i = 0; i < main.controls.size(); ++i) {
-    const Control& row = main.table.controls[i];
-    if (row.while_busy == WhileBusy::disabled && row.on_click != nullptr) {
-      ::EnableWindow(main.controls[i].window, TRUE);
-    }
-    if (row.while_busy == WhileBusy::read_only) ::SendMessageA(main.controls[i].window, EM_SETREADONLY, FALSE, 0);
-  }
-  win32::note_focus();
-  const bool untouched = main.focus == main.controls[main.table.cancel].window;
-  if (untouched && main.focus_before != nullptr) win32::move_focus(main.focus_before);
-}
-
-}  // namespace platform

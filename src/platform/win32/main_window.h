@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,8 @@ struct ShownControl {
   std::size_t caret = 0;
   bool typed = false;         // the user changed the text since the field was told
   std::string description{};  // of a picture, as told
+  HBITMAP bitmap = nullptr;   // of a picture, as last painted
+  SIZE bitmap_size{};
 };
 
 struct MainWindow {
@@ -33,12 +37,36 @@ struct MainWindow {
   HWND focus_before = nullptr;  // and had it before the running command
   bool busy = false;            // a command runs
   bool pushing = false;         // changes that the controls report now are the program's own
+  HWND hidden = nullptr;        // stands for the window in a session that shows none, to hear of the session's end
+  std::string status_instead;   // what the status line shows in place of its field
+  bool status_stays = false;    // it is not shown anew: a transfer has only just begun
+  bool pointer_moved = false;   // over the picture of `pointer_row`, and its handler was not told yet
+  std::size_t pointer_row = 0;
+  std::optional<platform::Point> pointer;
 };
 
 extern MainWindow main_window;
 
-/// Posted by another thread: an interruption waits to be turned into its handler's call.
-inline constexpr UINT kInterrupted = WM_APP;
+/// Posted by the operations' thread: a piece of work for the window, and the baton on offer.
+inline constexpr UINT kWork = WM_APP;
+inline constexpr UINT kOffered = WM_APP + 1;
+
+/// Posted by the window's thread to itself: a box says that the program is about to end.
+inline constexpr UINT kLeaving = WM_APP + 2;
+
+/// The baton, on the window's thread, when it can be had without waiting: when the operations' thread is idle, offers
+/// it, or has been in one call for so long that nobody measures the moment that it may have to wait behind it.
+class Stillness {
+ public:
+  Stillness();
+  ~Stillness();
+  Stillness(const Stillness&) = delete;
+  Stillness& operator=(const Stillness&) = delete;
+  explicit operator bool() const { return taken_; }
+
+ private:
+  bool taken_;
+};
 
 /// True for what the user chooses one of.
 constexpr bool is_option(platform::ControlKind kind) {
@@ -58,11 +86,14 @@ void place_all();
 
 // shown.cpp
 
-/// Shows every field that changed since it was last shown.
+/// Shows every field that changed since it was last shown. While the data stand still.
 void show_fields();
 
-/// Takes what the user typed back into the fields.
-void take_typing();
+/// Gives the text that the user typed into the control of `row` to its field. On the operations' thread.
+void take_typed(std::size_t row, std::string text);
+
+/// The text of a control, as it is shown.
+std::string text_of(HWND control);
 
 /// The control of `row` reports a changed text.
 void text_changed(std::size_t row);
@@ -72,21 +103,25 @@ void text_changed(std::size_t row);
 /// The window class of pictures, registered on first use.
 const char* picture_class();
 
-/// Paints every picture that changed since it was last painted; while a command runs at most 10 times a second.
+/// Paints every picture that changed since it was last painted; while a command runs at most 10 times a second. While
+/// the data stand still.
 void show_pictures();
+
+/// Tells the picture under the pointer where that is. While the data stand still.
+void tell_pointer();
+
+// window.cpp
+
+/// Ends the window's thread, so that the process can; nothing without one.
+void stop_window();
 
 // events.cpp
 
-/// Runs a handler of the table: typing is taken back before, and what it changed is shown after.
-template <typename Handler>
-void call_handler(Handler handler) {
-  take_typing();
-  handler();
-  take_typing();
-  if (main_window.busy) return;
-  show_fields();
-  show_pictures();
-}
+/// Shows and paints everything that changed, at once where the data stand still, else when they next do.
+void show_soon();
+
+/// Hands over what the user typed, so that it comes before what he presses next.
+void hand_over_typing();
 
 /// The user pressed or chose the control of `row`.
 void control_clicked(std::size_t row);
@@ -100,14 +135,27 @@ void move_focus(HWND control);
 /// Dispatches one message with the window's tab, arrow and access keys.
 void dispatch(MSG* message);
 
-// console.cpp
+/// Dispatches the messages that wait.
+void drain_messages();
 
-/// Calls the handler of an interruption that came from the console or the session's end since the last call. An exit
-/// waits while the disk holds data that are not its own.
-void turn_interruptions();
+/// What is to be done again and again: showing, the time that a call takes, presses that stop it.
+void tick();
 
-/// The session ends: the next turn_interruptions() exits.
-void request_exit();
+/// Says in a box that the program is about to end.
+void show_leaving_box();
+
+/// A command begins, or has ended: the buttons are locked or given back. While the data stand still.
+void lock_buttons();
+void unlock_buttons();
+
+// operations.cpp
+
+/// Runs `work` on the window's thread and waits for its end. `by_user`: it may take a user's time, and interruptions
+/// are dealt with meanwhile.
+void ask_window(const std::function<void()>& work, bool by_user = false);
+
+/// On the window's thread: what ask_window() posted.
+void do_work(LPARAM order);
 
 // taskbar.cpp
 
@@ -116,5 +164,17 @@ void show_on_taskbar(const platform::Share& share);
 
 /// The button shows no progress any more.
 void clear_taskbar();
+
+// console.cpp
+
+/// What the console and the session's end call.
+void call_cancel_watcher();
+void call_exit_watcher();
+
+/// The session is about to end. False while the disk holds data that are not its own; the system then shows why.
+bool may_end_session();
+
+/// Takes back the reason once it is none any more.
+void clear_end_session();
 
 }  // namespace win32

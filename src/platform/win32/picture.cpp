@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "platform/clock.h"
+#include "platform/win32/call.h"
 #include "platform/win32/canvas.h"
 #include "platform/win32/main_window.h"
 
@@ -24,29 +25,57 @@ const platform::Picture* picture_of(HWND window) {
   return main_window.table.controls[static_cast<std::size_t>(shown - main_window.controls.data())].picture;
 }
 
-/// Paints beside the screen and shows the result in one go, so that nothing flickers.
-void paint_buffered(HWND window, HDC screen) {
-  const platform::Picture* const picture = picture_of(window);
+/// Paints beside the screen, so that nothing flickers and something can be shown while the data do not stand still.
+void repaint(HWND window, const platform::Picture& picture, ShownControl* shown) {
   RECT area{};
   ::GetClientRect(window, &area);
-  if (picture == nullptr || area.right == 0 || area.bottom == 0) return;
+  if (area.right == 0 || area.bottom == 0) return;
+  HDC const screen = ::GetDC(window);
+  if (shown->bitmap == nullptr || shown->bitmap_size.cx != area.right || shown->bitmap_size.cy != area.bottom) {
+    if (shown->bitmap != nullptr) ::DeleteObject(shown->bitmap);
+    shown->bitmap = ::CreateCompatibleBitmap(screen, area.right, area.bottom);
+    shown->bitmap_size = {area.right, area.bottom};
+  }
   HDC const device = ::CreateCompatibleDC(screen);
-  HBITMAP const bitmap = ::CreateCompatibleBitmap(screen, area.right, area.bottom);
-  HGDIOBJ const bitmap_before = ::SelectObject(device, bitmap);
+  HGDIOBJ const bitmap_before = ::SelectObject(device, shown->bitmap);
   HGDIOBJ const font_before = ::SelectObject(device, main_window.gui_font);
   platform::Canvas canvas{device, {area.right, area.bottom}, main_window.dpi};
-  picture->paint(&canvas);
-  ::BitBlt(screen, 0, 0, area.right, area.bottom, device, 0, 0, SRCCOPY);
+  picture.paint(&canvas);
   ::SelectObject(device, font_before);
   ::SelectObject(device, bitmap_before);
-  ::DeleteObject(bitmap);
+  ::DeleteDC(device);
+  ::ReleaseDC(window, screen);
+}
+
+/// Shows the picture as it is, or as it last was, stretched, until it can be painted.
+void show_picture(HWND window, HDC screen) {
+  const platform::Picture* const picture = picture_of(window);
+  if (picture == nullptr) return;
+  ShownControl* const shown = shown_of(window);
+  {
+    const Stillness still;
+    if (still) {
+      repaint(window, *picture, shown);
+    } else {
+      shown->revision = UINT64_MAX;
+      baton.want();
+    }
+  }
+  RECT area{};
+  ::GetClientRect(window, &area);
+  if (shown->bitmap == nullptr) return;
+  HDC const device = ::CreateCompatibleDC(screen);
+  HGDIOBJ const before = ::SelectObject(device, shown->bitmap);
+  ::StretchBlt(screen, 0, 0, area.right, area.bottom, device, 0, 0, static_cast<int>(shown->bitmap_size.cx),
+               static_cast<int>(shown->bitmap_size.cy), SRCCOPY);
+  ::SelectObject(device, before);
   ::DeleteDC(device);
 }
 
 void on_paint(HWND window) {
   PAINTSTRUCT paint{};
   HDC const screen = ::BeginPaint(window, &paint);
-  paint_buffered(window, screen);
+  show_picture(window, screen);
   ::EndPaint(window, &paint);
 }
 
@@ -61,13 +90,19 @@ void on_pointer(HWND window, const platform::Point* pointer) {
     TRACKMOUSEEVENT leave{sizeof(leave), TME_LEAVE, window, 0};
     ::TrackMouseEvent(&leave);
   }
-  call_handler([&] { picture->on_hover(pointer); });
+  main_window.pointer_moved = true;
+  main_window.pointer_row = static_cast<std::size_t>(shown_of(window) - main_window.controls.data());
+  main_window.pointer = pointer != nullptr ? std::optional(*pointer) : std::nullopt;
+  show_soon();
 }
 
 void on_double_click(HWND window, platform::Point place) {
   const platform::Picture* const picture = picture_of(window);
   if (picture == nullptr || picture->on_double_click == nullptr) return;
-  call_handler([&] { picture->on_double_click(place); });
+  hand_over_typing();
+  presses.add({.what = platform::Press::What::picked,
+               .row = static_cast<std::size_t>(shown_of(window) - main_window.controls.data()),
+               .place = place});
 }
 
 LRESULT CALLBACK picture_procedure(HWND window, UINT message, WPARAM word, LPARAM long_word) {
@@ -78,7 +113,7 @@ LRESULT CALLBACK picture_procedure(HWND window, UINT message, WPARAM word, LPARA
       on_paint(window);
       return 0;
     case WM_PRINTCLIENT:
-      paint_buffered(window, reinterpret_cast<HDC>(word));
+      show_picture(window, reinterpret_cast<HDC>(word));
       return 0;
     case WM_MOUSEMOVE: {
       const platform::Point place = point_of(long_word);
@@ -113,6 +148,13 @@ const char* picture_class() {
     return ::RegisterClassExA(&picture);
   }();
   return registered != 0 ? kPictureClass : "STATIC";
+}
+
+void tell_pointer() {
+  MainWindow& main = main_window;
+  if (!main.pointer_moved) return;
+  main.pointer_moved = false;
+  main.table.controls[main.pointer_row].picture->on_hover(main.pointer ? &*main.pointer : nullptr);
 }
 
 void show_pictures() {

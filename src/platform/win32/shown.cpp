@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "platform/win32/main_window.h"
 
@@ -64,6 +65,14 @@ void show_text(const Control& row, ShownControl* shown) {
   if (row.field->caret() != shown->caret) show_caret(row, shown);
 }
 
+/// A line that stands in place of the status while a call does not come back; the field is shown again behind it.
+bool show_instead(const std::string& line, ShownControl* shown) {
+  if (line.empty()) return false;
+  if (text_of(shown->window) != line) ::SetWindowTextA(shown->window, line.c_str());
+  shown->revision = UINT64_MAX;
+  return true;
+}
+
 void show_field(const Control& row, ShownControl* shown) {
   if (row.field == nullptr || row.field->revision() == shown->revision) return;
   if (is_option(row.kind)) {
@@ -74,14 +83,14 @@ void show_field(const Control& row, ShownControl* shown) {
   shown->revision = row.field->revision();
 }
 
+}  // namespace
+
 std::string text_of(HWND control) {
   const int length = ::GetWindowTextLengthA(control);
   std::string text(static_cast<std::size_t>(length) + 1, '\0');
   text.resize(static_cast<std::size_t>(::GetWindowTextA(control, text.data(), length + 1)));
   return text;
 }
-
-}  // namespace
 
 void show_fields() {
   MainWindow& main = main_window;
@@ -91,22 +100,20 @@ void show_fields() {
     ::SetWindowTextA(main.window, main.table.caption->text().c_str());
     main.caption_revision = main.table.caption->revision();
   }
-  for (std::size_t i = 0; i < main.controls.size(); ++i) show_field(main.table.controls[i], &main.controls[i]);
+  for (std::size_t i = 0; i < main.controls.size(); ++i) {
+    if (i == main.table.status && (main.status_stays || show_instead(main.status_instead, &main.controls[i]))) continue;
+    show_field(main.table.controls[i], &main.controls[i]);
+  }
   main.pushing = false;
 }
 
-void take_typing() {
-  MainWindow& main = main_window;
-  for (std::size_t i = 0; i < main.controls.size(); ++i) {
-    ShownControl& shown = main.controls[i];
-    if (!shown.typed) continue;
-    shown.typed = false;
-    Field& field = *main.table.controls[i].field;
-    field.set_typed(text_of(shown.window));
-    shown.revision = field.revision();
-    shown.length = field.text().size();
-    shown.caret = field.caret();
-  }
+void take_typed(std::size_t row, std::string text) {
+  ShownControl& shown = main_window.controls[row];
+  Field& field = *main_window.table.controls[row].field;
+  field.set_typed(std::move(text));
+  shown.revision = field.revision();
+  shown.length = field.text().size();
+  shown.caret = field.caret();
 }
 
 void text_changed(std::size_t row) {
@@ -114,7 +121,7 @@ void text_changed(std::size_t row) {
   const Control& control = main.table.controls[row];
   if (main.pushing || control.field == nullptr) return;
   main.controls[row].typed = true;
-  if (control.on_typed != nullptr) call_handler(control.on_typed);
+  if (control.on_typed != nullptr) hand_over_typing();
 }
 
 }  // namespace win32

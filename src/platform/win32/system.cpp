@@ -1,8 +1,13 @@
 #include "platform/system.h"
 
+#include "platform/win32/call.h"
+#include "platform/win32/main_window.h"
 #include "platform/win32/win_api.h"
 
 namespace platform {
+
+using win32::Call;
+using win32::Doing;
 
 namespace {
 
@@ -22,6 +27,7 @@ HANDLE system_handle(Handle handle) {
 
 Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_mode, std::uint32_t disposition,
                    std::uint32_t flags) {
+  const Call call(Doing::call);
   HANDLE const file = ::CreateFileA(name, access, share_mode, nullptr, disposition, flags, nullptr);
   done(file != INVALID_HANDLE_VALUE ? TRUE : FALSE);
   return static_cast<Handle>(reinterpret_cast<std::intptr_t>(file));
@@ -38,6 +44,7 @@ bool SetFilePointerEx(Handle file, std::int64_t distance, std::int64_t* new_posi
 
 bool ReadFile(Handle file, void* buffer, std::uint32_t bytes, std::uint32_t* moved) {
   DWORD count = 0;
+  const Call call(Doing::read);
   const bool ok = done(::ReadFile(system_handle(file), buffer, bytes, &count, nullptr));
   *moved = count;
   return ok;
@@ -45,6 +52,7 @@ bool ReadFile(Handle file, void* buffer, std::uint32_t bytes, std::uint32_t* mov
 
 bool WriteFile(Handle file, const void* buffer, std::uint32_t bytes, std::uint32_t* moved) {
   DWORD count = 0;
+  const Call call(Doing::call);
   const bool ok = done(::WriteFile(system_handle(file), buffer, bytes, &count, nullptr));
   *moved = count;
   return ok;
@@ -52,25 +60,30 @@ bool WriteFile(Handle file, const void* buffer, std::uint32_t bytes, std::uint32
 
 bool LockFile(Handle file, std::uint32_t offset_low, std::uint32_t offset_high, std::uint32_t bytes_low,
               std::uint32_t bytes_high) {
+  const Call call(Doing::call);
   return done(::LockFile(system_handle(file), offset_low, offset_high, bytes_low, bytes_high));
 }
 
 bool UnlockFile(Handle file, std::uint32_t offset_low, std::uint32_t offset_high, std::uint32_t bytes_low,
                 std::uint32_t bytes_high) {
+  const Call call(Doing::call);
   return done(::UnlockFile(system_handle(file), offset_low, offset_high, bytes_low, bytes_high));
 }
 
 bool SetEndOfFile(Handle file) {
+  const Call call(Doing::call);
   return done(::SetEndOfFile(system_handle(file)) != FALSE);
 }
 
 bool FlushFileBuffers(Handle file) {
+  const Call call(Doing::call);
   return done(::FlushFileBuffers(system_handle(file)));
 }
 
 bool DeviceIoControl(Handle device, std::uint32_t code, const void* in, std::uint32_t in_bytes, void* out,
                      std::uint32_t out_bytes, std::uint32_t* returned) {
   DWORD count = 0;
+  const Call call(Doing::call);
   // The system takes the request without const but does not write to it.
   const bool ok = done(
       ::DeviceIoControl(system_handle(device), code, const_cast<void*>(in), in_bytes, out, out_bytes, &count, nullptr));
@@ -79,6 +92,7 @@ bool DeviceIoControl(Handle device, std::uint32_t code, const void* in, std::uin
 }
 
 bool CloseHandle(Handle handle) {
+  const Call call(Doing::call);
   return done(::CloseHandle(system_handle(handle)));
 }
 
@@ -111,10 +125,12 @@ bool GetVersionExA(OsVersion* version) {
 }
 
 void Sleep(std::uint32_t milliseconds) {
+  const Call call(Doing::call);
   ::Sleep(milliseconds);
 }
 
 void ExitProcess(std::uint32_t code) {
+  win32::stop_window();
   ::ExitProcess(code);
 }
 
@@ -127,10 +143,12 @@ std::uint32_t rehearsed_failure(const char* /*call*/, Handle /*handle*/) {
 }
 
 bool MoveFileExA(const char* from, const char* to, std::uint32_t flags) {
+  const Call call(Doing::call);
   return done(::MoveFileExA(from, to, flags));
 }
 
 bool DeleteFileA(const char* name) {
+  const Call call(Doing::call);
   return done(::DeleteFileA(name));
 }
 

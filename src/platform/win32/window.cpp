@@ -1,8 +1,11 @@
 #include "platform/window.h"
 
 #include <algorithm>
+#include <atomic>
+#include <cstdlib>
 
 #include "platform/geometry.h"
+#include "platform/win32/call.h"
 #include "platform/win32/dpi.h"
 #include "platform/win32/main_window.h"
 #include "platform/win32/resource.h"
@@ -56,6 +59,18 @@ void on_active(bool active) {
   if (active && main_window.focus != nullptr) ::SetFocus(main_window.focus);
 }
 
+/// The session asks whether it may end, and ends: the system ends the process when this returns, so it waits until the
+/// program has ended it.
+LRESULT on_session_end(UINT message, WPARAM word) {
+  if (message == WM_QUERYENDSESSION) return may_end_session() ? TRUE : FALSE;
+  if (word == FALSE) return 0;
+  presses.add({.what = platform::Press::What::leave});
+  MSG next{};
+  while (::GetMessageA(&next, nullptr, 0, 0) > 0) dispatch(&next);
+  ::PostQuitMessage(0);
+  return 0;
+}
+
 LRESULT CALLBACK main_procedure(HWND window, UINT message, WPARAM word, LPARAM long_word) {
   switch (message) {
     case WM_COMMAND:
@@ -87,19 +102,29 @@ LRESULT CALLBACK main_procedure(HWND window, UINT message, WPARAM word, LPARAM l
     case WM_SETFOCUS:
       if (main_window.focus != nullptr) ::SetFocus(main_window.focus);
       return 0;
-    case kInterrupted:
-      turn_interruptions();
+    case WM_TIMER:
+      tick();
+      return 0;
+    case kOffered:
+      show_soon();
+      return 0;
+    case kWork:
+      do_work(long_word);
+      return 0;
+    case kLeaving:
+      show_leaving_box();
       return 0;
     case WM_CLOSE:
       // A box that is open goes first, also for other programs that ask.
-      if (::IsWindowEnabled(window) != FALSE) main_window.table.on_close();
-      return 0;
-    case WM_ENDSESSION:
-      if (word != FALSE) {
-        request_exit();
-        turn_interruptions();
+      if (::IsWindowEnabled(window) != FALSE) {
+        hand_over_typing();
+        presses.add({.what = platform::Press::What::closing});
+        show_soon();
       }
       return 0;
+    case WM_QUERYENDSESSION:
+    case WM_ENDSESSION:
+      return on_session_end(message, word);
     case WM_DESTROY:
       ::PostQuitMessage(0);
       return 0;
@@ -133,6 +158,31 @@ bool register_class() {
   return ::RegisterClassExA(&main_class) != 0;
 }
 
+/// A window that nobody sees: the system tells the session's end to windows alone.
+LRESULT CALLBACK hidden_procedure(HWND window, UINT message, WPARAM word, LPARAM long_word) {
+  switch (message) {
+    case WM_TIMER:
+      tick();
+      return 0;
+    case WM_QUERYENDSESSION:
+    case WM_ENDSESSION:
+      return on_session_end(message, word);
+    default:
+      return ::DefWindowProcA(window, message, word, long_word);
+  }
+}
+
+HWND make_hidden_window() {
+  WNDCLASSEXA hidden{};
+  hidden.cbSize = sizeof(hidden);
+  hidden.lpfnWndProc = hidden_procedure;
+  hidden.hInstance = ::GetModuleHandleA(nullptr);
+  hidden.lpszClassName = "SectorixHidden";
+  if (::RegisterClassExA(&hidden) == 0) return nullptr;
+  return ::CreateWindowExA(0, hidden.lpszClassName, "Sectorix", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                           hidden.hInstance, nullptr);
+}
+
 /// The window's first place: the table's size, or what the screen has, in its middle.
 void place_first() {
   MainWindow& main = main_window;
@@ -148,33 +198,84 @@ void place_first() {
                  SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+/// Makes and shows the main window; false when there is no place for one.
+bool make_main_window() {
+  MainWindow& main = main_window;
+  if (!desktop_is_visible() || !register_class()) return false;
+  INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES};
+  ::InitCommonControlsEx(&controls);
+  main.window =
+      ::CreateWindowExA(0, kClassName, main.table.caption->text().c_str(), WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
+                        CW_USEDEFAULT, CW_USEDEFAULT, 0, 0, nullptr, nullptr, ::GetModuleHandleA(nullptr), nullptr);
+  if (main.window == nullptr) return false;
+  if (!create_controls()) {
+    ::DestroyWindow(main.window);
+    main.window = nullptr;
+    main.controls.clear();
+    return false;
+  }
+  const Stillness still;
+  place_first();
+  place_all();
+  show_fields();
+  main.focus = ::GetNextDlgTabItem(main.window, nullptr, FALSE);
+  ::ShowWindow(main.window, SW_SHOWDEFAULT);
+  ::UpdateWindow(main.window);
+  return true;
+}
+
+HANDLE thread = nullptr;
+DWORD thread_id = 0;
+std::atomic<bool> stopping = false;
+
+constexpr UINT kTick = 25;  // milliseconds
+
+/// The window's thread: makes the window, tells that there is one or not, and handles its messages until the program
+/// ends.
+DWORD WINAPI run_thread(void* made) {
+  HWND window = make_main_window() ? main_window.window : nullptr;
+  if (window == nullptr) window = main_window.hidden = make_hidden_window();
+  ::SetEvent(made);
+  if (window != nullptr) ::SetTimer(window, 1, kTick, nullptr);
+  MSG message{};
+  if (window != nullptr) {
+    while (::GetMessageA(&message, nullptr, 0, 0) > 0) dispatch(&message);
+  }
+  // Without any window there is still a console to tell.
+  while (window == nullptr && !stopping) {
+    ::Sleep(kTick);
+    tick();
+  }
+  return 0;
+}
+
 }  // namespace
+
+void stop_window() {
+  if (thread == nullptr || ::GetCurrentThreadId() == thread_id) return;
+  constexpr DWORD kPatience = 300;  // milliseconds; one that waits for the process's end is ended with it
+  stopping = true;
+  ::PostThreadMessageA(thread_id, WM_QUIT, 0, 0);
+  const Call call(Doing::showing);
+  ::WaitForSingleObject(thread, kPatience);
+}
+
 }  // namespace win32
 
 namespace platform {
 
 bool open_window(const WindowTable& table) {
-  win32::MainWindow& main = win32::main_window;
-  if (!win32::desktop_is_visible() || !win32::register_class()) return false;
-  INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES};
-  ::InitCommonControlsEx(&controls);
-  main.table = table;
-  main.window =
-      ::CreateWindowExA(0, win32::kClassName, table.caption->text().c_str(), WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
-                        CW_USEDEFAULT, CW_USEDEFAULT, 0, 0, nullptr, nullptr, ::GetModuleHandleA(nullptr), nullptr);
-  if (main.window == nullptr) return false;
-  if (!win32::create_controls()) {
-    ::DestroyWindow(main.window);
-    main = {};
-    return false;
+  win32::main_window.table = table;
+  win32::become_operations();
+  HANDLE const made = ::CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  {
+    const win32::Call call(win32::Doing::showing);
+    win32::thread = ::CreateThread(nullptr, 0, win32::run_thread, made, 0, &win32::thread_id);
+    if (win32::thread != nullptr) ::WaitForSingleObject(made, INFINITE);
   }
-  win32::place_first();
-  win32::place_all();
-  win32::show_fields();
-  main.focus = ::GetNextDlgTabItem(main.window, nullptr, FALSE);
-  ::ShowWindow(main.window, SW_SHOWDEFAULT);
-  ::UpdateWindow(main.window);
-  return true;
+  ::CloseHandle(made);
+  std::atexit(win32::stop_window);
+  return win32::main_window.window != nullptr;
 }
 
 }  // namespace platform

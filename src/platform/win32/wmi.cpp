@@ -4,6 +4,7 @@
 #include <optional>
 #include <string_view>
 
+#include "platform/win32/call.h"
 #include "platform/win32/com.h"
 #include "platform/win32/win_api.h"
 
@@ -92,6 +93,7 @@ using win32::Com;
 using win32::Variant;
 
 WmiHandle wmi_open(const std::string& moniker) {
+  const win32::Call call(win32::Doing::call);
   if (!win32::join_apartment()) return kNoWmi;
   Com<IDispatch> service;
   const std::wstring name = win32::wide(moniker);
@@ -100,6 +102,7 @@ WmiHandle wmi_open(const std::string& moniker) {
 }
 
 WmiHandle wmi_query(WmiHandle service, const std::string& query, std::uint32_t flags) {
+  const win32::Call call(win32::Doing::call);
   const auto found = win32::reached.find(service);
   if (found == win32::reached.end() || !found->second.service) return kNoWmi;
   std::array<Variant, 3> arguments;
@@ -124,6 +127,7 @@ WmiHandle wmi_query(WmiHandle service, const std::string& query, std::uint32_t f
 }
 
 WmiNext wmi_next(WmiHandle rows, const std::vector<std::string>& properties, WmiRow* row) {
+  const win32::Call call(win32::Doing::call);
   const auto found = win32::reached.find(rows);
   if (found == win32::reached.end() || !found->second.rows) return WmiNext::failed;
   Variant next;
@@ -142,6 +146,7 @@ WmiNext wmi_next(WmiHandle rows, const std::vector<std::string>& properties, Wmi
 }
 
 void wmi_close(WmiHandle handle) {
+  const win32::Call call(win32::Doing::call);
   win32::reached.erase(handle);
 }
 

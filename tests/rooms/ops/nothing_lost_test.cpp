@@ -213,6 +213,15 @@ TEST_P(NothingLost, WhatTheSystemRefusedToWriteNeedsNoFile) {
   }
 }
 
+TEST_P(NothingLost, AReadIsGivenUpBeforeAVisitWritesAndNeverInIt) {
+  headless::desktop.at_pump = [](int pump) { headless::desktop.gives_up_reads = pump >= 2; };
+  visit(5, "slow 0 " + std::to_string(GetParam().disk_sectors) + " 100\n");
+  EXPECT_TRUE(image_is_whole());
+  EXPECT_EQ(measure.done, GetParam().transferred) << "one visit was made whole, the next one's first read given up";
+  EXPECT_THAT(form1.Text1.text(), testing::Not(HasSubstr("ERROR:")));
+  EXPECT_THAT(form1.Text1.text(), testing::Not(HasSubstr("could not be")));
+}
+
 INSTANTIATE_TEST_SUITE_P(Tests, NothingLost,
                          ::testing::Values(WriteTest{"RandomWrite", CmdRnd_Click, {"8"}, 4096, 8, 32, 4096},
                                            WriteTest{"OffTrack", Cmd_OffTrack_Write, {}, 409600, 30, 92, 100}),

@@ -12,6 +12,7 @@ namespace {
 
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 class DiskSearch : public Rig {
  protected:
@@ -92,6 +93,14 @@ TEST_F(DiskSearch, CancelStopsBeforeTheNextRead) {
   };
   search(100000, 50000 * 512, "XYZ", "tXYZ");
   EXPECT_THAT(form1.TxtStatus.text(), HasSubstr("Stopped at block 20480\r\nNo match"));
+}
+
+TEST_F(DiskSearch, AReadThatIsGivenUpEndsItWhereItStands) {
+  headless::desktop.gives_up_reads = true;
+  search(30000, 25000 * 512, "Find Me", "tFind Me", "slow 20480 1 40000\n");
+  EXPECT_EQ(form1.TxtStartLBA.text(), "20480") << "the first LBA that was not read";
+  EXPECT_THAT(form1.Text1.text(), Not(HasSubstr("ERROR:")));
+  EXPECT_EQ(output.ExitCode, 3);
 }
 
 }  // namespace

@@ -165,4 +165,30 @@ TEST_F(SequentialRead, AcrossMidnightTheTimeIsNegative) {
   EXPECT_THAT(form1.Text1.text(), HasSubstr("Time taken= -86398 seconds"));
 }
 
+/// From the third pump on the user presses Cancel twice in every read.
+void give_up_from_the_third_pump() {
+  headless::desktop.at_pump = [](int pump) { headless::desktop.gives_up_reads = pump >= 3; };
+}
+
+TEST_F(SequentialRead, AReadThatIsGivenUpIsNoErrorOfTheDisk) {
+  open_on("sectors 100000\nslow 0 100000 40000\n");
+  headless::desktop.pumps = 0;
+  give_up_from_the_third_pump();
+  click(CmdRead_Click);
+  EXPECT_THAT(form1.Text1.text(), Not(HasSubstr("ERROR:")));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("SET QV_D_TOTERR=0"));
+  EXPECT_EQ(counters.Sectors_Done, 2 * 20480) << "what came before it counts";
+  EXPECT_EQ(measure.transfers, 2);
+  EXPECT_TRUE(measure.stopped);
+  EXPECT_EQ(output.ExitCode, 3);
+  EXPECT_EQ(disk.Buf_Secs, 0) << "nothing of it is shown";
+}
+
+TEST_F(SequentialRead, ABatchWhoseReadIsGivenUpEndsAsCancelled) {
+  headless::desktop.gives_up_reads = true;
+  EXPECT_EQ(start(disk_switch(0, "sectors 1000\nslow 0 1000 40000\n") + "/D:0 /OP:READ"), 3U);
+  EXPECT_THAT(out(), Not(HasSubstr("ERROR:")));
+  EXPECT_THAT(out(), HasSubstr("SET QV_D_READERR=0"));
+}
+
 }  // namespace
