@@ -67,7 +67,7 @@ constexpr Direction kWriting{WriteAt, report_write_failure, "writing", true};
 /// the one before. Made for each direction, so that small transfers are spared a call through a pointer.
 template <const Direction& direction>
 bool transfer_once(std::int64_t lba, std::int64_t sectors, bool tells_slow, bool in_a_row) {
-  form1.TxtStatus.set_deferred<position_text>(PositionFacts{lba, sectors, direction.doing});
+  form1.TxtStatus.cover_deferred<position_text>(PositionFacts{lba, sectors, direction.doing});
   form1.TxtCurrent.set_deferred<lba_text>(lba);
   fetch_column(lba, measure.map);
   progress.XferStart = in_a_row ? progress.XferEnd : platform::seconds_since_midnight();

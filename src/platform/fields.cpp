@@ -16,7 +16,12 @@ Field Field::switched_on() {
   return field;
 }
 
-const std::string& Field::text() const {
+void Field::Text::set(std::string text) {
+  build_ = nullptr;
+  text_ = std::move(text);
+}
+
+const std::string& Field::Text::get() const {
   if (build_ != nullptr) {
     text_ = build_(facts_.data());
     build_ = nullptr;
@@ -24,16 +29,20 @@ const std::string& Field::text() const {
   return text_;
 }
 
+void Field::Text::append(std::string_view more) {
+  get();
+  text_ += more;
+}
+
 void Field::set_text(std::string text) {
-  build_ = nullptr;
-  text_ = std::move(text);
+  text_.set(std::move(text));
+  covered_ = false;
   caret_ = 0;
   replaced_ = ++revision_;
 }
 
 void Field::append(std::string_view more) {
-  text();
-  text_ += more;
+  (covered_ ? cover_ : text_).append(more);
   ++revision_;
 }
 

@@ -21,7 +21,7 @@ class Field {
   /// A field whose state begins as on.
   static Field switched_on();
 
-  const std::string& text() const;
+  const std::string& text() const { return covered_ ? cover_.get() : text_.get(); }
 
   /// Replaces the text. The caret goes to the start.
   void set_text(std::string text);
@@ -32,16 +32,23 @@ class Field {
   /// Replaces the text by what `Build(facts)` gives, put together only when somebody looks.
   template <auto Build, typename Facts>
   void set_deferred(const Facts& facts) {
-    static_assert(std::is_trivially_copyable_v<Facts> && sizeof(Facts) <= sizeof(facts_));
-    std::memcpy(facts_.data(), &facts, sizeof(Facts));
-    build_ = [](const std::byte* raw) {
-      Facts copy;
-      std::memcpy(&copy, raw, sizeof(Facts));
-      return Build(copy);
-    };
+    text_.defer<Build>(facts);
+    covered_ = false;
     replaced_ = ++revision_;
     caret_ = 0;
   }
+
+  /// The same over the text that is there: beneath() gives that one until the next change.
+  template <auto Build, typename Facts>
+  void cover_deferred(const Facts& facts) {
+    cover_.defer<Build>(facts);
+    covered_ = true;
+    replaced_ = ++revision_;
+    caret_ = 0;
+  }
+
+  /// What the field said before it was covered; its text when it is not.
+  const std::string& beneath() const { return text_.get(); }
 
   /// What the user typed, brought back by the window; counts as a change, so that nobody shows an older text over it.
   void set_typed(std::string text) { set_text(std::move(text)); }
@@ -61,9 +68,32 @@ class Field {
   std::uint64_t replaced() const { return replaced_; }
 
  private:
-  mutable std::string text_;
-  mutable std::string (*build_)(const std::byte*) = nullptr;
-  std::array<std::byte, 64> facts_{};
+  /// A text, or what it will be put together from.
+  class Text {
+   public:
+    template <auto Build, typename Facts>
+    void defer(const Facts& facts) {
+      static_assert(std::is_trivially_copyable_v<Facts> && sizeof(Facts) <= sizeof(facts_));
+      std::memcpy(facts_.data(), &facts, sizeof(Facts));
+      build_ = [](const std::byte* raw) {
+        Facts copy;
+        std::memcpy(&copy, raw, sizeof(Facts));
+        return Build(copy);
+      };
+    }
+    void set(std::string text);
+    const std::string& get() const;
+    void append(std::string_view more);
+
+   private:
+    mutable std::string text_;
+    mutable std::string (*build_)(const std::byte*) = nullptr;
+    std::array<std::byte, 64> facts_{};
+  };
+
+  Text text_;
+  Text cover_;
+  bool covered_ = false;
   bool on_ = false;
   std::size_t caret_ = 0;
   std::uint64_t revision_ = 0;

@@ -161,10 +161,18 @@ void read_short(LineReader& line, int /*number*/, DiskFile& disk) {
   disk.shorts.push_back({kind, range(line)});
 }
 
-void read_slow(LineReader& line, int /*number*/, DiskFile& disk) {
+double seconds(LineReader& line) {
   constexpr std::int64_t kDayMilliseconds = 86'400'000;
+  return static_cast<double>(line.number("milliseconds", 0, kDayMilliseconds)) / 1000.0;
+}
+
+void read_slow(LineReader& line, int /*number*/, DiskFile& disk) {
   const Range where = range(line);
-  disk.slows.push_back({where, static_cast<double>(line.number("milliseconds", 0, kDayMilliseconds)) / 1000.0});
+  disk.slows.push_back({where, seconds(line)});
+}
+
+void read_requests(LineReader& line, int /*number*/, DiskFile& disk) {
+  disk.request_seconds = seconds(line);
 }
 
 void read_rate(LineReader& line, int /*number*/, DiskFile& disk) {
@@ -211,7 +219,7 @@ struct Directive {
   bool once;
 };
 
-constexpr std::array<Directive, 23> kDirectives = {{
+constexpr std::array<Directive, 24> kDirectives = {{
     {"sectors", read_sectors, true},
     {"image", read_image, true},
     {"readonly", read_readonly, true},
@@ -231,6 +239,7 @@ constexpr std::array<Directive, 23> kDirectives = {{
     {"short", read_short, false},
     {"slow", read_slow, false},
     {"rate", read_rate, true},
+    {"requests", read_requests, true},
     {"stray", read_stray, false},
     {"drop", read_drop, false},
     {"vanish", read_vanish, true},

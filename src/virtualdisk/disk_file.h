@@ -96,6 +96,7 @@ struct DiskFile {
   std::vector<SlowLine> slows;
   double outer_rate = 0.0;  // MB/s (1,048,576 bytes); 0: as fast as the machine
   double inner_rate = 0.0;
+  double request_seconds = 0.0;  // that each control request takes
   std::vector<StrayLine> strays;
   std::vector<Range> drops;
   std::optional<std::int64_t> vanish_after;  // transfers

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "platform/clock.h"
 #include "platform/units.h"
 #include "virtualdisk/control.h"
 #include "virtualdisk/disk.h"
@@ -166,6 +167,7 @@ std::uint32_t control(platform::Handle handle, std::uint32_t code, const void* i
   const std::span request(static_cast<const std::uint8_t*>(in), in == nullptr ? 0 : in_bytes);
   const std::span reply(static_cast<std::uint8_t*>(out), out == nullptr ? 0 : out_bytes);
   VirtualDisk& disk = disk_of(open->target);
+  if (disk.file.request_seconds > 0.0) platform::wait(disk.file.request_seconds, false);
   switch (open->target.kind) {
     case Kind::drive:
       return control_drive(disk, code, request, reply, returned);

@@ -104,6 +104,23 @@ TEST(Blocked, TheWindowAnswersWhateverTheCommand) {
   }
 }
 
+TEST(Blocked, TheWindowAnswersWhileTheDriveIsAskedWhatItIs) {
+  write_file("quick.vd", "sectors 100\n");
+  write_file("mute.vd", "sectors 400\nsmart 5 3 100 100 36 0\nvolume Q:\nrequests 2500\n");
+  const Program program("/VDISK:0=quick.vd /VDISK:1=mute.vd");
+  const auto waits = [&](const char* during) {
+    ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for 1 s"); })) << during;
+    const std::vector<double> times = answers_while_used(program, 1.0);
+    EXPECT_LT(times[times.size() * 19 / 20 - 1], 100.0) << during;
+    EXPECT_LT(times.back(), 300.0) << during;
+  };
+  program.press("Drive 1");
+  waits("identification");
+  ASSERT_TRUE(wait_until([&] { return text_of(program.edit(kCount)) == "400"; }));
+  start(program, commands()[1]);
+  waits("volume locks and SMART");
+}
+
 TEST(Blocked, ASecondCancelGivesAReadUp) {
   for (const Command& command : commands()) {
     if (command.writes) continue;

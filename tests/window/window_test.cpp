@@ -137,6 +137,21 @@ TEST(Read, CancelStopsItAndGivesTheButtonsBack) {
   EXPECT_LT(std::atoll(text_of(program.edit(kCurrent)).c_str()), 4000000);
 }
 
+TEST(Read, TheRateIsReadableAllTheTime) {
+  write_file("paced.vd", "sectors 4000000\nrate 60\n");
+  write_file("quick.vd", "sectors 40000000\nrate 800\n");
+  for (const char* disk : {"/VDISK:0=paced.vd", "/VDISK:0=quick.vd"}) {
+    const Program program(disk);
+    program.press("Sequential READ");
+    ASSERT_TRUE(wait_until([&] { return text_of(program.edit(kStatus)).find(" sectors in ") != std::string::npos; }));
+    for (int glance = 0; glance < 30; ++glance) {
+      const std::string status = text_of(program.edit(kStatus));
+      ASSERT_NE(status.find(" sectors in "), std::string::npos) << disk << ": " << status;
+      ::Sleep(50);
+    }
+  }
+}
+
 TEST(Read, APressOnALockedButtonIsNotKeptForLater) {
   write_file("slow_end.vd", "sectors 1000\nslow 0 1 1500\n");
   const Program program("/VDISK:0=slow_end.vd");

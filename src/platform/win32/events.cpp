@@ -113,8 +113,11 @@ void stop_blocked_call(const Wanted& wanted) {
 void note_waiting(const Wanted& wanted) {
   constexpr double kMoments = 0.5;
   const platform::Waiting waiting = waiting_now(wanted);
-  main_window.status_instead = main_window.table.waiting(waiting);
-  main_window.status_stays = main_window.status_instead.empty() && waiting.seconds > 0.0 && waiting.seconds < kMoments;
+  const platform::WindowTable& table = main_window.table;
+  main_window.status_instead = table.waiting(waiting);
+  if (main_window.status_instead.empty() && waiting.seconds > 0.0 && waiting.seconds < kMoments) {
+    main_window.status_instead = table.controls[table.status].field->beneath();
+  }
 }
 
 void show_share_when_due(double now) {
@@ -269,7 +272,6 @@ void unlock_buttons() {
   const Stillness still;
   MainWindow& main = main_window;
   main.status_instead.clear();
-  main.status_stays = false;
   show_fields();
   main.busy = false;
   show_pictures();

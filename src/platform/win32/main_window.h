@@ -39,7 +39,6 @@ struct MainWindow {
   bool pushing = false;         // changes that the controls report now are the program's own
   HWND hidden = nullptr;        // stands for the window in a session that shows none, to hear of the session's end
   std::string status_instead;   // what the status line shows in place of its field
-  bool status_stays = false;    // it is not shown anew: a transfer has only just begun
   bool pointer_moved = false;   // over the picture of `pointer_row`, and its handler was not told yet
   std::size_t pointer_row = 0;
   std::optional<platform::Point> pointer;

@@ -101,7 +101,7 @@ void show_fields() {
     main.caption_revision = main.table.caption->revision();
   }
   for (std::size_t i = 0; i < main.controls.size(); ++i) {
-    if (i == main.table.status && (main.status_stays || show_instead(main.status_instead, &main.controls[i]))) continue;
+    if (i == main.table.status && show_instead(main.status_instead, &main.controls[i])) continue;
     show_field(main.table.controls[i], &main.controls[i]);
   }
   main.pushing = false;

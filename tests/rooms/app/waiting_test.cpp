@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "disk/counters.h"
+#include "disk/transfer.h"
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/progress_line.h"
@@ -24,6 +26,21 @@ TEST_F(WaitingTexts, NothingIsSaidInTheFirstSecond) {
   EXPECT_EQ(tell_waiting({.seconds = 0.99}), "");
   EXPECT_EQ(tell_waiting({.seconds = 12.9}), "At sector 5 and reading 8 sectors, waiting for 12 s");
   EXPECT_EQ(form1.TxtStatus.text(), "At sector 5 and reading 8 sectors") << "the report tells the field";
+}
+
+TEST_F(WaitingTexts, ATransferCoversWhatTheOneBeforeTold) {
+  counters = {.No_Secs = 16};
+  std::int64_t lba = 0;
+  Read_sectors(&lba, 16, 8, Events::run);
+  const std::string told = form1.TxtStatus.text();
+  EXPECT_THAT(told, HasSubstr("16 sectors in "));
+  read_once(3, 2);
+  EXPECT_EQ(form1.TxtStatus.text(), "At sector 3 and reading 2 sectors");
+  EXPECT_EQ(form1.TxtStatus.beneath(), told);
+  form1.TxtStatus.append("!");
+  EXPECT_EQ(form1.TxtStatus.text(), "At sector 3 and reading 2 sectors!");
+  form1.TxtStatus.set_text("Done");
+  EXPECT_EQ(form1.TxtStatus.beneath(), "Done");
 }
 
 TEST_F(WaitingTexts, APressIsAnsweredAtOnce) {

@@ -186,6 +186,13 @@ TEST_F(ControlTest, RequestsNeedTheAccessTheirCodesName) {
   EXPECT_EQ(ask(kGeometry, {}, 24).code, 0U);
 }
 
+TEST_F(ControlTest, RequestsTakeTheTimeThatTheDiskFileSays) {
+  disk("sectors 10\nrequests 1500\nvolume Q:");
+  ask(kLength, {}, 8);
+  read_at(0, 1);
+  EXPECT_EQ(headless::desktop.steady, 1.5) << "not transfers";
+}
+
 TEST_F(ControlTest, DeviceMapHasTheBitOfTheDrive) {
   const auto map = [&](const std::string& lines, int drive) {
     disk("sectors 8\n" + lines, drive);

@@ -44,9 +44,10 @@ TEST(DiskFile, NamesFileAndLineOfWhatIsWrong) {
 }
 
 TEST(DiskFile, EveryDirectiveMissesItsWords) {
-  for (const char* name : {"sectors", "image", "model",    "serial",     "firmware",   "bus",    "geometry",
-                           "length",  "smart", "identify", "attributes", "thresholds", "grow",   "fail",
-                           "short",   "slow",  "rate",     "stray",      "drop",       "vanish", "volume"}) {
+  for (const char* name :
+       {"sectors", "image",    "model",      "serial",     "firmware", "bus",     "geometry", "length",
+        "smart",   "identify", "attributes", "thresholds", "grow",     "fail",    "short",    "slow",
+        "rate",    "stray",    "drop",       "vanish",     "volume",   "requests"}) {
     EXPECT_THAT(error_of(name), testing::StartsWith("my.vd:1: missing ")) << name;
   }
 }
