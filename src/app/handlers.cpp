@@ -138,7 +138,7 @@ void cmdCancel_Click() {
 
 void CmdExit_Click() {
   output.ExitCode = kLeft;
-  abandon_results();
+  leave_results();
   kernel32::Sleep(kLeaveAfter);
   ExitProgram();
 }
@@ -146,7 +146,7 @@ void CmdExit_Click() {
 void window_closed() {
   close_drive();
   close_report();
-  abandon_results();
+  leave_results();
   kernel32::Sleep(kLeaveAfter);
   output.ExitCode = kLeft;
   ExitProgram();

@@ -40,16 +40,8 @@ void tell_failure(const std::string& error) {
   if (!error.empty()) tell_and_show(error);
 }
 
-}  // namespace
-
-void begin_results(const std::string& version, const std::string& unmeasured_name) {
-  results = {version, unmeasured_name, measure.runs, platform::local_time(), platform::utc_time()};
-  if (!asked.csv) return;
-  begin_csv(*asked.csv);
-  measure.on_transfer = add_csv_row;
-}
-
-void finish_results() {
+void close_results(const Result& result) {
+  results.open = false;
   measure.on_transfer = nullptr;
   // A batch gets its files even where nothing was to be transferred.
   if (!measured_something() && !in_batch()) {
@@ -57,13 +49,33 @@ void finish_results() {
     return;
   }
   if (asked.csv) tell_failure(finish_csv());
-  if (!asked.json && !asked.graph) return;
-  const Result result = collect();
   if (asked.json) tell_failure(write_whole_file(*asked.json, json_result(result, measure)));
   if (asked.graph) tell_failure(write_whole_file(*asked.graph, svg_graph(result, measure)));
 }
 
-void abandon_results() {
-  measure.on_transfer = nullptr;
-  abandon_csv();
+}  // namespace
+
+void begin_results(const std::string& version, const std::string& unmeasured_name) {
+  results = {version, unmeasured_name, measure.runs, platform::local_time(), platform::utc_time(), true};
+  if (!asked.csv) return;
+  begin_csv(*asked.csv);
+  measure.on_transfer = add_csv_row;
+}
+
+void finish_results() {
+  close_results(collect());
+}
+
+void leave_results() {
+  if (!results.open || !measured_something()) {
+    measure.on_transfer = nullptr;
+    abandon_csv();
+    return;
+  }
+  end_measuring(true);
+  Result result = collect();
+  result.cancelled = true;
+  result.after = {};
+  result.events = {};
+  close_results(result);
 }

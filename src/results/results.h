@@ -12,6 +12,7 @@ struct Results {
   std::uint64_t runs_before = 0;  // measure.runs when the command began
   platform::DateTime command_local;
   platform::DateTime command_utc;
+  bool open = false;  // a command runs whose files are still to be written
 };
 
 inline Results results;
@@ -23,5 +24,6 @@ void begin_results(const std::string& version, const std::string& unmeasured_nam
 /// A command has ended: the files are written if it was an operation. A failure is told, and stops nothing.
 void finish_results();
 
-/// The program ends in the middle of a command: no half file stays.
-void abandon_results();
+/// The program ends, perhaps in the middle of a command: the files get what was measured so far, as a cancelled run's.
+/// No SMART data and no events of its end are among it.
+void leave_results();

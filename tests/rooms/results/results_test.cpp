@@ -284,7 +284,7 @@ TEST_F(ResultsTest, ManyRowsGoThroughABufferOfOneSize) {
   EXPECT_EQ(rows().back().lba, 9999);
 }
 
-TEST_F(ResultsTest, LeavingInTheMiddleLeavesNoHalfFile) {
+TEST_F(ResultsTest, LeavingInTheMiddleWritesWhatWasMeasuredSoFar) {
   static bool half_written = false;
   headless::desktop.at_pump = [](int pump) {
     if (pump < 2500) return;
@@ -293,7 +293,21 @@ TEST_F(ResultsTest, LeavingInTheMiddleLeavesNoHalfFile) {
   };
   start(drive_0("sectors 1000\n") + "/OP:RANDOMREAD /PASSES:3000 /COUNT:1" + files());
   EXPECT_TRUE(half_written);
-  for (const char* name : {"r.csv", "r.csv.tmp", "r.json", "r.json.tmp", "r.svg"}) EXPECT_FALSE(exists(name)) << name;
+  for (const char* name : {"r.csv.tmp", "r.json.tmp", "r.svg.tmp"}) EXPECT_FALSE(exists(name)) << name;
+  EXPECT_TRUE(document()["operation"]["cancelled"]);
+  EXPECT_EQ(document()["exit_code"], 1);
+  EXPECT_FALSE(document()["events_complete"]) << "nobody asked for them";
+  EXPECT_GT(rows().size(), 1000U);
+  EXPECT_EQ(document()["totals"]["transfers"], rows().size());
+  EXPECT_TRUE(exists("r.svg"));
+}
+
+TEST_F(ResultsTest, LeavingAfterACommandWritesNothing) {
+  open(drive_0("sectors 1000\n") + files());
+  click(CmdRead_Click);
+  write_file("r.json", "mine by now");
+  click(CmdExit_Click);
+  EXPECT_EQ(read_file(path("r.json")), "mine by now");
 }
 
 TEST_F(ResultsTest, EachOperationOfTheWindowReplacesTheFiles) {
