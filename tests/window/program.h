@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <functional>
@@ -38,7 +39,7 @@ class Program {
   HWND wait_for_box(const std::string& title) const;
   bool box_is_open() const;
 
-  /// What the process ends with; 9999 when it does not end within ten seconds.
+  /// What the process ends with; 9999 when it does not end within half a minute.
   DWORD exit_code() const;
   bool running() const;
 
@@ -62,8 +63,12 @@ bool enabled(HWND window);
 bool read_only(HWND edit);
 RECT place_of(HWND window);
 
-/// Asks until it is so, up to ten seconds.
+/// Asks until it is so, up to half a minute: other programs may keep the machine busy.
 bool wait_until(const std::function<bool()>& holds);
+
+/// Whether of the milliseconds that one of four rounds gives nineteen in twenty are below `usual` and all below
+/// `worst`: a busy machine may spoil a round, a window that freezes spoils all.
+testing::AssertionResult answers_within(double usual, double worst, const std::function<std::vector<double>()>& round);
 
 /// Writes a file into the current folder.
 void write_file(const std::string& name, const std::string& text);
