@@ -144,11 +144,11 @@ void CmdExit_Click() {
 }
 
 void window_closed() {
+  output.ExitCode = kLeft;
   close_drive();
   close_report();
   leave_results();
   kernel32::Sleep(kLeaveAfter);
-  output.ExitCode = kLeft;
   ExitProgram();
 }
 

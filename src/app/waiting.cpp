@@ -9,6 +9,8 @@ namespace {
 using platform::Stops;
 using platform::Waiting;
 
+constexpr double kLong = 1.0;  // seconds, from which on it is said how long
+
 std::string seconds_text(const Waiting& waiting) {
   return std::to_string(static_cast<int>(waiting.seconds)) + " s";
 }
@@ -17,7 +19,7 @@ std::string seconds_text(const Waiting& waiting) {
 std::string stopping_text(const Waiting& waiting) {
   std::string text = waiting.pressed == Stops::program ? "Leaving" : "Cancelling";
   text += " after this transfer";
-  if (waiting.seconds >= 1.0) text += ": the drive has not answered for " + seconds_text(waiting);
+  if (waiting.seconds >= kLong) text += ": the drive has not answered for " + seconds_text(waiting);
   if (waiting.holds_other_data) return text + ". The disk gets its contents back first.";
   if (waiting.pressed == Stops::command && waiting.can_be_given_up) return text + ". Cancel again gives the read up.";
   return text;
@@ -27,7 +29,6 @@ std::string stopping_text(const Waiting& waiting) {
 
 std::string tell_waiting(const Waiting& waiting) {
   constexpr double kSoon = 0.1;  // seconds, in which a press is taken without a word
-  constexpr double kLong = 1.0;
   progress_bar.waiting = static_cast<int>(waiting.seconds);
   if (waiting.seconds < (waiting.pressed == Stops::nothing ? kLong : kSoon)) return {};
   std::string text = waiting.pressed == Stops::nothing

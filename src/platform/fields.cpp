@@ -36,9 +36,7 @@ void Field::Text::append(std::string_view more) {
 
 void Field::set_text(std::string text) {
   text_.set(std::move(text));
-  covered_ = false;
-  caret_ = 0;
-  replaced_ = ++revision_;
+  note_replaced(false);
 }
 
 void Field::append(std::string_view more) {

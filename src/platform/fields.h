@@ -33,18 +33,14 @@ class Field {
   template <auto Build, typename Facts>
   void set_deferred(const Facts& facts) {
     text_.defer<Build>(facts);
-    covered_ = false;
-    replaced_ = ++revision_;
-    caret_ = 0;
+    note_replaced(false);
   }
 
   /// The same over the text that is there: beneath() gives that one until the next change.
   template <auto Build, typename Facts>
   void cover_deferred(const Facts& facts) {
     cover_.defer<Build>(facts);
-    covered_ = true;
-    replaced_ = ++revision_;
-    caret_ = 0;
+    note_replaced(true);
   }
 
   /// What the field said before it was covered; its text when it is not.
@@ -90,6 +86,12 @@ class Field {
     mutable std::string (*build_)(const std::byte*) = nullptr;
     std::array<std::byte, 64> facts_{};
   };
+
+  void note_replaced(bool by_cover) {
+    covered_ = by_cover;
+    caret_ = 0;
+    replaced_ = ++revision_;
+  }
 
   Text text_;
   Text cover_;

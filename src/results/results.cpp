@@ -56,7 +56,12 @@ void close_results(const Result& result) {
 }  // namespace
 
 void begin_results(const std::string& version, const std::string& unmeasured_name) {
-  results = {version, unmeasured_name, measure.runs, platform::local_time(), platform::utc_time(), true};
+  results = {.version = version,
+             .unmeasured_name = unmeasured_name,
+             .runs_before = measure.runs,
+             .command_local = platform::local_time(),
+             .command_utc = platform::utc_time(),
+             .open = true};
   if (!asked.csv) return;
   begin_csv(*asked.csv);
   measure.on_transfer = add_csv_row;

@@ -36,14 +36,18 @@ std::uint32_t shown_in_pause = 0;
 int stillnesses = 0;
 bool leaving_shown = false;
 
+/// Notes when another call is under way than at the last look.
+void note_call() {
+  const CallUnderWay now = call_under_way();
+  if (now.number == seen.number && now.doing == seen.doing) return;
+  seen = now;
+  seen_at = platform::steady_seconds();
+}
+
 /// How long the operations' thread has been in one system call, as seen from here; 0 outside of one.
 double seconds_in_call() {
-  const CallUnderWay now = call_under_way();
-  if (now.number != seen.number || now.doing != seen.doing) {
-    seen = now;
-    seen_at = platform::steady_seconds();
-  }
-  return now.doing == Doing::call || now.doing == Doing::read ? platform::steady_seconds() - seen_at : 0.0;
+  note_call();
+  return seen.doing == Doing::call || seen.doing == Doing::read ? platform::steady_seconds() - seen_at : 0.0;
 }
 
 bool may_take_baton() {
@@ -195,7 +199,7 @@ void show_soon() {
 }
 
 void tick() {
-  seconds_in_call();
+  note_call();
   clear_end_session();
   const CallUnderWay call = call_under_way();
   if (call.doing == Doing::idle && call.number == shown_in_pause) return;

@@ -285,21 +285,25 @@ TEST_F(ResultsTest, ManyRowsGoThroughABufferOfOneSize) {
 }
 
 TEST_F(ResultsTest, LeavingInTheMiddleWritesWhatWasMeasuredSoFar) {
-  static bool half_written = false;
-  headless::desktop.at_pump = [](int pump) {
-    if (pump < 2500) return;
-    half_written = exists("r.csv.tmp");
-    CmdExit_Click();
-  };
-  start(drive_0("sectors 1000\n") + "/OP:RANDOMREAD /PASSES:3000 /COUNT:1" + files());
-  EXPECT_TRUE(half_written);
-  for (const char* name : {"r.csv.tmp", "r.json.tmp", "r.svg.tmp"}) EXPECT_FALSE(exists(name)) << name;
-  EXPECT_TRUE(document()["operation"]["cancelled"]);
-  EXPECT_EQ(document()["exit_code"], 1);
-  EXPECT_FALSE(document()["events_complete"]) << "nobody asked for them";
-  EXPECT_GT(rows().size(), 1000U);
-  EXPECT_EQ(document()["totals"]["transfers"], rows().size());
-  EXPECT_TRUE(exists("r.svg"));
+  for (void (*leave)() : {CmdExit_Click, window_closed}) {
+    bool half_written = false;
+    headless::desktop.at_pump = [&](int pump) {
+      if (pump < 2500) return;
+      half_written = exists("r.csv.tmp");
+      leave();
+    };
+    headless::desktop.pumps = 0;
+    start(drive_0("sectors 1000\n") + "/OP:RANDOMREAD /PASSES:3000 /COUNT:1" + files());
+    EXPECT_TRUE(half_written);
+    for (const char* name : {"r.csv.tmp", "r.json.tmp", "r.svg.tmp"}) EXPECT_FALSE(exists(name)) << name;
+    EXPECT_TRUE(document()["operation"]["cancelled"]);
+    EXPECT_EQ(document()["exit_code"], 1);
+    EXPECT_FALSE(document()["events_complete"]) << "nobody asked for them";
+    EXPECT_GT(rows().size(), 1000U);
+    EXPECT_EQ(document()["totals"]["transfers"], rows().size());
+    EXPECT_TRUE(exists("r.svg"));
+    for (const char* name : {"r.csv", "r.json", "r.svg"}) std::filesystem::remove(path(name));
+  }
 }
 
 TEST_F(ResultsTest, LeavingAfterACommandWritesNothing) {
