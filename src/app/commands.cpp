@@ -15,19 +15,23 @@
 #include "ops/frame.h"
 #include "ops/operations.h"
 #include "ops/selection.h"
+#include "ops/write_guard.h"
 #include "platform/window.h"
 #include "results/results.h"
 
 namespace {
 
 bool fill() {
-  fill_buffer();
-  return true;
+  return (in_batch() || range_is_plain()) && fill_buffer();
+}
+
+bool take_edited_buffer() {
+  return disk.Sec_Buf.allocated() && range_is_plain() && take_edits(named_range());
 }
 
 /// Asks at once, and not where the other commands that write do: docs/oddities.md, 13.
 bool confirm_destructive_test() {
-  if (!confirm_write("WRITE TO DRIVE?")) return false;
+  if (!confirm_write("WRITE TO DRIVE?", Overwritten::anywhere)) return false;
   form1.Text1.set_text({});
   return true;
 }
@@ -50,6 +54,7 @@ constexpr std::array kCommands = {
             .trace = "WRITETOEND",
             .question = wipe_title,
             .writes = true,
+            .from_buffer = true,
             .plan = plan_write,
             .transfer = Seq_Write,
             .report = report_write},
@@ -88,10 +93,12 @@ constexpr std::array kCommands = {
             .report = report_show},
     Command{.name = "SMART", .has_switch = true, .alone = list_smart, .unmeasured_name = "smart"},
     Command{.name = "WRITE BUFFER",
-            .prepare = take_edits,
+            .prepare = take_edited_buffer,
             .trace = "WRITEBUFFTOEND",
             .question = write_buffer_title,
+            .confirm = confirm_source,
             .writes = true,
+            .from_buffer = true,
             .plan = plan_write,
             .transfer = Seq_Write,
             .report = report_write},
@@ -109,7 +116,7 @@ constexpr std::array kCommands = {
             .transfer = OffTrack_Write_Test,
             .report = report_off_track},
     Command{.name = "SHOW BUFFER", .alone = show_buffer_for_editing},
-    Command{.name = "FILL BUFFER", .alone = fill_buffer},
+    Command{.name = "FILL BUFFER", .alone = [] { fill_buffer(); }},
 };
 
 /// The part of an operation that is counted and measured.
@@ -120,6 +127,7 @@ void run_operation(const Command& command) {
   begin_measuring(*plan);
   if (command.timed) start_timing();
   command.transfer(*plan);
+  if (!command.from_buffer) note_source();
   if (command.timed) end_timing();
   command.report();
 }
@@ -127,7 +135,17 @@ void run_operation(const Command& command) {
 bool may_begin(const Command& command) {
   if (command.prepare != nullptr && !command.prepare()) return false;
   if (command.trace != nullptr) ShowMessage(std::string("Started HDD - ") + command.trace);
-  return command.question == nullptr || confirm_write(command.question());
+  if (command.question != nullptr && !confirm_write(command.question(), Overwritten::range)) return false;
+  return command.confirm == nullptr || command.confirm();
+}
+
+/// The volumes are locked, and dismounted with the drive, as long as a command may write.
+void run_writing(const Command& command) {
+  if (!still_the_drive() || !hold_drive()) return;
+  Lock_Unlock_All_Volumes(form1.SelectedDrive, "LOCK");
+  MY_DISMOUNT_VOLUME(disk.hDrive);
+  run_operation(command);
+  Lock_Unlock_All_Volumes(form1.SelectedDrive, "UNLOCK");
 }
 
 void run_in_frame(const Command& command) {
@@ -138,11 +156,10 @@ void run_in_frame(const Command& command) {
   Start_Operation();
   begin_progress_line();
   if (command.writes) {
-    Lock_Unlock_All_Volumes(form1.SelectedDrive, "LOCK");
-    MY_DISMOUNT_VOLUME(disk.hDrive);
+    run_writing(command);
+  } else {
+    run_operation(command);
   }
-  run_operation(command);
-  if (command.writes) Lock_Unlock_All_Volumes(form1.SelectedDrive, "UNLOCK");
   end_progress_line();
   End_Operation();
 }
@@ -155,7 +172,7 @@ void unlock_buttons() {
   if (!in_batch()) return;
   // What was pressed after all had been told changes nothing that a batch file sees.
   output.ExitCode = exit_code;
-  form1.CommandLineMode = command_line_mode;
+  set_command_line_mode(command_line_mode);
 }
 
 }  // namespace
@@ -180,6 +197,7 @@ void run_command(std::string_view name) {
     command.alone();
   } else {
     run_in_frame(command);
+    release_drive();
   }
   end_measuring(form1.MyCancel);
   finish_results();

@@ -26,9 +26,11 @@ struct Command {
   bool (*prepare)() = nullptr;          // false leaves the command
   const char* trace = nullptr;          // the line that says what has started
   std::string (*question)() = nullptr;  // title of the question whether the disk may be overwritten
+  bool (*confirm)() = nullptr;          // asks what no mode leaves out
 
   // In its frame.
-  bool writes = false;  // the drive's volumes are locked and dismounted meanwhile
+  bool writes = false;       // the drive's volumes are locked and dismounted meanwhile
+  bool from_buffer = false;  // writes what the buffer holds over the range in the fields
   std::optional<RunPlan> (*plan)() = nullptr;
   bool timed = true;  // the totals tell the time between its first and last transfer
   void (*transfer)(const RunPlan& plan) = nullptr;

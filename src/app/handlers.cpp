@@ -1,6 +1,7 @@
 #include "app/handlers.h"
 
 #include "app/commands.h"
+#include "app/program.h"
 #include "device/kernel32.h"
 #include "disk/drive.h"
 #include "disk/progress.h"
@@ -131,7 +132,7 @@ void CmdHelp_Click() {
 
 void cmdCancel_Click() {
   form1.MyCancel = true;
-  form1.CommandLineMode = false;
+  set_command_line_mode(false);
   form1.Text1.caret_to_end();
   output.ExitCode = kCancelled;
 }

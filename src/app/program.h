@@ -10,8 +10,11 @@ int run_program();
 /// and the instructions. Goes on past failures of single steps.
 void Form_Load();
 
-/// What the window's caption says.
+/// What the window's caption says while questions are asked.
 std::string version_line();
+
+/// Turns command-line mode on or off, which the caption tells as long as it lasts.
+void set_command_line_mode(bool on);
 
 /// The program's version, as "1.0.0".
 std::string program_version();

@@ -60,6 +60,11 @@ std::string program_version() {
          std::to_string(SECTORIX_REVISION);
 }
 
+void set_command_line_mode(bool on) {
+  form1.CommandLineMode = on;
+  form1.Caption.set_text(version_line() + (on ? " - COMMAND-LINE MODE: writes without asking" : ""));
+}
+
 bool GetOsVersion() {
   constexpr std::uint32_t kPlatformNt = 2;  // winnt.h: VER_PLATFORM_WIN32_NT
   kernel32::OsVersion version;
@@ -74,10 +79,9 @@ void Form_Load() {
   form1.RangeEdited = false;
   form1.TxtCurrent.set_text({});
   form1.SelectedDrive = kNoDrive;
-  form1.Caption.set_text(version_line());
   form1.Text1.set_text({});
   form1.TxtPattern.set_text("2C2CAA55");
-  form1.CommandLineMode = asked.mode == Mode::command_line || in_batch();
+  set_command_line_mode(asked.mode == Mode::command_line || in_batch());
   if (form1.CommandLineMode) select_named_drives();
   if (form1.SelectedDrive != kNoDrive) {
     // Only a selector that was on before start-up leaves MyCancel clear: then nothing was selected.

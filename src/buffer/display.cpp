@@ -39,7 +39,7 @@ void show_buffer_for_editing() {
   Display_Buf(disk.Sec_Buf.bytes());
 }
 
-void fill_buffer() {
+bool fill_buffer() {
   const Pattern pattern = parse_pattern(form1.TxtPattern.text());
   if (pattern.replaced) tell_user(std::string(kPatternError));
   disk.Sec_Buf.resize(kChunkSectors * kSectorSize);
@@ -50,4 +50,6 @@ void fill_buffer() {
   disk.Buf_LBA = 0;
   // The length in bytes, not in sectors: docs/oddities.md, 5.
   disk.Buf_Secs = disk.Sec_Buf.size();
+  disk.source = {.kind = Source::Kind::pattern};
+  return !pattern.replaced;
 }

@@ -19,5 +19,5 @@ void ShowMBRParams();
 void show_buffer_for_editing();
 
 /// Fills Sec_Buf, made anew to hold kChunkSectors sectors, with the pattern in TxtPattern, and writes the pattern back
-/// in its normal form. A bad one is told and the default takes its place.
-void fill_buffer();
+/// in its normal form. A bad one is told and the default takes its place: false.
+bool fill_buffer();

@@ -97,7 +97,7 @@ bool Get_text_to_Buffer() {
   return parse.outcome == EditOutcome::ok;
 }
 
-bool take_edits() {
+bool take_edits(const std::string& place) {
   if (!disk.Sec_Buf.allocated()) return false;
   if (form1.Text1.text().find(kEditMark) == std::string::npos) return true;
   if (!Get_text_to_Buffer()) return false;
@@ -113,8 +113,8 @@ bool take_edits() {
     tell_user("No changes made to buffer contents", platform::BoxIcon::information);
     return true;
   }
-  const std::string question =
-      std::to_string(changes.count) + " bytes edited - OK to overwrite " + std::to_string(sectors) + " sectors?";
+  const std::string question = std::to_string(changes.count) + " bytes edited - OK to overwrite " +
+                               std::to_string(sectors) + " sectors?" + place;
   // In command-line mode no second question follows: the title of this one tells what is written where.
   if (!ask_user(question, form1.CommandLineMode ? write_buffer_title() : "")) return false;
   std::copy(editor.Edit_Buf.begin(), editor.Edit_Buf.end(), disk.Sec_Buf.data());

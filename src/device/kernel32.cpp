@@ -117,6 +117,12 @@ bool CloseHandle(Handle handle) {
   return keep_system(platform::CloseHandle(handle));
 }
 
+Handle make_named_object(const char* name) {
+  const Handle object = platform::make_named_object(name);
+  keep_system(object != kInvalidHandle);
+  return object;
+}
+
 bool MoveFileExA(const char* from, const char* to, std::uint32_t flags) {
   return keep_system(platform::MoveFileExA(from, to, flags));
 }

@@ -37,6 +37,7 @@ bool FlushFileBuffers(Handle file);
 bool DeviceIoControl(Handle device, std::uint32_t code, const void* in, std::uint32_t in_bytes, void* out,
                      std::uint32_t out_bytes, std::uint32_t* returned);
 bool CloseHandle(Handle handle);
+Handle make_named_object(const char* name);
 bool MoveFileExA(const char* from, const char* to, std::uint32_t flags);
 bool DeleteFileA(const char* name);
 std::uint32_t FormatMessageA(std::uint32_t flags, std::uint32_t code, char* text, std::uint32_t text_bytes);

@@ -13,12 +13,6 @@ namespace {
 
 constexpr std::uint32_t kEndOfFile = 38;  // winerror.h: ERROR_HANDLE_EOF
 
-bool may_transfer(std::int64_t lba, std::int64_t count) {
-  constexpr std::int64_t kLastLba = std::numeric_limits<std::int64_t>::max() / kSectorSize;
-  return lba >= 0 && lba <= kLastLba && count >= 0 && count <= kLargestTransfer &&
-         count * kSectorSize <= disk.Sec_Buf.size();
-}
-
 bool seek(std::int64_t lba) {
   std::int64_t position = 0;
   return kernel32::SetFilePointerEx(disk.hDrive, lba * kSectorSize, &position, platform::kFileBegin);
@@ -75,6 +69,12 @@ void GetandOpenDrive() {
 void close_drive() {
   if (disk.hDrive != kernel32::kInvalidHandle) kernel32::CloseHandle(disk.hDrive);
   disk.hDrive = kernel32::kInvalidHandle;
+}
+
+bool may_transfer(std::int64_t lba, std::int64_t count) {
+  constexpr std::int64_t kLastLba = std::numeric_limits<std::int64_t>::max() / kSectorSize;
+  return lba >= 0 && lba <= kLastLba && count >= 0 && count <= kLargestTransfer &&
+         count * kSectorSize <= disk.Sec_Buf.size();
 }
 
 bool ReadAt(std::int64_t lba, std::int64_t count) {

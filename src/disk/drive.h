@@ -1,10 +1,21 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "device/kernel32.h"
 #include "disk/sector_buffer.h"
 #include "platform/units.h"
+
+/// Where the contents of Sec_Buf come from.
+struct Source {
+  enum class Kind : std::uint8_t { nothing, pattern, sectors };
+  Kind kind = Kind::nothing;
+  int drive = kNoDrive;  // of sectors: the drive, its serial number, the first LBA and how many were read
+  std::string serial{};
+  std::int64_t lba = 0;
+  std::int64_t sectors = 0;
+};
 
 /// The selected drive's handle, the sector buffer and what the last transfer did.
 struct Disk {
@@ -15,6 +26,7 @@ struct Disk {
   std::uint32_t Errno = 0;        // system error code of the last transfer
   bool given_up = false;          // the last transfer was a read that the user gave up: nothing is wrong with the disk
   std::uint32_t flush_errno = 0;  // of the flush behind the last write
+  Source source;                  // as the last command that filled the buffer left it
 };
 
 inline Disk disk;
@@ -38,6 +50,10 @@ void GetandOpenDrive();
 
 /// Closes the drive; disk.hDrive is invalid afterwards.
 void close_drive();
+
+/// True for a transfer of `count` sectors at `lba` that fits Sec_Buf and what a transfer can be; another makes no
+/// system call.
+bool may_transfer(std::int64_t lba, std::int64_t count);
 
 /// Reads `count` sectors from `lba` into the start of Sec_Buf with one system call. False on failure, also when fewer
 /// bytes came than asked; disk.Errno has the code (38 where the system gave none), disk.Buf_Secs is 0 then. A transfer

@@ -1,5 +1,6 @@
 #include "form/number_text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -51,6 +52,13 @@ std::int64_t number_in(std::string_view text) {
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
   const bool whole = error == std::errc() && end == digits.data() + digits.size() && digits.front() != '-';
   return whole ? value : 0;
+}
+
+bool is_plain_number(std::string_view text) {
+  const bool digits =
+      !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+  std::int64_t value = 0;
+  return digits && std::from_chars(text.data(), text.data() + text.size(), value).ec == std::errc();
 }
 
 double leading_number(std::string_view text) {

@@ -9,6 +9,9 @@
 /// Optional blanks around decimal digits within a signed 64-bit number; anything else gives 0.
 std::int64_t number_in(std::string_view text);
 
+/// True for a signed 64-bit number of decimal digits and nothing else.
+bool is_plain_number(std::string_view text);
+
 /// The leading decimal number of `text` ("2.5MB" gives 2.5), blanks before it allowed; 0 when there is none.
 double leading_number(std::string_view text);
 

@@ -3,7 +3,6 @@
 #include <string>
 #include <string_view>
 
-#include "device/volume_disk.h"
 #include "disk/counters.h"
 #include "disk/drive.h"
 #include "disk/progress.h"
@@ -13,6 +12,7 @@
 #include "form/output.h"
 #include "ops/selection.h"
 #include "ops/visit.h"
+#include "ops/write_guard.h"
 #include "platform/clock.h"
 #include "platform/window.h"
 #include "smart/compare.h"
@@ -37,11 +37,8 @@ void check_drive_of_run() {
                        identification.Disk_Serial + "\", not \"" + *asked.serial + "\": nothing was done.");
   }
   if (!asked.writes) return;
-  const OnDrive system = holds_windows(form1.SelectedDrive);
-  if (system == OnDrive::yes) refuse_wrong_drive("Windows runs from this disk: it is not written to.");
-  if (system == OnDrive::unknown) {
-    refuse_wrong_drive("It cannot be learned which disk Windows runs from: no real disk is written to.");
-  }
+  const std::string reason = why_not_written();
+  if (!reason.empty()) refuse_wrong_drive(reason);
 }
 
 void refuse_missing_drive() {
@@ -141,10 +138,4 @@ void report_end(const std::string& line) {
   report_and_show(line);
   Do_errors();
   form1.Text1.append("\r\nFinished!\r\n");
-}
-
-bool confirm_write(const std::string& title) {
-  return form1.CommandLineMode || ask_user("Warning: This Disk " + std::to_string(form1.SelectedDrive) +
-                                               " Write operation will overwrite all existing data!",
-                                           title);
 }

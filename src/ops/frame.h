@@ -48,6 +48,3 @@ void report_end(const std::string& line);
 
 /// Lets `show` append to Text1 and writes what it appended to the report.
 void show_in_report(void (*show)());
-
-/// Asks whether the selected disk may be overwritten; true without a question in command-line mode.
-bool confirm_write(const std::string& title);

@@ -161,7 +161,7 @@ std::optional<RunPlan> plan_destructive_write() {
   if (!choose_test()) return std::nullopt;
   form1.TxtNoSecs.set_text(std::to_string(counters.No_Secs));
   size_buffer();
-  fill_buffer();
+  if (!fill_buffer()) return std::nullopt;
   random_test.pattern.assign(visit_bytes().begin(), visit_bytes().end());
   report_and_show("Destructive Random Write test to whole disk with pattern " + form1.TxtPattern.text() + ", " +
                   std::to_string(random_test.passes) + " passes, " + std::to_string(counters.No_Secs) +

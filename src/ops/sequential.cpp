@@ -22,11 +22,11 @@ void announce(const std::string& doing) {
   PrintReport(line);
 }
 
-/// Transfers the whole range: first the whole chunks, then what is left of it.
+/// Transfers `sectors` sectors: first the whole chunks, then what is left of them.
 void transfer_range(bool (*transfer)(std::int64_t*, std::int64_t, std::int64_t, Events), std::int64_t lba,
-                    std::int64_t chunk) {
-  transfer(&lba, counters.No_Secs, chunk, Events::run);
-  const std::int64_t left = counters.No_Secs - counters.Sectors_Done;
+                    std::int64_t sectors, std::int64_t chunk) {
+  transfer(&lba, sectors, chunk, Events::run);
+  const std::int64_t left = sectors - counters.Sectors_Done;
   if (left > 0) transfer(&lba, left, left, Events::run);
 }
 
@@ -45,7 +45,7 @@ std::optional<RunPlan> plan_read() {
 }
 
 void Seq_Read(const RunPlan& plan) {
-  transfer_range(Read_sectors, plan.first_lba, read_chunk(plan.sectors));
+  transfer_range(Read_sectors, plan.first_lba, plan.sectors, read_chunk(plan.sectors));
 }
 
 void report_read() {
@@ -60,7 +60,10 @@ std::optional<RunPlan> plan_write() {
 
 void Seq_Write(const RunPlan& plan) {
   // One step, unlike the read's two: docs/oddities.md, 14.
-  transfer_range(Write_sectors, plan.first_lba, std::min(plan.sectors, kChunkSectors));
+  const std::int64_t chunk = std::min(plan.sectors, kChunkSectors);
+  // Behind a chunk that the buffer cannot fill, a smaller remainder would be written alone to the range's end.
+  const bool refused = !may_transfer(plan.first_lba, chunk);
+  transfer_range(Write_sectors, plan.first_lba, refused ? chunk : plan.sectors, chunk);
 }
 
 void report_write() {

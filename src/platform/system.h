@@ -34,6 +34,8 @@ inline constexpr std::uint32_t kAccessDenied = 5;
 inline constexpr std::uint32_t kWriteProtect = 19;
 inline constexpr std::uint32_t kFileExists = 80;
 
+inline constexpr std::uint32_t kAlreadyExists = 183;  // ERROR_ALREADY_EXISTS
+
 /// What a write that was cut short means where the system gave no code: ERROR_DISK_FULL (winerror.h).
 inline constexpr std::uint32_t kDiskFull = 112;
 
@@ -53,6 +55,11 @@ bool FlushFileBuffers(Handle file);
 bool DeviceIoControl(Handle device, std::uint32_t code, const void* in, std::uint32_t in_bytes, void* out,
                      std::uint32_t out_bytes, std::uint32_t* returned);
 bool CloseHandle(Handle handle);
+
+/// Makes the named object `name` ("Global\..." for all sessions), which is there as long as a handle to it is open.
+/// kInvalidHandle when it cannot be made: with kAlreadyExists when another process has it, with kAccessDenied when
+/// another user has.
+Handle make_named_object(const char* name);
 
 inline constexpr std::uint32_t kReplaceExisting = 1;  // winbase.h: MOVEFILE_REPLACE_EXISTING
 inline constexpr std::uint32_t kWriteThrough = 8;     // MOVEFILE_WRITE_THROUGH

@@ -59,7 +59,9 @@ Wrong open_content(VirtualDisk& disk, const std::string& beside) {
   disk.readonly = file.readonly;
   disk.sectors = file.sectors;
   if (file.image.name.empty()) return {};
-  const std::string reason = disk.content.open_image(resolved(file.image.name, beside));
+  const std::string name = resolved(file.image.name, beside);
+  const std::string reason = disk.content.open_image(name);
+  disk.image = platform::full_path(name);
   if (!reason.empty()) return {file.image.line, file.image.name + " " + reason};
   const std::int64_t held = disk.content.image_bytes() / kSectorSize;
   if (file.sectors > held) {

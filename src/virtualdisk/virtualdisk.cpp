@@ -77,6 +77,10 @@ bool attached(int drive) {
   return is_drive_number(drive) && state.disks[static_cast<std::size_t>(drive)] != nullptr;
 }
 
+std::string image_of(int drive) {
+  return attached(drive) ? state.disks[static_cast<std::size_t>(drive)]->image : std::string();
+}
+
 int disk_named(std::string_view name) {
   return target_named(name).value_or(Target{}).drive;
 }

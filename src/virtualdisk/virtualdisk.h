@@ -22,6 +22,9 @@ void detach_all();
 
 bool attached(int drive);
 
+/// The whole path of the image behind drive `drive`; empty for a disk in memory and where none is attached.
+std::string image_of(int drive);
+
 /// The number of the attached disk that answers to the device name `name`, or -1. While a virtual disk has a drive
 /// number, everything of that number's name is its own.
 int disk_named(std::string_view name);

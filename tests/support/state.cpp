@@ -17,6 +17,7 @@
 #include "ops/operations.h"
 #include "ops/random_choices.h"
 #include "ops/visit.h"
+#include "ops/write_guard.h"
 #include "pictures/panel.h"
 #include "pictures/progress_bar.h"
 #include "platform/headless/headless.h"
@@ -53,6 +54,7 @@ void reset_program() {
   smart = {};
   volumes = {};
   wmi::state = {};
+  write_guard = {};
 }
 
 void reset_all() {

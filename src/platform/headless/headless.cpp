@@ -14,6 +14,7 @@ std::string take_answer(Box box) {
   if (desktop.answers.empty()) {
     throw std::runtime_error("unanswered box: " + box.title + ": " + box.text);
   }
+  if (desktop.at_box) desktop.at_box();
   box.answer = desktop.answers.front();
   desktop.answers.pop_front();
   desktop.boxes.push_back(box);

@@ -5,6 +5,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,7 @@ struct Desktop {
   // Script.
   std::deque<std::string> answers;   // to boxes, in order: "OK", "CANCEL", or the line typed; none left throws
   std::function<void(int)> at_pump;  // called with the pump's number, from 1: events of the user
+  std::function<void()> at_box;      // called while a box is open
   bool has_display = false;
   std::string command_line = "sectorix";
   bool err_is_terminal = false;
@@ -65,6 +67,8 @@ struct Desktop {
   std::int64_t fail_first = 0;
   std::int64_t fail_last = 0;
   std::uint32_t fail_code = 1117;  // ERROR_IO_DEVICE
+
+  std::set<std::string> foreign_names;  // objects that other processes have
 
   // What a user does while a read does not come back: Cancel, twice. In vain while shutdown is held.
   bool gives_up_reads = false;

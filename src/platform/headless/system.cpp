@@ -161,6 +161,18 @@ bool CloseHandle(Handle handle) {
   return !refused && done(closed);
 }
 
+Handle make_named_object(const char* name) {
+  if (scripted_failure("CreateMutexA", kInvalidHandle)) return kInvalidHandle;
+  if (desktop.foreign_names.count(name) != 0) {
+    failed_with(kAlreadyExists);
+    return kInvalidHandle;
+  }
+  const int object = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+  if (!done(object >= 0)) return kInvalidHandle;
+  ++desktop.open_files;
+  return object;
+}
+
 bool MoveFileExA(const char* from, const char* to, std::uint32_t /*flags*/) {
   return !scripted_failure("MoveFileExA", kInvalidHandle) && done(std::rename(from, to) == 0);
 }

@@ -96,6 +96,17 @@ bool CloseHandle(Handle handle) {
   return done(::CloseHandle(system_handle(handle)));
 }
 
+Handle make_named_object(const char* name) {
+  HANDLE const object = ::CreateMutexA(nullptr, FALSE, name);
+  const std::uint32_t code = ::GetLastError();
+  done(object != nullptr ? TRUE : FALSE);
+  if (object == nullptr) return kInvalidHandle;
+  if (code != ERROR_ALREADY_EXISTS) return static_cast<Handle>(reinterpret_cast<std::intptr_t>(object));
+  ::CloseHandle(object);
+  last_error = code;
+  return kInvalidHandle;
+}
+
 std::uint32_t FormatMessageA(std::uint32_t flags, std::uint32_t code, char* text, std::uint32_t text_bytes) {
   const DWORD length = ::FormatMessageA(flags, nullptr, code, 0, text, text_bytes, nullptr);
   done(length != 0 ? TRUE : FALSE);

@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <cctype>
+
 #include "app/handlers.h"
 #include "buffer/edit.h"
 #include "disk/drive.h"
@@ -73,7 +76,10 @@ TEST_F(Writing, TheQuestionNamesTheDiskAndCancelLeavesEverythingAlone) {
   click(CmdWrite_Click);
   ASSERT_EQ(headless::desktop.boxes.size(), 1U);
   EXPECT_EQ(headless::desktop.boxes[0].title, "WIPE DRIVE?");
-  EXPECT_EQ(headless::desktop.boxes[0].text, "Warning: This Disk 0 Write operation will overwrite all existing data!");
+  EXPECT_EQ(headless::desktop.boxes[0].text,
+            "Warning: This Disk 0 Write operation will overwrite all existing data!\r\n\r\nModel: Virtual disk\r\n"
+            "Serial number: S123\r\nSize: 100 sectors, 0Mb\r\nVirtual disk: " +
+                path("d.vd") + "\r\nLBA 0 to 99, 100 sectors");
   EXPECT_EQ(form1.Text1.text(), "as it was");
   EXPECT_TRUE(untouched());
 }
@@ -101,7 +107,9 @@ TEST_F(Writing, ThreeEditedBytesAreListedAskedAboutAndWritten) {
   headless::desktop.answers = {"OK", "OK"};
   click(cmdWriteBuffer_Click);
   ASSERT_EQ(headless::desktop.boxes.size(), 2U);
-  EXPECT_EQ(headless::desktop.boxes[0].text, "3 bytes edited - OK to overwrite 2 sectors?");
+  EXPECT_THAT(headless::desktop.boxes[0].text,
+              StartsWith("3 bytes edited - OK to overwrite 2 sectors?\r\n\r\nModel: "));
+  EXPECT_THAT(headless::desktop.boxes[0].text, HasSubstr("\r\nLBA 40 to 41, 2 sectors"));
   EXPECT_EQ(headless::desktop.boxes[1].title, "Write 2 sectors starting at sector 40 from the buffer?");
   std::string expected = pristine_;
   for (const std::size_t at : {40 * 512 + 0, 40 * 512 + 16, 41 * 512 + 0}) expected[at] = '\xFE';
@@ -114,17 +122,19 @@ TEST_F(Writing, WhatTheQuestionNamesIsWhatIsWritten) {
   EXPECT_EQ(form1.TxtStartLBA.text() + " " + form1.TxtNoSecs.text(), "10 30") << "shown before anything runs";
   headless::desktop.answers = {"t25 25 "};
   click(CmdFind_Click);
-  headless::desktop.answers = {"OK"};
+  headless::desktop.answers = {"OK", "OK"};
   click(cmdWriteBuffer_Click);
-  EXPECT_EQ(headless::desktop.boxes.back().title, "Write 30 sectors starting at sector 25 from the buffer?");
+  EXPECT_EQ(headless::desktop.boxes[1].title, "Write 30 sectors starting at sector 25 from the buffer?");
+  EXPECT_EQ(headless::desktop.boxes[2].text,
+            "The buffer holds LBA 25 to 25 of drive 0 (serial number S123).\r\n"
+            "It is about to be written to LBA 25 to 54 of drive 0 (serial number S123).");
   EXPECT_THAT(form1.Text1.text(), HasSubstr("Writing 30 sectors starting at LBA 25 on drive 0"));
   EXPECT_EQ(read_file(path("a.img")).substr(0, 25 * 512), pristine_.substr(0, 25 * 512));
 }
 
 TEST_F(Writing, WithoutASecondQuestionTheFirstNamesTheRange) {
-  open("/D:0 /VDISK:0=" + disk_file(""));
+  open("/D:0 /START:40 /COUNT:1 /VDISK:0=" + disk_file(""));
   click(CmdRead_Click);
-  range("40", "1");
   click(CmdDisplay_Click);
   std::string text = form1.Text1.text();
   text.replace(text.find("\n0000 ") + 6, 2, "fe");
@@ -138,6 +148,168 @@ TEST_F(Writing, WithoutASecondQuestionTheFirstNamesTheRange) {
   EXPECT_THAT(sector(39), StartsWith("39 39 "));
   EXPECT_EQ(sector(40)[0], '\xFE') << "the drive was selected again, the range stayed";
   EXPECT_THAT(sector(41), StartsWith("41 41 "));
+}
+
+TEST_F(Writing, ARangeThatIsNoPlainNumberStopsBeforeAnyQuestion) {
+  open_window();
+  range("40", "1");
+  click(CmdRead_Click);
+  const std::vector<std::pair<std::string, std::string>> ranges = {
+      {"1,000", "1"}, {"0x20", "1"}, {"2.5", "1"}, {"abc", "1"}, {"", "1"},         {"-1", "1"},
+      {" 4", "1"},    {"+4", "1"},   {"4", "1e2"}, {"4", ""},    {"4", "1 sector"}, {"99999999999999999999", "1"}};
+  for (const auto& [start, count] : ranges) {
+    for (void (*button)() : {CmdWrite_Click, cmdWriteBuffer_Click}) {
+      headless::desktop.boxes.clear();
+      headless::desktop.answers = {"OK"};
+      range(start, count);
+      click(button);
+      ASSERT_EQ(headless::desktop.boxes.size(), 1U) << start << " " << count;
+      const std::string field = count == "1" ? "Start: \"" + start + "\"" : "No. Sectors: \"" + count + "\"";
+      EXPECT_EQ(headless::desktop.boxes[0].text,
+                field + " is not a plain decimal number. Nothing was written; please correct it.");
+      EXPECT_EQ(form1.TxtStartLBA.text() + " " + form1.TxtNoSecs.text(), start + " " + count) << "as typed";
+      EXPECT_TRUE(untouched()) << start << " " << count;
+    }
+  }
+  range("x", "1");
+  click(CmdRead_Click);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("Reading 1 sectors starting at LBA 0 on drive 0"))
+      << "a read takes it for 0";
+}
+
+TEST_F(Writing, ABadPatternIsToldAndTheNextPressTakesTheOneInTheField) {
+  open_window();
+  form1.TxtPattern.set_text("12G4");
+  headless::desktop.answers = {"OK"};
+  click(CmdWrite_Click);
+  EXPECT_EQ(headless::desktop.boxes.at(0).text, "Please use Hexadecimal characters only (0-9,A-F)");
+  EXPECT_TRUE(untouched());
+  EXPECT_EQ(form1.TxtPattern.text(), "2C2CAA55");
+  form1.TxtPattern.set_text("12G4");
+  headless::desktop.answers = {"OK", "3", "4", "OK"};
+  click(Cmd_Destructive_Random_Write);
+  EXPECT_TRUE(untouched()) << "the destructive test ends behind the box too";
+  headless::desktop.answers = {"OK"};
+  range("5", "1");
+  click(CmdWrite_Click);
+  EXPECT_THAT(sector(5), StartsWith("\x2C\x2C\xAA\x55"));
+}
+
+/// What the buffer's origin and the range in the fields make of a press on WRITE using Buffer.
+TEST_F(Writing, TheBufferOfAnotherPlaceIsWrittenAfterOneMoreQuestionOnly) {
+  write_image("b.img", 40000);
+  const std::string large = "/VDISK:1=" + write_file("b.vd", "image b.img\nserial LARGE\n");
+  struct Case {
+    const char* read_start;
+    const char* read_count;
+    int write_drive;
+    const char* write_start;
+    const char* write_count;
+    std::string told;  // empty: written without another question
+  };
+  const std::vector<Case> cases = {
+      {"7", "3", 1, "7", "3", ""},
+      {"7", "3", 1, "7", "2", ""},
+      {"7", "3", 1, "8", "1", "LBA 7 to 9 of drive 1 (serial number LARGE)"},
+      {"7", "3", 1, "7", "4", "LBA 7 to 9 of drive 1 (serial number LARGE)"},
+      {"7", "3", 0, "7", "3", "LBA 7 to 9 of drive 1 (serial number LARGE)"},
+      {"0", "40000", 1, "0", "40000", "LBA 20480 to 39999 of drive 1 (serial number LARGE)"},
+      {"0", "20480", 1, "0", "20480", "LBA 0 to 20479 of drive 1 (serial number LARGE)"},
+  };
+  for (const std::string mode : {"", "/D:1 "}) {
+    for (const Case& one : cases) {
+      virtualdisk::detach_all();
+      open(mode + large + " /VDISK:0=" + disk_file(""));
+      click(Option2_Click);
+      range(one.read_start, one.read_count);
+      TxtStartLBA_Click();
+      click(CmdRead_Click);
+      if (one.write_drive == 0) click(Option1_Click);
+      range(one.write_start, one.write_count);
+      TxtStartLBA_Click();
+      headless::desktop.boxes.clear();
+      headless::desktop.answers = {"OK", "CANCEL"};
+      if (!mode.empty()) headless::desktop.answers.pop_front();
+      form1.Text1.set_text({});
+      click(cmdWriteBuffer_Click);
+      const bool asks = !one.told.empty();
+      const std::size_t usual = mode.empty() ? 1 : 0;
+      ASSERT_EQ(headless::desktop.boxes.size(), usual + (asks ? 1 : 0)) << mode << one.write_start << one.told;
+      if (asks) {
+        EXPECT_EQ(headless::desktop.boxes.back().title, "WRITE TO ANOTHER PLACE?");
+        EXPECT_THAT(headless::desktop.boxes.back().text, HasSubstr(one.told));
+        EXPECT_THAT(headless::desktop.boxes.back().text,
+                    HasSubstr(std::string("written to LBA ") + one.write_start + " to "));
+      }
+      EXPECT_EQ(form1.Text1.text().find("Writing ") != std::string::npos, !asks) << one.told;
+    }
+  }
+}
+
+TEST_F(Writing, ABufferThatWasNotReadIsNotTakenForSectors) {
+  open_window("fail read 3 1\n");
+  range("3", "1");
+  click(CmdRead_Click);
+  headless::desktop.answers = {"OK", "CANCEL"};
+  click(cmdWriteBuffer_Click);
+  EXPECT_THAT(headless::desktop.boxes.back().text, StartsWith("The buffer holds nothing that was read.\r\n"));
+  EXPECT_TRUE(untouched());
+  click(CmdFillBuffer_Click);
+  headless::desktop.answers = {"OK"};
+  click(cmdWriteBuffer_Click);
+  EXPECT_THAT(sector(3), StartsWith("\x2C\x2C\xAA\x55")) << "a pattern has no place of its own";
+}
+
+TEST_F(Writing, BehindARefusedChunkNoRemainderIsWritten) {
+  const std::string pristine = read_file(write_image("b.img", 16070));
+  open("/VDISK:0=" + write_file("b.vd", "image b.img\n"));
+  range("5", "1");
+  click(CmdRead_Click);
+  range("0", "16066");
+  headless::desktop.answers = {"OK", "OK"};
+  click(cmdWriteBuffer_Click);
+  EXPECT_EQ(count_of(form1.Text1.text(), "ERROR: 13 "), 1);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("SET QV_D_TOTERR=1"));
+  EXPECT_TRUE(read_file(path("b.img")) == pristine);
+}
+
+TEST_F(Writing, ADriveThatChangedBehindTheQuestionIsNotWrittenTo) {
+  open_window();
+  virtualdisk::detach_all();
+  write_file("d.vd", "sectors 100\nserial S123\n");
+  ASSERT_EQ(virtualdisk::attach(0, path("d.vd")), "");
+  headless::desktop.answers = {"OK", "OK"};
+  headless::desktop.at_box = [this] {
+    virtualdisk::detach_all();
+    ASSERT_EQ(virtualdisk::attach(0, write_file("e.vd", "image a.img\nserial S124\n")), "");
+  };
+  click(CmdWrite_Click);
+  EXPECT_THAT(headless::desktop.boxes.back().text, StartsWith("Drive 0 is not the one that the question named"));
+  EXPECT_TRUE(untouched());
+}
+
+TEST_F(Writing, OneProgramAtATimeWritesToADrive) {
+  std::string name = path("a.img");
+  std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::toupper(c); });
+  headless::desktop.foreign_names = {"Global\\Sectorix-" + name};
+  EXPECT_EQ(run_op("/OP:WRITE /SERIAL:S123"), 1U);
+  EXPECT_THAT(err(), HasSubstr("Another Sectorix is writing to drive 0: nothing was done.\r\n"));
+  EXPECT_THAT(out(), HasSubstr("Another Sectorix is writing to drive 0: nothing was done.\r\n"));
+  EXPECT_TRUE(untouched());
+  EXPECT_EQ(run_op("/OP:READ"), 0U) << "a reader is not in its way";
+  headless::desktop.foreign_names.clear();
+  EXPECT_EQ(run_op("/OP:WRITE /SERIAL:S123"), 0U);
+  EXPECT_EQ(headless::desktop.open_files, 2) << "the image and its disk file: the name was given back";
+}
+
+TEST_F(Writing, TheCaptionTellsAWindowThatWritesWithoutAsking) {
+  open_window();
+  EXPECT_EQ(form1.Caption.text(), "Sectorix v.1.0.0 - disk read, write and test");
+  open("/D:0 /VDISK:0=" + disk_file(""));
+  const std::string mark = " - COMMAND-LINE MODE: writes without asking";
+  EXPECT_EQ(form1.Caption.text(), "Sectorix v.1.0.0 - disk read, write and test" + mark);
+  cmdCancel_Click();
+  EXPECT_EQ(form1.Caption.text(), "Sectorix v.1.0.0 - disk read, write and test");
 }
 
 TEST_F(Writing, AnUneditedViewSaysSoAndStillAsksBeforeItWrites) {
