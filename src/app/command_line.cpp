@@ -135,7 +135,8 @@ constexpr std::array kSwitches = {
            "                  or DEMO, the practice disk"},
     Switch{"/OP", true, false, read_operation,
            "/OP:NAME          run one command and end with its exit code: READ, WRITE (pattern), RANDOMREAD,\r\n"
-           "                  RANDOMWRITE (non-destructive), SEARCH, SHOW (sectors in hex), SMART (listing)"},
+           "                  RANDOMWRITE (non-destructive), SEARCH, SHOW (sectors in hex), SMART (listing),\r\n"
+           "                  RESTORE (give back what an interrupted RANDOMWRITE left)"},
     Switch{"/LIST", false, false, read_list,
            "/LIST             list the drives that answer: number, model, serial, firmware, sectors, size"},
     Switch{"/START", true, false, read_start, "/START:lba        first LBA of the run"},
@@ -150,6 +151,9 @@ constexpr std::array kSwitches = {
     Switch{"/SERIAL", true, false,
            [](const std::string& value, Asked* result) { return take_text(value, &result->serial); },
            "/SERIAL:text      serial number that the drive must carry; WRITE needs it"},
+    Switch{"/JOURNAL", true, false,
+           [](const std::string& value, Asked* result) { return take_text(value, &result->journal); },
+           "/JOURNAL:FOLDER   where RANDOMWRITE keeps its undo journal; never on the disk under test"},
     Switch{"/REPORT", true, false,
            [](const std::string& value, Asked* result) { return take_text(value, &result->report); },
            "/REPORT:FILE      write the report to FILE; - is standard output, the default with /OP"},

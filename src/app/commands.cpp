@@ -14,6 +14,7 @@
 #include "form/progress_line.h"
 #include "ops/frame.h"
 #include "ops/operations.h"
+#include "ops/restore.h"
 #include "ops/selection.h"
 #include "ops/write_guard.h"
 #include "platform/window.h"
@@ -75,6 +76,14 @@ constexpr std::array kCommands = {
             .plan = plan_random_write,
             .transfer = Random_Write_Test,
             .report = report_random_write},
+    Command{.name = "RESTORE",
+            .has_switch = true,
+            .needs_serial = true,
+            .trace = "RESTORE",
+            .writes = true,
+            .plan = plan_restore,
+            .transfer = restore_contents,
+            .report = report_restore},
     Command{.name = "SEARCH",
             .has_switch = true,
             .takes_find = true,

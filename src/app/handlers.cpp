@@ -9,6 +9,7 @@
 #include "form/form1.h"
 #include "form/output.h"
 #include "ops/selection.h"
+#include "ops/visit.h"
 #include "platform/window.h"
 #include "results/results.h"
 
@@ -139,6 +140,7 @@ void cmdCancel_Click() {
 
 void CmdExit_Click() {
   output.ExitCode = kLeft;
+  end_journal();
   leave_results();
   kernel32::Sleep(kLeaveAfter);
   ExitProgram();
@@ -147,6 +149,7 @@ void CmdExit_Click() {
 void window_closed() {
   output.ExitCode = kLeft;
   close_drive();
+  end_journal();
   close_report();
   leave_results();
   kernel32::Sleep(kLeaveAfter);

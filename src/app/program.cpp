@@ -11,6 +11,7 @@
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "ops/restore.h"
 #include "platform/console.h"
 #include "platform/window.h"
 #include "results/output_file.h"
@@ -51,6 +52,19 @@ bool stopped_at_start() {
   return output.ExitCode == kCancelled;
 }
 
+/// What earlier tests left: their journals, looked at before anything is selected. RESTORE looks for itself.
+LeftOver look_for_left_over() {
+  if (asked.op == "RESTORE") return {};
+  const LeftOver left = look_for_journals();
+  if (!in_batch()) return left;
+  for (const std::string& line : left.lines) tell_on_stderr(line);
+  for (const Restorable& place : left.restorable) {
+    tell_on_stderr("/D:" + std::to_string(place.drive) + " /OP:RESTORE /SERIAL:" + place.serial +
+                   " gives the former contents back.");
+  }
+  return left;
+}
+
 /// Runs the command that /OP names and ends the process, unless the Cancel button took the run out of command-line
 /// mode: then the window stays for interactive use.
 void run_batch(bool has_window) {
@@ -78,6 +92,7 @@ int run_program() {
   form1.Caption.set_text(version_line());
   const bool has_window = platform::open_window(main_window());
   if (asked.slow) set_slow_rate(*asked.slow);
+  const LeftOver left = look_for_left_over();
   // Nothing that is pressed before a run comes before it.
   if (in_batch()) platform::begin_command();
   Form_Load();
@@ -87,6 +102,7 @@ int run_program() {
     run_batch(has_window);
   }
   if (!has_window) return refuse("No window can be made here; /OP runs a command without one, /? lists all switches.");
+  offer_left_over(left);
   platform::run_window();
   return output.ExitCode;
 }

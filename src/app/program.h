@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "ops/restore.h"
+
 /// Runs the program from its command line to its end and gives the process's exit code. Ways to leave inside end the
 /// process themselves.
 int run_program();
@@ -9,6 +11,10 @@ int run_program();
 /// Brings the main window's fields and flags to their start: caption, pattern, the drive that the command line names,
 /// and the instructions. Goes on past failures of single steps.
 void Form_Load();
+
+/// Shows what earlier tests left behind what Text1 holds, and asks for each place whether its former contents are to be
+/// given back now.
+void offer_left_over(const LeftOver& left);
 
 /// What the window's caption says while questions are asked.
 std::string version_line();

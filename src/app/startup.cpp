@@ -1,6 +1,7 @@
 #include <array>
 #include <string>
 
+#include "app/commands.h"
 #include "app/handlers.h"
 #include "app/program.h"
 #include "device/kernel32.h"
@@ -63,6 +64,23 @@ std::string program_version() {
 void set_command_line_mode(bool on) {
   form1.CommandLineMode = on;
   form1.Caption.set_text(version_line() + (on ? " - COMMAND-LINE MODE: writes without asking" : ""));
+}
+
+void offer_left_over(const LeftOver& left) {
+  if (left.lines.empty()) return;
+  form1.Text1.append("\r\n\r\nUNDO JOURNALS\r\n=============\r\n");
+  for (const std::string& line : left.lines) form1.Text1.append(line + "\r\n");
+  form1.Text1.caret_to_end();
+  const int selected = form1.SelectedDrive;
+  for (const Restorable& place : left.restorable) {
+    const std::string question = place.what + "\r\n\r\nGive their former contents back from \"" + place.file + "\"?";
+    if (!ask_user(question, "INTERRUPTED TEST")) continue;
+    show_option(place.drive);
+    SelectDrive();
+    run_command("RESTORE");
+    show_option(selected);
+    select_drive_keeping_text();
+  }
 }
 
 bool GetOsVersion() {

@@ -35,6 +35,7 @@ struct Asked {
   std::optional<std::string> pattern;  // hex
   std::optional<std::string> find;     // search string as typed in the box
   std::optional<std::string> serial;   // serial number that the drive must carry
+  std::optional<std::string> journal;  // folder of the undo journal
   std::optional<std::string> report;   // file, or "-" for standard output
   std::optional<std::string> vars;
   std::optional<std::string> csv;

@@ -46,8 +46,8 @@ void keep_error(const Transfer& transfer) {
 }  // namespace
 
 const char* run_kind_text(RunKind kind) {
-  constexpr std::array<const char*, 8> kTexts = {
-      "none", "read", "write", "search", "random read", "random write", "destructive random write", "off-track write"};
+  constexpr std::array<const char*, 9> kTexts = {
+      "none", "read", "write", "search", "restore", "random read", "random write", "destructive random write", "off-track write"};
   return kTexts.at(static_cast<std::size_t>(kind));
 }
 

@@ -18,13 +18,14 @@ enum class RunKind : std::uint8_t {
   read,
   write,
   search,
+  restore,
   random_read,
   random_write,
   destructive_write,
   off_track
 };
 
-/// The run in a word: "none", "read", "write", "search", "random read", "random write", "destructive random
+/// The run in a word: "none", "read", "write", "search", "restore", "random read", "random write", "destructive random
 /// write", "off-track write".
 const char* run_kind_text(RunKind kind);
 

@@ -101,7 +101,7 @@ void End_Operation() {
   PrintReport(frame.Smart_Text + "\r\n\r\n");
   form1.Text1.append("\r\n" + frame.Smart_Text);
   close_drive();
-  if (!lost_places.lines.empty()) form1.Text1.append("\r\n");
+  if (!visits.lost.empty()) form1.Text1.append("\r\n");
   report_lost_places();
 }
 

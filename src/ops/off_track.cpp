@@ -60,7 +60,7 @@ void seek_to(std::int64_t lba, const Visit& visit) {
 
 void make_pass(const Places& places) {
   Visit visit(places.tested, kSectors);
-  if (!visit.take_former_contents()) return;
+  if (!visit.take_former_contents() || !visit.record({})) return;
   seek_to(places.far_away, visit);
   visit.write();
   seek_to(places.far_again, visit);
@@ -89,7 +89,7 @@ void make_passes(std::int32_t passes) {
     const Places places = next_places();
     tested.at(index) = places.tested;
     make_pass(places);
-    if (form1.MyCancel) return;
+    if (form1.MyCancel || visits.ended) return;
     ++index;
     if (index == kRemembered) {
       verify(tested);
@@ -108,6 +108,7 @@ std::optional<RunPlan> plan_off_track() {
                     std::to_string(kSmallestDisk) + ": nothing was done.\r\n");
     return std::nullopt;
   }
+  if (!begin_journal(kSectors)) return std::nullopt;
   remake_buffer(kVerified * kSectorSize + 1, 0);
   counters.No_Secs = kSectors;
   form1.TxtNoSecs.set_text(std::to_string(kSectors));
@@ -123,10 +124,12 @@ std::optional<RunPlan> plan_off_track() {
 
 void OffTrack_Write_Test(const RunPlan& /*plan*/) {
   make_passes(random_test.passes);
+  end_journal();
 }
 
 void report_off_track() {
   // No "seconds" and no line end: docs/oddities.md, 9.
   report_end("Time taken= " + single_text(elapsed_seconds()) + " for " + std::to_string(counters.Sectors_Done) +
              " sectors read/written.");
+  count_early_end();
 }

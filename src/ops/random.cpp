@@ -68,7 +68,7 @@ void make_visits(void (*visit)()) {
   for (std::int32_t pass = 0; pass < random_test.passes; ++pass) {
     visit();
     ++random_test.Ops_Done;
-    if (form1.MyCancel) break;
+    if (form1.MyCancel || visits.ended) break;
   }
 }
 
@@ -78,9 +78,12 @@ void report_visits(const std::string& operations, const std::string& moved) {
              moved + std::to_string(counters.Sectors_Done));
 }
 
-void count_compare(std::span<const std::uint8_t> written, bool read_back) {
-  // One for the visit, however many bytes differ; what could not be read back differs.
-  if (!read_back || count_differing(visit_bytes(), written) > 0) ++counters.TotalCErrors;
+/// Compares what was read back with `written`: how many bytes differ, all of them where it could not be read. One error
+/// for the visit, however many do.
+std::size_t count_compare(std::span<const std::uint8_t> written, bool read_back) {
+  const std::size_t differing = read_back ? count_differing(visit_bytes(), written) : written.size();
+  if (differing > 0) ++counters.TotalCErrors;
+  return differing;
 }
 
 void read_visit() {
@@ -92,11 +95,15 @@ void write_visit() {
   Visit visit(GetRandomSector(counters.No_Secs), counters.No_Secs);
   // Drawn also for a place that is then not written to: the next places do not depend on what could be read.
   const RandomPattern pattern = draw_pattern();
-  if (!visit.take_former_contents()) return;
+  if (!visit.take_former_contents() || !visit.record(pattern)) return;
   FillRandPatt(pattern);
   const Bytes written(visit_bytes().begin(), visit_bytes().end());
   visit.write();
-  count_compare(written, visit.read());
+  const bool read_back = visit.read();
+  if (const std::size_t differing = count_compare(written, read_back)) {
+    report_line("Compare error at LBA " + std::to_string(visit.lba()) + ": " +
+                (read_back ? std::to_string(differing) + " bytes differ." : "it could not be read back."));
+  }
   visit.give_back();
 }
 
@@ -143,7 +150,7 @@ void report_random_read() {
 }
 
 std::optional<RunPlan> plan_random_write() {
-  if (!choose_test()) return std::nullopt;
+  if (!choose_test() || !begin_journal(movable_sectors())) return std::nullopt;
   report_and_show("Random disk write " + what_is_done());
   size_buffer();
   return plan_of(RunKind::random_write, 4);
@@ -151,10 +158,12 @@ std::optional<RunPlan> plan_random_write() {
 
 void Random_Write_Test(const RunPlan& /*plan*/) {
   make_visits(write_visit);
+  end_journal();
 }
 
 void report_random_write() {
   report_visits("Read-Fill-Write-Read-Compare-Write", "Total sectors read/written = ");
+  count_early_end();
 }
 
 std::optional<RunPlan> plan_destructive_write() {

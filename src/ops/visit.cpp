@@ -2,12 +2,14 @@
 
 #include <algorithm>
 
+#include "buffer/pattern.h"
 #include "disk/drive.h"
 #include "disk/error_text.h"
 #include "disk/transfer.h"
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "journal/journal.h"
 #include "measure/measure.h"
 #include "platform/console.h"
 
@@ -19,8 +21,8 @@ bool never_sent(std::uint32_t code) {
   return code == platform::kAccessDenied || code == platform::kWriteProtect;
 }
 
-std::string nothing_written(std::uint32_t code) {
-  return "Nothing was written over them: error " + std::to_string(code) + " - " + SystemErrorText(code);
+std::string error_text(std::uint32_t code) {
+  return "error " + std::to_string(code) + " - " + SystemErrorText(code);
 }
 
 /// True when the drive took the last write and did not bring it to its medium; a drive that knows no flush does not
@@ -29,6 +31,17 @@ bool flush_failed() {
   constexpr std::uint32_t kNoSuchFunction = 1;  // winerror.h: ERROR_INVALID_FUNCTION
   constexpr std::uint32_t kNotSupported = 50;   // ERROR_NOT_SUPPORTED
   return disk.flush_errno != 0 && disk.flush_errno != kNoSuchFunction && disk.flush_errno != kNotSupported;
+}
+
+std::string where_they_are() {
+  return journal.is_open() ? "They are in the file " + journal.file() + "."
+                           : "They are not saved: the test ran without a journal.";
+}
+
+/// At once, since the process may end before the report does.
+void tell_now(const std::string& line) {
+  report_line(line);
+  if (in_batch()) tell_at_once(line + "\r\n");
 }
 
 }  // namespace
@@ -54,6 +67,17 @@ bool Visit::take_former_contents() {
   return false;
 }
 
+bool Visit::record(std::span<const std::uint8_t> pattern) {
+  if (!journal.is_open()) return true;
+  const std::string problem = journal.record(lba_, saved_, pattern);
+  if (problem.empty()) return true;
+  journal.mark_done();  // nothing was written over them
+  visits.ended = true;
+  visits.uncounted = true;
+  tell_now("LBA " + std::to_string(lba_) + " was not written to, and the test ends: " + problem);
+  return false;
+}
+
 bool Visit::write() {
   std::int64_t lba = lba_;
   measure_phase(Phase::writing);
@@ -68,22 +92,43 @@ bool Visit::read() {
   return Read_sectors(&lba, sectors_, sectors_, Events::wait);
 }
 
+std::string Visit::why_not_verified() const {
+  if (!ReadAt(lba_, sectors_)) return "could not be read again: " + error_text(disk.Errno);
+  const std::size_t differing = count_differing(saved_, disk.Sec_Buf.bytes());
+  return differing == 0 ? std::string() : "differ in " + std::to_string(differing) + " bytes when read again.";
+}
+
 void Visit::give_back() {
   std::copy(saved_.begin(), saved_.end(), disk.Sec_Buf.data());
   std::int64_t lba = lba_;
   measure_phase(Phase::restoring);
-  if (Write_sectors(&lba, sectors_, sectors_, Events::wait) && !flush_failed()) return;
-  const bool untouched = refused_ != 0 && disk.Errno == refused_;
-  const std::string line = "Former contents of " + std::to_string(sectors_) + " sectors at LBA " +
-                           std::to_string(lba_) + " could not be written back. " +
-                           (untouched ? nothing_written(refused_) : save_to_rescue_file(lba_, saved_));
-  lost_places.lines.push_back(line);
-  // At once, since the process may end before the report does.
-  report_line(line);
-  if (in_batch()) tell_at_once(line + "\r\n");
+  const bool written = Write_sectors(&lba, sectors_, sectors_, Events::wait);
+  const bool untouched = !written && refused_ != 0 && disk.Errno == refused_;
+  const bool durable = written && !flush_failed();
+  const std::string problem = why_not_verified();
+  if (untouched || (durable && problem.empty())) journal.mark_done();
+  if (durable && problem.empty()) return;
+  std::string line = "Former contents of " + std::to_string(sectors_) + " sectors at LBA " + std::to_string(lba_);
+  if (durable) {
+    line += " were written back, but they " + problem + " " + where_they_are();
+  } else if (untouched) {
+    line += " could not be written back. Nothing was written over them: " + error_text(refused_);
+  } else {
+    const bool stand = !written && problem.empty();
+    line += std::string(" could not be written back") + (stand ? ", although a read shows them there" : "") + ". " +
+            where_they_are();
+  }
+  visits.lost.push_back(line);
+  visits.uncounted = visits.uncounted || written;
+  visits.ended = true;
+  tell_now(line);
+}
+
+void count_early_end() {
+  if (visits.uncounted) add_to_exit_code(1);
 }
 
 void report_lost_places() {
-  for (const std::string& line : lost_places.lines) report_line(line);
-  lost_places = {};
+  for (const std::string& line : visits.lost) report_line(line);
+  visits = {};
 }

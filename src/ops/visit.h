@@ -5,8 +5,9 @@
 #include <string>
 #include <vector>
 
-/// One place of a non-destructive test: its former contents are taken, it is written to, and they are given back. From
-/// the end of the first read to the end of giving back no events run, and a console that closes waits.
+/// One place of a non-destructive test: its former contents are taken and recorded in the undo journal, it is written
+/// to, and they are given back. From the end of the first read to the end of giving back no events run, and a console
+/// that closes waits.
 class Visit {
  public:
   Visit(std::int64_t lba, std::int64_t sectors) : lba_(lba), sectors_(sectors) {}
@@ -18,34 +19,50 @@ class Visit {
   /// written to then. A failure is told.
   bool take_former_contents();
 
+  /// Records the former contents in the journal, if there is one, before `pattern` (empty: the contents themselves) is
+  /// written over them. False, told, when they are not on its medium: the place must not be written to, and the test
+  /// ends.
+  bool record(std::span<const std::uint8_t> pattern);
+
   /// Writes the start of Sec_Buf to the place, or reads it back. False on failure.
   bool write();
   bool read();
 
-  /// Writes the former contents back. Where that fails, they are saved in a file, unless the system let nothing through
-  /// to the drive, and the place is remembered.
+  /// Writes the former contents back, reads them again and compares; counted nowhere. Where one of it fails the place
+  /// is told and remembered, and the test ends.
   void give_back();
 
+  std::int64_t lba() const { return lba_; }
   const std::vector<std::uint8_t>& former_contents() const { return saved_; }
 
  private:
+  std::string why_not_verified() const;
+
   std::int64_t lba_;
   std::int64_t sectors_;
   std::vector<std::uint8_t> saved_;
   std::uint32_t refused_ = 0;  // the system's code for a write that it did not pass on to the drive
 };
 
-/// Places whose former contents could not be written back in this operation, a line each. Tests start fresh by `{}`.
-struct LostPlaces {
-  std::vector<std::string> lines;
+/// What the visits of this operation left. Tests start fresh by `{}`.
+struct Visits {
+  std::vector<std::string> lost;  // a line for each place that was not given back or not verified
+  bool uncounted = false;         // no failed transfer stands for what ended the test
+  bool ended = false;             // no further place is visited
 };
 
-inline LostPlaces lost_places;
+inline Visits visits;
 
 /// Tells the lost places again, as the last lines of Text1 and the report.
 void report_lost_places();
 
-/// Saves sectors that could not be written back to `lba` into a new file "sectorix-<serial>-<lba>.bin" beside the
-/// report, or in the current folder; never over a file, never on a volume of the disk under test. Gives a sentence that
-/// names the file, or says with the system's code why there is none.
-std::string save_to_rescue_file(std::int64_t lba, std::span<const std::uint8_t> sectors);
+/// Adds an end of the test that no failed transfer stands for to the exit code.
+void count_early_end();
+
+/// Makes the undo journal of a test whose visits have up to `sectors` sectors. Where there is no place for one a batch
+/// refuses, which is told; the window asks for a folder and, without one, whether to go on without a journal. False: no
+/// test.
+bool begin_journal(std::int64_t sectors);
+
+/// The test ends, by itself or because the user leaves: the journal goes, unless a place needs it.
+void end_journal();

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// The system calls that the program makes, under their Windows names. `win32/` passes them to the system, `headless/`
 /// answers them on a host without Windows. Only `device/` and `virtualdisk/` call these; everyone above goes through
@@ -103,6 +104,16 @@ std::string system_folder();
 /// The device of the volume on which `path` lies, mounted folders followed, in a form that can be opened
 /// ("\\?\Volume{...}"); the share's name for one of another computer; empty when the system does not tell.
 std::string volume_device(const std::string& path);
+
+/// The folder of the user's local application data; empty when the system names none.
+std::string local_data_folder();
+
+/// Makes the folder `name` in an existing one; nothing where there is one.
+void make_folder(const std::string& name);
+
+/// The names of the files in `folder`, given with its last separator or empty for the current one, that begin with
+/// `prefix` and end with `ending`, in the order of their letters. Empty where they cannot be listed.
+std::vector<std::string> files_in(const std::string& folder, const std::string& prefix, const std::string& ending);
 
 /// `name` as a whole path, as "C:\folder\file"; `name` itself where the system does not tell.
 std::string full_path(const std::string& name);

@@ -82,6 +82,9 @@ class Recordings : public Rig, public ::testing::WithParamInterface<const char*>
     folder_ = here != nullptr ? here : std::filesystem::path(__FILE__).parent_path().string();
     std::filesystem::copy_file(std::filesystem::path(__FILE__).parent_path() / "faulty.vd", path("faulty.vd"));
     std::filesystem::current_path(path(""));
+    // A name that is the same in every run.
+    std::filesystem::create_directory("local");
+    ::setenv("LOCALAPPDATA", "./local", 1);
   }
   ~Recordings() override { std::filesystem::current_path(before_); }
 
@@ -151,16 +154,16 @@ class Recordings : public Rig, public ::testing::WithParamInterface<const char*>
       }
     }
     virtualdisk::detach_all();
-    for (const auto& file : std::filesystem::directory_iterator(path(""))) {
+    for (const auto& file : std::filesystem::recursive_directory_iterator(".")) {
       const std::string name = file.path().filename().string();
-      if (name == "faulty.vd") continue;
-      const std::string contents = read_file(name);
+      if (name == "faulty.vd" || file.is_directory()) continue;
+      const std::string contents = read_file(file.path().string());
       text += "file " + name + ": ";
       text += contents.size() < 100000
                   ? contents
                   : std::to_string(contents.size()) + " bytes, " + std::to_string(std::hash<std::string>{}(contents));
       text += "\n";
-      std::filesystem::remove(file.path());
+      std::remove(file.path().c_str());
     }
     return text;
   }

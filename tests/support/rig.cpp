@@ -13,11 +13,27 @@
 
 Rig::Rig() {
   std::filesystem::create_directories(path(""));
+  std::filesystem::create_directories(local_data());
+  ::setenv("LOCALAPPDATA", local_data().c_str(), 1);
 }
 
 Rig::~Rig() {
   virtualdisk::detach_all();
   std::filesystem::remove_all(path(""));
+  std::filesystem::remove_all(local_data());
+}
+
+std::string Rig::local_data() {
+  const std::string folder = path("");
+  return folder.substr(0, folder.size() - 1) + "-local";
+}
+
+std::vector<std::string> Rig::journals() {
+  std::vector<std::string> found;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(local_data())) {
+    if (entry.is_regular_file()) found.push_back(entry.path().string());
+  }
+  return found;
 }
 
 std::string Rig::path(const std::string& name) {

@@ -26,6 +26,10 @@ class Rig : public ::testing::Test {
   /// The path of a file in this test's folder.
   static std::string path(const std::string& name);
 
+  /// The user's local application data, and the files in it.
+  static std::string local_data();
+  static std::vector<std::string> journals();
+
   static std::string read_file(const std::string& path);
 
   /// Starts the program with `switches` and gives its exit code.

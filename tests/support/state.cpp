@@ -12,10 +12,12 @@
 #include "form/form1.h"
 #include "form/output.h"
 #include "form/progress_line.h"
+#include "journal/journal.h"
 #include "measure/measure.h"
 #include "ops/frame.h"
 #include "ops/operations.h"
 #include "ops/random_choices.h"
+#include "ops/restore.h"
 #include "ops/visit.h"
 #include "ops/write_guard.h"
 #include "pictures/panel.h"
@@ -39,8 +41,8 @@ void reset_program() {
   form1 = {};
   frame = {};
   identification = {};
+  journal.close();
   kernel32::state = {};
-  lost_places = {};
   measure = {};
   output = {};
   panel = {};
@@ -49,9 +51,11 @@ void reset_program() {
   progress_line = {};
   random_numbers = {};
   random_test = {};
+  restore_run = {};
   results = {};
   search_run = {};
   smart = {};
+  visits = {};
   volumes = {};
   wmi::state = {};
   write_guard = {};

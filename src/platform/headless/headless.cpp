@@ -11,12 +11,15 @@ namespace headless {
 namespace {
 
 std::string take_answer(Box box) {
-  if (desktop.answers.empty()) {
+  if (desktop.answers.empty() && desktop.otherwise.empty()) {
     throw std::runtime_error("unanswered box: " + box.title + ": " + box.text);
   }
   if (desktop.at_box) desktop.at_box();
-  box.answer = desktop.answers.front();
-  desktop.answers.pop_front();
+  box.answer = desktop.otherwise;
+  if (!desktop.answers.empty()) {
+    box.answer = desktop.answers.front();
+    desktop.answers.pop_front();
+  }
   desktop.boxes.push_back(box);
   note("box [" + box.title + "] [" + box.text + "] -> " + box.answer);
   return box.answer;

@@ -22,6 +22,9 @@ struct ProcessEnded {
   std::uint32_t code = 0;
 };
 
+/// Thrown in the middle of a run when the process is to die as by a power failure: nothing behind it happens.
+struct ProcessDied {};
+
 /// A message box or input box that was shown.
 struct Box {
   std::string text;
@@ -46,7 +49,8 @@ struct WmiCursor {
 
 struct Desktop {
   // Script.
-  std::deque<std::string> answers;   // to boxes, in order: "OK", "CANCEL", or the line typed; none left throws
+  std::deque<std::string> answers;   // to boxes, in order: "OK", "CANCEL", or the line typed
+  std::string otherwise;             // to boxes for which none is left; empty throws
   std::function<void(int)> at_pump;  // called with the pump's number, from 1: events of the user
   std::function<void()> at_box;      // called while a box is open
   bool has_display = false;
@@ -67,6 +71,11 @@ struct Desktop {
   std::int64_t fail_first = 0;
   std::int64_t fail_last = 0;
   std::uint32_t fail_code = 1117;  // ERROR_IO_DEVICE
+
+  // The process dies at the call of this number; a file's write at which it does is cut off behind so many bytes.
+  std::int64_t dies_at = 0;
+  std::uint32_t torn_bytes = 0;
+  bool cuts_writes = false;  // a file takes half of what is written, as a full disk does
 
   std::set<std::string> foreign_names;  // objects that other processes have
 

@@ -9,7 +9,9 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <string>
 #include <utility>
 
@@ -70,6 +72,11 @@ std::uint32_t rehearsed_failure(const char* call, Handle /*handle*/) {
   const std::int64_t number = ++desktop.calls_made;
   if (desktop.keeps_calls) desktop.calls.emplace_back(call);
   headless::note(call);
+  // A handle is closed in destructors too, and there by the system.
+  if (number >= desktop.dies_at && desktop.dies_at != 0 && std::strcmp(call, "CloseHandle") != 0) {
+    desktop.dies_at = 0;
+    throw headless::ProcessDied{};
+  }
   return number >= desktop.fail_first && number <= desktop.fail_last ? desktop.fail_code : 0;
 }
 
@@ -123,7 +130,11 @@ bool ReadFile(Handle file, void* buffer, std::uint32_t bytes, std::uint32_t* mov
 
 bool WriteFile(Handle file, const void* buffer, std::uint32_t bytes, std::uint32_t* moved) {
   *moved = 0;
+  const bool dies = desktop.calls_made + 1 == desktop.dies_at;
+  if (dies) [[maybe_unused]]
+    const ssize_t torn = ::write(static_cast<int>(file), buffer, std::min(bytes, desktop.torn_bytes));
   if (scripted_failure("WriteFile", file)) return false;
+  if (desktop.cuts_writes) bytes /= 2;
   const ssize_t put = ::write(static_cast<int>(file), buffer, bytes);
   if (put > 0) *moved = static_cast<std::uint32_t>(put);
   return done(put >= 0);
@@ -226,8 +237,29 @@ std::string volume_device(const std::string& path) {
   return has_letter ? "\\\\.\\" + path.substr(0, 2) : std::string();
 }
 
+std::string local_data_folder() {
+  const char* const folder = std::getenv("LOCALAPPDATA");
+  return folder == nullptr ? std::string() : folder;
+}
+
+void make_folder(const std::string& name) {
+  std::error_code ignored;
+  std::filesystem::create_directory(name, ignored);
+}
+
+std::vector<std::string> files_in(const std::string& folder, const std::string& prefix, const std::string& ending) {
+  std::vector<std::string> names;
+  std::error_code ignored;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.empty() ? "." : folder, ignored)) {
+    const std::string name = entry.path().filename().string();
+    if (entry.is_regular_file() && name.starts_with(prefix) && name.ends_with(ending)) names.push_back(name);
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
 std::string full_path(const std::string& name) {
-  return desktop.current_volume + name;
+  return name.starts_with(desktop.current_volume) ? name : desktop.current_volume + name;
 }
 
 void Sleep(std::uint32_t milliseconds) {

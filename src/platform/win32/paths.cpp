@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 
 #include "platform/system.h"
@@ -22,6 +23,29 @@ std::string volume_device(const std::string& path) {
     return volume;
   }
   return ::GetDriveTypeA(root.data()) == DRIVE_REMOTE ? std::string(root.data()) : std::string();
+}
+
+std::string local_data_folder() {
+  std::array<char, MAX_PATH> folder{};
+  const DWORD length = ::GetEnvironmentVariableA("LOCALAPPDATA", folder.data(), static_cast<DWORD>(folder.size()));
+  return length < folder.size() ? std::string(folder.data(), length) : std::string();
+}
+
+void make_folder(const std::string& name) {
+  ::CreateDirectoryA(name.c_str(), nullptr);
+}
+
+std::vector<std::string> files_in(const std::string& folder, const std::string& prefix, const std::string& ending) {
+  std::vector<std::string> names;
+  WIN32_FIND_DATAA found{};
+  HANDLE const search = ::FindFirstFileA((folder + prefix + "*" + ending).c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) return names;
+  do {
+    if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) names.emplace_back(found.cFileName);
+  } while (::FindNextFileA(search, &found) != FALSE);
+  ::FindClose(search);
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 std::string full_path(const std::string& name) {

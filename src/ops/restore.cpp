@@ -1,0 +1,260 @@
+#include "ops/restore.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "buffer/pattern.h"
+#include "device/kernel32.h"
+#include "disk/counters.h"
+#include "disk/drive.h"
+#include "disk/error_text.h"
+#include "disk/transfer.h"
+#include "form/asked.h"
+#include "form/form1.h"
+#include "form/output.h"
+#include "journal/journal.h"
+#include "journal/places.h"
+#include "ops/frame.h"
+#include "platform/console.h"
+#include "smart/identification.h"
+
+namespace {
+
+constexpr std::int16_t kNothingDone = 1;  // exit code
+
+using Bytes = std::vector<std::uint8_t>;
+
+bool is_disk_of(const Record& record) {
+  return identification.Disk_Serial == record.disk.serial && identification.Disk_Model == record.disk.model &&
+         identification.Drive_Sectors == record.disk.sectors;
+}
+
+std::string range_text(const Record& record) {
+  return "LBA " + std::to_string(record.lba) + " to " + std::to_string(record.lba + record.sectors - 1);
+}
+
+std::string disk_text(const Record& record) {
+  return "(" + record.disk.model + ", serial number " + record.disk.serial + ")";
+}
+
+/// What the place of a record holds now.
+struct Held {
+  std::string problem;  // why it cannot be read
+  std::int64_t former = 0;
+  std::int64_t pattern = 0;  // of the others
+  std::int64_t neither = 0;
+  std::int64_t first_neither = 0;  // LBA
+};
+
+/// Reads the place on the open drive; through a buffer of its own, since nobody asked to see it.
+Held look_at_place(const LeftJournal& left) {
+  const Record& record = left.record;
+  Held held;
+  SectorBuffer shown = std::exchange(disk.Sec_Buf, {});
+  disk.Sec_Buf.resize(record.sectors * kSectorSize);
+  if (!ReadAt(record.lba, record.sectors)) {
+    held.problem = "error " + std::to_string(disk.Errno) + " - " + SystemErrorText(disk.Errno);
+  }
+  const Bytes former = left.former.empty() ? Bytes(disk.Sec_Buf.bytes().size()) : left.former;
+  const Bytes pattern = overwritten(record, former);
+  for (std::int64_t sector = 0; held.problem.empty() && sector < record.sectors; ++sector) {
+    const std::int64_t at = sector * kSectorSize;
+    const auto is = [&](const Bytes& expected) {
+      return std::memcmp(disk.Sec_Buf.data() + at, expected.data() + at, kSectorSize) == 0;
+    };
+    if (!left.former.empty() && is(former)) {
+      ++held.former;
+    } else if (!record.pattern.empty() && is(pattern)) {
+      ++held.pattern;
+    } else if (held.neither++ == 0) {
+      held.first_neither = record.lba + sector;
+    }
+  }
+  disk.Sec_Buf = std::move(shown);
+  disk.Buf_Secs = 0;
+  return held;
+}
+
+/// What is to be done with a journal, on the open drive that it names.
+struct Verdict {
+  bool restorable = false;
+  bool needed = true;  // false: the file may go
+  std::string text;
+};
+
+Verdict judge(const LeftJournal& left, int drive) {
+  const std::string place =
+      range_text(left.record) + " of drive " + std::to_string(drive) + " " + disk_text(left.record);
+  const Held held = look_at_place(left);
+  if (!held.problem.empty()) return {.text = place + " cannot be read: " + held.problem};
+  if (left.state == LeftJournal::State::contents_damaged) {
+    // A record is whole on its medium before the first pattern goes to the disk.
+    return {.text = "its sum is wrong, so that nothing is written. " + place + ": " + std::to_string(held.pattern) +
+                    " sectors hold the test's pattern" +
+                    (held.pattern == 0 ? ": the disk was not written to, and the file can be deleted." : ".")};
+  }
+  if (held.neither > 0) {
+    return {.text = place + " hold neither their former contents nor the test's pattern from LBA " +
+                    std::to_string(held.first_neither) + " on (" + std::to_string(held.neither) +
+                    " sectors): nothing is written."};
+  }
+  if (held.pattern == 0) return {.needed = false, .text = place + " hold their former contents."};
+  return {.restorable = true,
+          .text = place + ": " + std::to_string(held.pattern) + " of " + std::to_string(left.record.sectors) +
+                  " sectors hold the pattern of an interrupted test."};
+}
+
+std::string about(const std::string& file, const std::string& text) {
+  return "Journal \"" + file + "\": " + text;
+}
+
+void remove(const std::string& file, const std::string& text, std::vector<std::string>* lines) {
+  if (kernel32::DeleteFileA(file.c_str())) return;
+  const std::uint32_t code = kernel32::GetLastError();
+  lines->push_back(
+      about(file, text + " It cannot be deleted: error " + std::to_string(code) + " - " + SystemErrorText(code)));
+}
+
+/// True for a journal that is of no use to anybody any more, which is then deleted, or that a test is using.
+bool settled(const LeftJournal& left, std::vector<std::string>* lines) {
+  if (left.state == LeftJournal::State::in_use) return true;
+  if (left.state != LeftJournal::State::readable || left.record.state == RecordState::pending) return false;
+  remove(left.file, "its test was interrupted between two places.", lines);
+  return true;
+}
+
+/// The drives that are the disk of the record. The last one looked at is left open.
+std::vector<int> drives_of(const Record& record) {
+  std::vector<int> found;
+  for (int drive = 0; drive < kDriveCount; ++drive) {
+    OpenDrive(drive);
+    if (Check_drv(drive) && is_disk_of(record)) found.push_back(drive);
+  }
+  return found;
+}
+
+void look_at(const LeftJournal& left, LeftOver* over) {
+  const std::vector<int> drives = drives_of(left.record);
+  const std::string disk_name = "The disk " + disk_text(left.record);
+  if (drives.size() != 1) {
+    over->lines.push_back(about(left.file, drives.empty()
+                                               ? disk_name + " is not there."
+                                               : disk_name + " is there more than once: nothing is written."));
+    return;
+  }
+  OpenDrive(drives.front());
+  const Verdict verdict = judge(left, drives.front());
+  if (!verdict.needed) return remove(left.file, verdict.text, &over->lines);
+  over->lines.push_back(about(left.file, verdict.text));
+  if (verdict.restorable)
+    over->restorable.push_back({drives.front(), verdict.text, left.record.disk.serial, left.file});
+}
+
+/// Ends the command without a transfer.
+std::nullopt_t nothing_done(const std::string& line, std::int16_t exit_code) {
+  report_line(line);
+  if (exit_code != 0) tell_user(line);
+  if (in_batch()) output.ExitCode = exit_code;
+  return std::nullopt;
+}
+
+/// The journals of the selected drive, which is open and identified. `none_needed`: one of them was of no use to
+/// anybody any more.
+struct OwnJournals {
+  std::vector<LeftJournal> needed;
+  bool none_needed = false;
+};
+
+/// Looks for them; those that cannot be read are told.
+OwnJournals own_journals() {
+  OwnJournals ours;
+  std::vector<std::string> lines;
+  for (const std::string& file : left_journals()) {
+    LeftJournal left = read_journal(file);
+    if (settled(left, &lines)) {
+      ours.none_needed = ours.none_needed || is_disk_of(left.record);
+    } else if (left.state == LeftJournal::State::damaged) {
+      lines.push_back(about(file, left.why + ": it is left as it is."));
+    } else if (is_disk_of(left.record)) {
+      ours.needed.push_back(std::move(left));
+    }
+  }
+  for (const std::string& line : lines) report_line(line);
+  return ours;
+}
+
+}  // namespace
+
+LeftOver look_for_journals() {
+  LeftOver over;
+  for (const std::string& file : left_journals()) {
+    const LeftJournal left = read_journal(file);
+    if (settled(left, &over.lines)) continue;
+    if (left.state == LeftJournal::State::damaged) {
+      over.lines.push_back(about(file, left.why + ": it is left as it is."));
+    } else {
+      look_at(left, &over);
+    }
+  }
+  close_drive();
+  return over;
+}
+
+std::optional<RunPlan> plan_restore() {
+  restore_run = {};
+  const OwnJournals journals = own_journals();
+  const std::vector<LeftJournal>& ours = journals.needed;
+  if (ours.empty() && journals.none_needed) {
+    return nothing_done("The test of this disk was interrupted between two places: nothing is to be given back.", 0);
+  }
+  if (ours.empty()) {
+    return nothing_done("No journal of this disk was found in " + journal_places_text() + ": nothing was done.", 1);
+  }
+  if (ours.size() > 1) {
+    return nothing_done("There are several journals of this disk, \"" + ours[0].file + "\" and \"" + ours[1].file +
+                            "\": nothing was done.",
+                        kNothingDone);
+  }
+  const LeftJournal& left = ours.front();
+  const Verdict verdict = judge(left, form1.SelectedDrive);
+  if (!verdict.needed) {
+    std::vector<std::string> lines = {about(left.file, verdict.text + " Nothing is to be given back.")};
+    remove(left.file, verdict.text, &lines);
+    return nothing_done(lines.back(), 0);
+  }
+  if (!verdict.restorable) return nothing_done(about(left.file, verdict.text), kNothingDone);
+  report_line(about(left.file, verdict.text));
+  restore_run = {.file = left.file, .former = left.former, .problem = {}};
+  counters.No_Secs = left.record.sectors;
+  remake_buffer(counters.No_Secs * kSectorSize, left.record.lba);
+  return RunPlan{.kind = RunKind::restore, .first_lba = left.record.lba, .sectors = counters.No_Secs};
+}
+
+void restore_contents(const RunPlan& plan) {
+  platform::hold_shutdown();
+  std::copy(restore_run.former.begin(), restore_run.former.end(), disk.Sec_Buf.data());
+  std::int64_t lba = plan.first_lba;
+  measure_phase(Phase::restoring);
+  if (!Write_sectors(&lba, plan.sectors, plan.sectors, Events::wait)) {
+    restore_run.problem = "could not be written back.";
+  } else if (!ReadAt(plan.first_lba, plan.sectors)) {
+    restore_run.problem =
+        "could not be read again: error " + std::to_string(disk.Errno) + " - " + SystemErrorText(disk.Errno);
+  } else if (const std::size_t differing = count_differing(restore_run.former, disk.Sec_Buf.bytes())) {
+    restore_run.problem = "differ in " + std::to_string(differing) + " bytes when read again.";
+  }
+  platform::allow_shutdown();
+}
+
+void report_restore() {
+  const std::string contents = "The former contents of " + std::to_string(counters.No_Secs) + " sectors ";
+  if (restore_run.problem.empty()) {
+    std::vector<std::string> lines = {contents + "were given back and read again; the journal is deleted.\r\n"};
+    remove(restore_run.file, "its contents were given back.", &lines);
+    report_end(lines.back());
+    return;
+  }
+  report_end(contents + restore_run.problem + " The journal \"" + restore_run.file + "\" stays.\r\n");
+  if (counters.TotalErrors == 0) add_to_exit_code(1);
+}
