@@ -49,12 +49,10 @@ std::string text_at(std::span<const std::uint8_t> header, const Place& place) {
   return {field.begin(), std::find(field.begin(), field.end(), std::uint8_t{0})};
 }
 
-std::uint32_t header_sum(std::span<const std::uint8_t> header) {
-  return crc32c::sum(header.first(kHeaderSumPlace.at));
-}
-
-std::uint32_t whole_sum(std::span<const std::uint8_t> header, std::uint32_t contents_sum) {
-  return crc32c::sum(header.first(kWholeSumPlace.at), contents_sum);
+/// The sum of a header behind bytes whose sum is `before`. Without its sums: bytes and their own sum have the same sum
+/// whatever they are.
+std::uint32_t sum_of(std::span<const std::uint8_t> header, std::uint32_t before) {
+  return crc32c::sum(header.first(kHeaderSumPlace.at), before);
 }
 
 bool is_possible(const Record& record) {
@@ -90,14 +88,14 @@ Header encode(const Record& record, std::uint32_t contents_sum) {
   put_text(header, kSerialPlace, record.disk.serial);
   put_text(header, kFirmwarePlace, record.disk.firmware);
   put_text(header, kFilePlace, record.disk.file);
-  put(header, kHeaderSumPlace, header_sum(header));
-  put(header, kWholeSumPlace, whole_sum(header, contents_sum));
+  put(header, kHeaderSumPlace, sum_of(header, 0));
+  put(header, kWholeSumPlace, sum_of(header, contents_sum));
   return header;
 }
 
 std::optional<Record> decode(std::span<const std::uint8_t> header) {
   if (header.size() < kHeaderBytes || !std::equal(kMagic.begin(), kMagic.end(), header.begin()) ||
-      number_at(header, kVersionPlace) != kVersion || number_at(header, kHeaderSumPlace) != header_sum(header)) {
+      number_at(header, kVersionPlace) != kVersion || number_at(header, kHeaderSumPlace) != sum_of(header, 0)) {
     return std::nullopt;
   }
   const std::uint64_t state = number_at(header, kStatePlace);
@@ -118,7 +116,7 @@ std::optional<Record> decode(std::span<const std::uint8_t> header) {
 }
 
 bool contents_hold(std::span<const std::uint8_t> header, std::span<const std::uint8_t> contents) {
-  return number_at(header, kWholeSumPlace) == whole_sum(header, crc32c::sum(contents));
+  return number_at(header, kWholeSumPlace) == sum_of(header, crc32c::sum(contents));
 }
 
 std::vector<std::uint8_t> overwritten(const Record& record, std::span<const std::uint8_t> former) {

@@ -23,8 +23,8 @@
 ///   512   256 serial number
 ///   768   256 firmware revision
 ///   1024  2048 file of a virtual disk
-///   4088  4   CRC-32C of the bytes before
-///   4092  4   CRC-32C of the former contents, then of the bytes before
+///   4088  4   CRC-32C of the 4088 bytes before
+///   4092  4   CRC-32C of the former contents, then of the first 4088 bytes
 
 inline constexpr std::size_t kHeaderBytes = 4096;
 
