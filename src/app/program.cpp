@@ -54,8 +54,8 @@ bool stopped_at_start() {
 
 /// What earlier tests left: their journals, looked at before anything is selected. RESTORE looks for itself.
 LeftOver look_for_left_over() {
-  if (asked.op == "RESTORE") return {};
-  const LeftOver left = look_for_journals();
+  LeftOver left;
+  if (asked.op != "RESTORE") left = look_for_journals();
   if (!in_batch()) return left;
   for (const std::string& line : left.lines) tell_on_stderr(line);
   for (const Restorable& place : left.restorable) {

@@ -1,8 +1,6 @@
 #include "ops/write_guard.h"
 
 #include <algorithm>
-#include <array>
-#include <utility>
 
 #include "device/volume_disk.h"
 #include "disk/drive.h"
@@ -24,6 +22,12 @@ struct Range {
   std::int64_t lba = 0;
   std::int64_t sectors = 0;
 };
+
+bool is_plain(const std::string& name, const platform::Field& field) {
+  if (is_plain_number(field.text())) return true;
+  tell_user(name + ": \"" + field.text() + "\" is not a plain decimal number. Nothing was written; please correct it.");
+  return false;
+}
 
 /// What the fields say, as the write takes it.
 Range range_in_fields() {
@@ -99,16 +103,7 @@ std::string object_name() {
 }  // namespace
 
 bool range_is_plain() {
-  constexpr int kFields = 2;
-  const std::array<std::pair<const char*, const platform::Field*>, kFields> fields = {
-      {{"Start", &form1.TxtStartLBA}, {"No. Sectors", &form1.TxtNoSecs}}};
-  for (const auto& [name, field] : fields) {
-    if (is_plain_number(field->text())) continue;
-    tell_user(std::string(name) + ": \"" + field->text() +
-              "\" is not a plain decimal number. Nothing was written; please correct it.");
-    return false;
-  }
-  return true;
+  return is_plain("Start", form1.TxtStartLBA) && is_plain("No. Sectors", form1.TxtNoSecs);
 }
 
 std::string named_range() {

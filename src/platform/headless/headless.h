@@ -67,20 +67,19 @@ struct Desktop {
   std::uint32_t zone_id = 1;
   platform::TimeZone zone{-60, 0, -60};
 
-  // Faults: the calls numbered fail_first to fail_last (from 1) fail with fail_code.
+  // Faults: the calls numbered fail_first to fail_last (from 1) fail with fail_code; the process dies at the one
+  // numbered dies_at, and a file's write at which it does is cut off behind torn_bytes.
   std::int64_t fail_first = 0;
   std::int64_t fail_last = 0;
-  std::uint32_t fail_code = 1117;  // ERROR_IO_DEVICE
-
-  // The process dies at the call of this number; a file's write at which it does is cut off behind so many bytes.
   std::int64_t dies_at = 0;
+  std::uint32_t fail_code = 1117;  // ERROR_IO_DEVICE
   std::uint32_t torn_bytes = 0;
-  bool cuts_writes = false;  // a file takes half of what is written, as a full disk does
 
   std::set<std::string> foreign_names;  // objects that other processes have
 
   // What a user does while a read does not come back: Cancel, twice. In vain while shutdown is held.
   bool gives_up_reads = false;
+  bool cuts_writes = false;  // a file takes half of what is written, as a full disk does
   bool given_up = false;
 
   // The management service.

@@ -174,7 +174,7 @@ bool CloseHandle(Handle handle) {
 
 Handle make_named_object(const char* name) {
   if (scripted_failure("CreateMutexA", kInvalidHandle)) return kInvalidHandle;
-  if (desktop.foreign_names.count(name) != 0) {
+  if (desktop.foreign_names.contains(name)) {
     failed_with(kAlreadyExists);
     return kInvalidHandle;
   }
