@@ -77,6 +77,10 @@ std::string SystemErrorText(std::uint32_t code) {
   return {text.data(), std::min<std::size_t>(length, text.size())};
 }
 
+std::string coded_error_text(std::uint32_t code) {
+  return "error " + std::to_string(code) + " - " + SystemErrorText(code);
+}
+
 std::string open_error_text(std::uint32_t code) {
   const char* const own = text_of(kOpenTexts, code);
   return own != nullptr ? own : "";

@@ -12,7 +12,7 @@ constexpr std::uint32_t kWriteThroughFlag = 0x80000000;  // fileapi.h: FILE_FLAG
 constexpr std::uint32_t kSharingViolation = 32;          // winerror.h
 
 std::string with_code(const std::string& what, std::uint32_t code) {
-  return what + ": error " + std::to_string(code) + " - " + SystemErrorText(code);
+  return what + ": " + coded_error_text(code);
 }
 
 std::size_t bytes_of(std::int64_t sectors) {
@@ -71,6 +71,7 @@ std::string Journal::record(std::int64_t lba, std::span<const std::uint8_t> form
 }
 
 void Journal::mark_done() {
+  if (!is_open()) return;
   record_.state = RecordState::done;
   write_at(0, encode(record_, contents_sum_));
 }

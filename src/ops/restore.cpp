@@ -54,7 +54,7 @@ Held look_at_place(const LeftJournal& left) {
   SectorBuffer shown = std::exchange(disk.Sec_Buf, {});
   disk.Sec_Buf.resize(record.sectors * kSectorSize);
   if (!ReadAt(record.lba, record.sectors)) {
-    held.problem = "error " + std::to_string(disk.Errno) + " - " + SystemErrorText(disk.Errno);
+    held.problem = coded_error_text(disk.Errno);
   }
   const Bytes former = left.former.empty() ? Bytes(disk.Sec_Buf.bytes().size()) : left.former;
   const Bytes pattern = overwritten(record, former);
@@ -112,8 +112,7 @@ std::string about(const std::string& file, const std::string& text) {
 void remove(const std::string& file, const std::string& text, std::vector<std::string>* lines) {
   if (kernel32::DeleteFileA(file.c_str())) return;
   const std::uint32_t code = kernel32::GetLastError();
-  lines->push_back(
-      about(file, text + " It cannot be deleted: error " + std::to_string(code) + " - " + SystemErrorText(code)));
+  lines->push_back(about(file, text + " It cannot be deleted: " + coded_error_text(code)));
 }
 
 /// True for a journal that is of no use to anybody any more, which is then deleted, or that a test is using.
@@ -239,8 +238,7 @@ void restore_contents(const RunPlan& plan) {
   if (!Write_sectors(&lba, plan.sectors, plan.sectors, Events::wait)) {
     restore_run.problem = "could not be written back.";
   } else if (!ReadAt(plan.first_lba, plan.sectors)) {
-    restore_run.problem =
-        "could not be read again: error " + std::to_string(disk.Errno) + " - " + SystemErrorText(disk.Errno);
+    restore_run.problem = "could not be read again: " + coded_error_text(disk.Errno);
   } else if (const std::size_t differing = count_differing(restore_run.former, disk.Sec_Buf.bytes())) {
     restore_run.problem = "differ in " + std::to_string(differing) + " bytes when read again.";
   }

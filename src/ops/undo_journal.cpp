@@ -72,7 +72,7 @@ bool ask_for_journal(std::string problem, std::int64_t sectors) {
 bool begin_journal(std::int64_t sectors) {
   const std::string left = left_of_this_disk();
   if (!left.empty()) {
-    return refuse("An earlier test of this disk left the journal \"" + left +
+    return refuse("An earlier test of a disk of this serial number left the journal \"" + left +
                   "\": give its contents back with "
                   "/OP:RESTORE, or delete it.");
   }

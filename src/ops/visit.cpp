@@ -21,10 +21,6 @@ bool never_sent(std::uint32_t code) {
   return code == platform::kAccessDenied || code == platform::kWriteProtect;
 }
 
-std::string error_text(std::uint32_t code) {
-  return "error " + std::to_string(code) + " - " + SystemErrorText(code);
-}
-
 /// True when the drive took the last write and did not bring it to its medium; a drive that knows no flush does not
 /// count.
 bool flush_failed() {
@@ -93,7 +89,7 @@ bool Visit::read() {
 }
 
 std::string Visit::why_not_verified() const {
-  if (!ReadAt(lba_, sectors_)) return "could not be read again: " + error_text(disk.Errno);
+  if (!ReadAt(lba_, sectors_)) return "could not be read again: " + coded_error_text(disk.Errno);
   const std::size_t differing = count_differing(saved_, disk.Sec_Buf.bytes());
   return differing == 0 ? std::string() : "differ in " + std::to_string(differing) + " bytes when read again.";
 }
@@ -112,7 +108,7 @@ void Visit::give_back() {
   if (durable) {
     line += " were written back, but they " + problem + " " + where_they_are();
   } else if (untouched) {
-    line += " could not be written back. Nothing was written over them: " + error_text(refused_);
+    line += " could not be written back. Nothing was written over them: " + coded_error_text(refused_);
   } else {
     const bool stand = !written && problem.empty();
     line += std::string(" could not be written back") + (stand ? ", although a read shows them there" : "") + ". " +

@@ -179,10 +179,10 @@ bool hold_drive() {
   if (write_guard.held != kernel32::kInvalidHandle) return true;
   const std::uint32_t code = kernel32::GetLastError();
   const bool taken = code == platform::kAlreadyExists || code == platform::kAccessDenied;
-  const std::string drive = "rive " + std::to_string(form1.SelectedDrive);
-  const std::string line = taken ? "Another Sectorix is writing to d" + drive + ": nothing was done."
-                                 : "D" + drive + " cannot be kept from other programs: nothing was done. Error " +
-                                       std::to_string(code) + " - " + SystemErrorText(code);
+  const std::string drive = "drive " + std::to_string(form1.SelectedDrive) + ": ";
+  const std::string line =
+      taken ? "Another Sectorix is writing to " + drive + "nothing was done."
+            : "Nothing was done, since other programs cannot be kept from " + drive + coded_error_text(code);
   PrintReport(line);
   tell_user(line);
   output.ExitCode = 1;

@@ -81,7 +81,7 @@ std::string check(const OutputName& output, const std::string& path) {
   if (asked.writes && lies_on_drive(path, asked.named_drives.front()) != OnDrive::no)
     return shown + "lies on the disk under test.";
   if (const std::uint32_t code = why_not_writable(name)) {
-    return shown + "is a folder or cannot be written: error " + std::to_string(code) + " - " + SystemErrorText(code);
+    return shown + "is a folder or cannot be written: " + coded_error_text(code);
   }
   if (!output.replaced) return {};
   OutputFile probe;

@@ -9,7 +9,7 @@ namespace {
 
 /// "The file "x.csv" cannot be written: error 112 - There is not enough space on the disk."
 std::string failure(const OutputFile& file, const std::string& what, std::uint32_t code) {
-  return "The file \"" + file.name + "\" " + what + ": error " + std::to_string(code) + " - " + SystemErrorText(code);
+  return "The file \"" + file.name + "\" " + what + ": " + coded_error_text(code);
 }
 
 void close(OutputFile* file) {

@@ -114,7 +114,7 @@ TEST_F(Restore, TheWindowAsksAndCancelLeavesEverythingAsItIs) {
 
   desktop.answers = {"3", "8", "OK"};
   click(CmdRnd_Click);
-  EXPECT_THAT(desktop.boxes.back().text, HasSubstr("An earlier test of this disk left the journal"))
+  EXPECT_THAT(desktop.boxes.back().text, HasSubstr("An earlier test of a disk of this serial number left the journal"))
       << "first this one";
   EXPECT_EQ(image(), damaged);
   virtualdisk::detach_all();
@@ -136,7 +136,8 @@ TEST_F(Restore, AnyBatchTellsWhatIsLeftAndDoesNothing) {
                                "/D:0 /OP:RESTORE /SERIAL:S1 gives the former contents back.\r\n"));
   virtualdisk::detach_all();
   EXPECT_EQ(start(disk_switches() + "/D:0 /OP:RANDOMWRITE"), 1U);
-  EXPECT_THAT(err(), HasSubstr("An earlier test of this disk left the journal \"" + journals()[0] + "\""));
+  EXPECT_THAT(err(),
+              HasSubstr("An earlier test of a disk of this serial number left the journal \"" + journals()[0] + "\""));
   EXPECT_EQ(image(), damaged);
 }
 
