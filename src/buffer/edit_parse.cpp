@@ -45,16 +45,32 @@ std::optional<std::size_t> offset_of(std::string_view line) {
   return offset;
 }
 
+/// What the lines named so far.
+struct Named {
+  std::vector<std::uint8_t>& bytes;
+  std::vector<bool> at;  // true where a line gave the byte
+};
+
 /// Stores the bytes of `line` from `address` on, which moves along. False at the first field that is bad or past the
 /// end.
-bool store_line(std::string_view line, std::vector<std::uint8_t>& bytes, std::size_t& address) {
+bool store_line(std::string_view line, Named& named, std::size_t& address) {
   for (const std::size_t column : kFieldColumns) {
-    if (address >= bytes.size() || line.size() < column + 2) return false;
+    if (address >= named.bytes.size() || line.size() < column + 2) return false;
     const int value = hex_pair_value(line[column], line[column + 1]);
     if (value < 0) return false;
-    bytes[address++] = static_cast<std::uint8_t>(value);
+    named.at[address] = true;
+    named.bytes[address++] = static_cast<std::uint8_t>(value);
   }
   return true;
+}
+
+/// True when no byte before the last line's end is left to chance; else `address` is the first one that is.
+bool lacks_no_line(const Named& named, std::size_t& address) {
+  const auto end = named.at.begin() + static_cast<std::ptrdiff_t>(address);
+  const auto gap = std::find(named.at.begin(), end, false);
+  if (gap == end) return true;
+  address = static_cast<std::size_t>(gap - named.at.begin());
+  return false;
 }
 
 /// Takes the lines up to the first sector header off `rest`.
@@ -76,10 +92,11 @@ bool skip_empty_lines(std::string_view& rest) {
 }
 
 bool parse_lines(std::string_view rest, EditParse& parse) {
+  Named named{parse.bytes, std::vector<bool>(parse.bytes.size())};
   for (;;) {
     const auto line = next_line(rest);
     if (!line) return false;
-    if (ends_view(*line)) return true;
+    if (ends_view(*line)) return lacks_no_line(named, parse.address);
     if (line->empty()) {
       if (!skip_empty_lines(rest)) return false;
       continue;
@@ -87,7 +104,7 @@ bool parse_lines(std::string_view rest, EditParse& parse) {
     const auto offset = offset_of(*line);
     if (!offset) continue;
     parse.address = *offset;
-    if (!store_line(*line, parse.bytes, parse.address)) return false;
+    if (!store_line(*line, named, parse.address)) return false;
   }
 }
 

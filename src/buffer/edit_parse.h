@@ -17,13 +17,13 @@ enum class EditOutcome : std::uint8_t {
 
 struct EditParse {
   EditOutcome outcome = EditOutcome::silent;
-  std::size_t address = 0;          // where the bytes of the last line ended, or of the first field that is bad
+  std::size_t address = 0;          // where the bytes of the last line ended; of the first field that is bad or missing
   std::vector<std::uint8_t> bytes;  // when ok: as long as the last line's end; 2 bytes when there was no line
 };
 
 /// Parses `text`, lines separated by CR LF, into at most `buffer_length` bytes. The offset column decides where a
-/// line's bytes go; bytes that no line names are 0. An offset past the buffer fails at that address. Linear in the
-/// text.
+/// line's bytes go, in whatever order they stand. An offset past the buffer fails at that address, a view that lacks a
+/// line at the first byte that no line names. Linear in the text.
 EditParse parse_edit_view(std::string_view text, std::size_t buffer_length);
 
 /// What the user is told of a parse that failed at an address.

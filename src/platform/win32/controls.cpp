@@ -49,6 +49,14 @@ bool is_text(ControlKind kind) {
   return kind == ControlKind::edit || kind == ControlKind::display || kind == ControlKind::memo;
 }
 
+/// A memo takes its text in code units, so it is a window of the wide kind.
+HWND make_memo(DWORD more_style, int id) {
+  const Look look = look_of(ControlKind::memo);
+  return ::CreateWindowExW(look.extended_style, L"EDIT", L"", WS_CHILD | look.style | more_style, 0, 0, 0, 0,
+                           main_window.window, reinterpret_cast<HMENU>(static_cast<std::intptr_t>(id)),
+                           ::GetModuleHandleA(nullptr), nullptr);
+}
+
 HWND make_child(const Look& look, const char* caption, DWORD more_style, int id) {
   return ::CreateWindowExA(look.extended_style, look.window_class, caption, WS_CHILD | look.style | more_style, 0, 0, 0,
                            0, main_window.window, reinterpret_cast<HMENU>(static_cast<std::intptr_t>(id)),
@@ -118,8 +126,10 @@ bool create_controls() {
     if (is_text(row.kind) && previous != ControlKind::label) make_child({"STATIC", 0, 0}, row.name, 0, 0);
     const bool starts_group = is_option(row.kind) != is_option(previous);
     const std::size_t index = main.controls.size();
-    HWND const control = make_child(look_of(row.kind), row.caption, WS_VISIBLE | (starts_group ? WS_GROUP : 0),
-                                    kFirstControlId + static_cast<int>(index));
+    const DWORD more_style = WS_VISIBLE | (starts_group ? WS_GROUP : 0);
+    const int id = kFirstControlId + static_cast<int>(index);
+    HWND const control = row.kind == ControlKind::memo ? make_memo(more_style, id)
+                                                       : make_child(look_of(row.kind), row.caption, more_style, id);
     if (control == nullptr) return false;
     main.controls.push_back({control});
     if (is_option(row.kind)) ::SendMessageA(control, BM_SETDONTCLICK, TRUE, 0);

@@ -231,7 +231,7 @@ void hand_over_typing() {
     ShownControl& shown = main_window.controls[row];
     if (!shown.typed) continue;
     shown.typed = false;
-    presses.add({.what = Press::What::typing, .row = row, .text = text_of(shown.window)});
+    presses.add({.what = Press::What::typing, .row = row, .text = text_of(row)});
   }
 }
 

@@ -91,7 +91,10 @@ void show_fields();
 /// Gives the text that the user typed into the control of `row` to its field. On the operations' thread.
 void take_typed(std::size_t row, std::string text);
 
-/// The text of a control, as it is shown.
+/// The text of the control of `row`, as it is shown; a memo's byte by byte (byte_units.h).
+std::string text_of(std::size_t row);
+
+/// The text of another control.
 std::string text_of(HWND control);
 
 /// The control of `row` reports a changed text.

@@ -2,6 +2,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/win32/byte_units.h"
 #include "platform/win32/main_window.h"
 
 namespace win32 {
@@ -24,7 +25,7 @@ std::string without_zeros(std::string text) {
 /// memo: then the end stays in view.
 void append_text(HWND memo, const std::string& more) {
   const auto ask = [memo](UINT message, WPARAM word = 0, LPARAM long_word = 0) {
-    return ::SendMessageA(memo, message, word, long_word);
+    return ::SendMessageW(memo, message, word, long_word);
   };
   DWORD from = 0;
   DWORD to = 0;
@@ -38,7 +39,7 @@ void append_text(HWND memo, const std::string& more) {
 
   ask(WM_SETREDRAW, FALSE);
   ask(EM_SETSEL, kEnd, kEnd);
-  ask(EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(more.c_str()));
+  ask(EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(units_of(more).c_str()));
   ask(EM_SETSEL, from, static_cast<LPARAM>(to));
   if (!follows) ask(EM_LINESCROLL, 0, first - ask(EM_GETFIRSTVISIBLELINE));
   ask(WM_SETREDRAW, TRUE);
@@ -56,7 +57,10 @@ void show_text(const Control& row, ShownControl* shown) {
   const std::string& text = row.field->text();
   const bool only_more = row.kind == ControlKind::memo && row.field->replaced() <= shown->revision;
   if (only_more) {
-    if (text.size() > shown->length) append_text(shown->window, without_zeros(text.substr(shown->length)));
+    if (text.size() > shown->length) append_text(shown->window, text.substr(shown->length));
+  } else if (row.kind == ControlKind::memo) {
+    ::SetWindowTextW(shown->window, units_of(text).c_str());
+    shown->caret = 0;
   } else {
     ::SetWindowTextA(shown->window, without_zeros(text).c_str());
     shown->caret = 0;
@@ -84,6 +88,15 @@ void show_field(const Control& row, ShownControl* shown) {
 }
 
 }  // namespace
+
+std::string text_of(std::size_t row) {
+  HWND const control = main_window.controls[row].window;
+  if (main_window.table.controls[row].kind != ControlKind::memo) return text_of(control);
+  const int length = ::GetWindowTextLengthW(control);
+  std::wstring units(static_cast<std::size_t>(length) + 1, L'\0');
+  units.resize(static_cast<std::size_t>(::GetWindowTextW(control, units.data(), length + 1)));
+  return bytes_of(units);
+}
 
 std::string text_of(HWND control) {
   const int length = ::GetWindowTextLengthA(control);

@@ -75,15 +75,30 @@ TEST_F(EditParseTest, FailsAtTheFirstBadField) {
 
 TEST_F(EditParseTest, FollowsTheOffsetColumn) {
   show(1);
-  delete_line("0100");
-  std::fill_n(bytes.begin() + 0x100, 16, std::uint8_t{0});
-  EXPECT_EQ(parse().bytes, bytes);
+  overwrite("0100", 1, "0110");
+  text.replace(text.rfind("\r\n0110") + 2, 4, "0100");
+  std::swap_ranges(bytes.begin() + 0x100, bytes.begin() + 0x110, bytes.begin() + 0x110);
+  EXPECT_EQ(parse().bytes, bytes) << "lines may change their places";
+  show(1);
   overwrite("01F0", 1, "0000");  // the last line decides how long the bytes are
   EXPECT_EQ(parse().bytes, std::vector(bytes.end() - 16, bytes.end()));
   overwrite("0010", 1, "01f8");
   expect_error(0x200);
   overwrite("01f8", 1, "FFFF");
   expect_error(0xFFFF);
+}
+
+TEST_F(EditParseTest, FailsWhereALineIsMissing) {
+  for (const std::string offset : {"0000", "0100", "01E0", "0200", "03E0"}) {
+    show(2);
+    delete_line(offset);
+    expect_error(std::stoul(offset, nullptr, 16));
+    EXPECT_TRUE(parse().bytes.empty());
+  }
+  // Two lines that became one, as when a line's end is lost.
+  show(2);
+  text.erase(line("0110") - 2, 2);
+  expect_error(0x110);
 }
 
 TEST_F(EditParseTest, PassesForeignLinesOverButNotEmptyOnes) {
