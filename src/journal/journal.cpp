@@ -100,6 +100,10 @@ bool Journal::write_at(std::int64_t offset, std::span<const std::uint8_t> bytes)
 
 LeftJournal take_journal(std::span<const std::uint8_t> bytes) {
   LeftJournal left;
+  if (bytes.empty()) {  // its program died before it wrote anything
+    left.state = LeftJournal::State::readable;
+    return left;
+  }
   const std::optional<Record> record = decode(bytes);
   if (!record) {
     left.why = "its header is no whole header of a journal";

@@ -90,9 +90,9 @@ Verdict judge(const LeftJournal& left, int drive) {
   if (!held.problem.empty()) return {.text = place + " cannot be read: " + held.problem};
   if (left.state == LeftJournal::State::contents_damaged) {
     // A record is whole on its medium before the first pattern goes to the disk.
+    const std::string end = held.pattern == 0 ? ": the file can be deleted." : ".";
     return {.text = "its sum is wrong, so that nothing is written. " + place + ": " + std::to_string(held.pattern) +
-                    " sectors hold the test's pattern" +
-                    (held.pattern == 0 ? ": the disk was not written to, and the file can be deleted." : ".")};
+                    " sectors hold the test's pattern" + end};
   }
   if (held.neither > 0) {
     return {.text = place + " hold neither their former contents nor the test's pattern from LBA " +
@@ -123,31 +123,43 @@ bool settled(const LeftJournal& left, std::vector<std::string>* lines) {
   return true;
 }
 
-/// The drives that are the disk of the record. The last one looked at is left open.
-std::vector<int> drives_of(const Record& record) {
+/// The drives that are the disk of a record.
+struct Drives {
   std::vector<int> found;
+  bool denied = false;  // the system lets the program open none or not all
+};
+
+/// Asks every drive. The last one is left open.
+Drives drives_of(const Record& record) {
+  Drives drives;
   for (int drive = 0; drive < kDriveCount; ++drive) {
     OpenDrive(drive);
-    if (Check_drv(drive) && is_disk_of(record)) found.push_back(drive);
+    const bool open = disk.hDrive != kernel32::kInvalidHandle;
+    drives.denied = drives.denied || (!open && kernel32::GetLastError() == platform::kAccessDenied);
+    if (Check_drv(drive) && is_disk_of(record)) drives.found.push_back(drive);
   }
-  return found;
+  return drives;
+}
+
+std::string why_not_one(const Drives& drives, const Record& record) {
+  const std::string name = "The disk " + disk_text(record);
+  if (!drives.found.empty()) return name + " is there more than once: nothing is written.";
+  return name +
+         (drives.denied ? " was not found, and access to a drive is denied: run as administrator." : " is not there.");
 }
 
 void look_at(const LeftJournal& left, LeftOver* over) {
-  const std::vector<int> drives = drives_of(left.record);
-  const std::string disk_name = "The disk " + disk_text(left.record);
-  if (drives.size() != 1) {
-    over->lines.push_back(about(left.file, drives.empty()
-                                               ? disk_name + " is not there."
-                                               : disk_name + " is there more than once: nothing is written."));
+  const Drives drives = drives_of(left.record);
+  if (drives.found.size() != 1) {
+    over->lines.push_back(about(left.file, why_not_one(drives, left.record)));
     return;
   }
-  OpenDrive(drives.front());
-  const Verdict verdict = judge(left, drives.front());
+  const int drive = drives.found.front();
+  OpenDrive(drive);
+  const Verdict verdict = judge(left, drive);
   if (!verdict.needed) return remove(left.file, verdict.text, &over->lines);
   over->lines.push_back(about(left.file, verdict.text));
-  if (verdict.restorable)
-    over->restorable.push_back({drives.front(), verdict.text, left.record.disk.serial, left.file});
+  if (verdict.restorable) over->restorable.push_back({drive, verdict.text, left.record.disk.serial, left.file});
 }
 
 /// Ends the command without a transfer.

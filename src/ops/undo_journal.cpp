@@ -72,9 +72,10 @@ bool ask_for_journal(std::string problem, std::int64_t sectors) {
 bool begin_journal(std::int64_t sectors) {
   const std::string left = left_of_this_disk();
   if (!left.empty()) {
-    return refuse("An earlier test of a disk of this serial number left the journal \"" + left +
-                  "\": give its contents back with "
-                  "/OP:RESTORE, or delete it.");
+    const bool runs = read_journal(left).state == LeftJournal::State::in_use;
+    return refuse(runs ? "A test of a disk of this serial number is running: its journal is \"" + left + "\"."
+                       : "An earlier test of a disk of this serial number left the journal \"" + left +
+                             "\": give its contents back with /OP:RESTORE, or delete it.");
   }
   const std::string problem = make_journal(journal_folder(form1.SelectedDrive), sectors);
   if (problem.empty()) return true;

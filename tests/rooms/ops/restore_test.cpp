@@ -284,6 +284,23 @@ TEST_F(Restore, TheJournalLiesWhereItIsAskedForAndNeverOnTheDiskUnderTest) {
   EXPECT_EQ(image(), pristine_);
 }
 
+TEST_F(Restore, AJournalInUseIsLeftToItsTest) {
+  const DiskIdentity same{.model = "M", .serial = "S1", .firmware = "", .sectors = kSectors, .file = ""};
+  std::filesystem::create_directory(local_data() + "/Sectorix");
+  Journal running;
+  ASSERT_EQ(running.create(local_data() + "/Sectorix/sectorix-S1.journal", same, 8), "");
+  EXPECT_EQ(start(disk_switches() + "/D:0 /OP:RANDOMWRITE"), 1U);
+  EXPECT_THAT(err(), HasSubstr("A test of a disk of this serial number is running: its journal is \""));
+  virtualdisk::detach_all();
+  EXPECT_EQ(restore(), 1U);
+  ASSERT_EQ(journals().size(), 1U);
+  EXPECT_EQ(running.finish(), "");
+  write_file("empty", "");
+  std::filesystem::copy_file(path("empty"), local_data() + "/Sectorix/sectorix-S1.journal");
+  EXPECT_EQ(start(disk_switches() + "/D:0 /OP:RANDOMWRITE /PASSES:1"), 0U) << "a file of no bytes keeps nothing";
+  EXPECT_THAT(journals(), IsEmpty());
+}
+
 TEST_F(Restore, TheWindowOffersAFolderAndGoesOnWithoutAJournalOnlyWhenToldTo) {
   ::setenv("LOCALAPPDATA", "", 1);
   open(disk_switches());
