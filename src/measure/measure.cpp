@@ -47,7 +47,8 @@ void keep_error(const Transfer& transfer) {
 
 const char* run_kind_text(RunKind kind) {
   constexpr std::array<const char*, 9> kTexts = {
-      "none", "read", "write", "search", "restore", "random read", "random write", "destructive random write", "off-track write"};
+      "none",           "read", "write", "search", "restore", "random read", "random write", "destructive random write",
+      "off-track write"};
   return kTexts.at(static_cast<std::size_t>(kind));
 }
 

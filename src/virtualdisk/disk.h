@@ -37,7 +37,7 @@ struct VirtualDisk {
   std::int64_t sectors = 0;
   bool readonly = false;
   Content content;
-  std::string image;  // whole path of the image; empty for memory
+  std::string image;            // whole path of the image; empty for memory
   std::vector<OwnedFile> held;  // the other files it was read from: an output of one of their names would destroy it
   Faults faults;
   Smart smart;
