@@ -99,6 +99,9 @@ Verdict judge(const LeftJournal& left, int drive) {
                     std::to_string(held.first_neither) + " on (" + std::to_string(held.neither) +
                     " sectors): nothing is written."};
   }
+  if (held.pattern == 0 && left.record.disk.serial.empty()) {
+    return {.text = place + " hold their former contents, but another disk without a serial number may be meant."};
+  }
   if (held.pattern == 0) return {.needed = false, .text = place + " hold their former contents."};
   return {.restorable = true,
           .text = place + ": " + std::to_string(held.pattern) + " of " + std::to_string(left.record.sectors) +
@@ -109,17 +112,17 @@ std::string about(const std::string& file, const std::string& text) {
   return "Journal \"" + file + "\": " + text;
 }
 
-void remove(const std::string& file, const std::string& text, std::vector<std::string>* lines) {
-  if (kernel32::DeleteFileA(file.c_str())) return;
-  const std::uint32_t code = kernel32::GetLastError();
-  lines->push_back(about(file, text + " It cannot be deleted: " + coded_error_text(code)));
+/// Deletes a journal that nobody needs any more. Gives what became of it.
+std::string deleted(const std::string& file) {
+  if (kernel32::DeleteFileA(file.c_str())) return "The journal is deleted.";
+  return "The journal \"" + file + "\" cannot be deleted: " + coded_error_text(kernel32::GetLastError());
 }
 
 /// True for a journal that is of no use to anybody any more, which is then deleted, or that a test is using.
-bool settled(const LeftJournal& left, std::vector<std::string>* lines) {
+bool settled(const LeftJournal& left) {
   if (left.state == LeftJournal::State::in_use) return true;
   if (left.state != LeftJournal::State::readable || left.record.state == RecordState::pending) return false;
-  remove(left.file, "its test was interrupted between two places.", lines);
+  deleted(left.file);  // one that stays is looked at again at the next start
   return true;
 }
 
@@ -157,7 +160,10 @@ void look_at(const LeftJournal& left, LeftOver* over) {
   const int drive = drives.found.front();
   OpenDrive(drive);
   const Verdict verdict = judge(left, drive);
-  if (!verdict.needed) return remove(left.file, verdict.text, &over->lines);
+  if (!verdict.needed) {
+    deleted(left.file);
+    return;
+  }
   over->lines.push_back(about(left.file, verdict.text));
   if (verdict.restorable) over->restorable.push_back({drive, verdict.text, left.record.disk.serial, left.file});
 }
@@ -180,18 +186,16 @@ struct OwnJournals {
 /// Looks for them; those that cannot be read are told.
 OwnJournals own_journals() {
   OwnJournals ours;
-  std::vector<std::string> lines;
   for (const std::string& file : left_journals()) {
     LeftJournal left = read_journal(file);
-    if (settled(left, &lines)) {
+    if (settled(left)) {
       ours.none_needed = ours.none_needed || is_disk_of(left.record);
     } else if (left.state == LeftJournal::State::damaged) {
-      lines.push_back(about(file, left.why + ": it is left as it is."));
+      report_line(about(file, left.why + ": it is left as it is."));
     } else if (is_disk_of(left.record)) {
       ours.needed.push_back(std::move(left));
     }
   }
-  for (const std::string& line : lines) report_line(line);
   return ours;
 }
 
@@ -201,7 +205,7 @@ LeftOver look_for_journals() {
   LeftOver over;
   for (const std::string& file : left_journals()) {
     const LeftJournal left = read_journal(file);
-    if (settled(left, &over.lines)) continue;
+    if (settled(left)) continue;
     if (left.state == LeftJournal::State::damaged) {
       over.lines.push_back(about(file, left.why + ": it is left as it is."));
     } else {
@@ -230,9 +234,7 @@ std::optional<RunPlan> plan_restore() {
   const LeftJournal& left = ours.front();
   const Verdict verdict = judge(left, form1.SelectedDrive);
   if (!verdict.needed) {
-    std::vector<std::string> lines = {about(left.file, verdict.text + " Nothing is to be given back.")};
-    remove(left.file, verdict.text, &lines);
-    return nothing_done(lines.back(), 0);
+    return nothing_done(verdict.text + " Nothing is to be given back. " + deleted(left.file), 0);
   }
   if (!verdict.restorable) return nothing_done(about(left.file, verdict.text), kNothingDone);
   report_line(about(left.file, verdict.text));
@@ -260,9 +262,7 @@ void restore_contents(const RunPlan& plan) {
 void report_restore() {
   const std::string contents = "The former contents of " + std::to_string(counters.No_Secs) + " sectors ";
   if (restore_run.problem.empty()) {
-    std::vector<std::string> lines = {contents + "were given back and read again; the journal is deleted.\r\n"};
-    remove(restore_run.file, "its contents were given back.", &lines);
-    report_end(lines.back());
+    report_end(contents + "were given back and read again. " + deleted(restore_run.file) + "\r\n");
     return;
   }
   report_end(contents + restore_run.problem + " The journal \"" + restore_run.file + "\" stays.\r\n");

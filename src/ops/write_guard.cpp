@@ -117,8 +117,7 @@ bool confirm_write(const std::string& title, Overwritten what) {
   const std::string warning = "Warning: This Disk " + std::to_string(form1.SelectedDrive) +
                               " Write operation will overwrite all existing data!";
   if (what == Overwritten::range) return ask_user(warning + named_range(), title);
-  return ask_user(warning + named_drive() + "Places anywhere in " + range_text({0, write_guard.sectors}) + ", " +
-                      std::to_string(write_guard.sectors) + " sectors",
+  return ask_user(warning + named_drive() + "Places anywhere in " + std::to_string(write_guard.sectors) + " sectors",
                   title);
 }
 

@@ -89,7 +89,7 @@ TEST_F(Restore, GivesTheFormerContentsBackAndSaysSo) {
   EXPECT_EQ(restore(), 0U);
   EXPECT_THAT(out(), HasSubstr(range + " of drive 0 (M, serial number S1): 8 of 8 sectors hold the pattern of an "
                                        "interrupted test.\r\n"));
-  EXPECT_THAT(out(), HasSubstr("The former contents of 8 sectors were given back and read again; the journal is "
+  EXPECT_THAT(out(), HasSubstr("The former contents of 8 sectors were given back and read again. The journal is "
                                "deleted.\r\n"));
   EXPECT_THAT(out(), HasSubstr("SET QV_D_TOTERR=0"));
   EXPECT_EQ(image(), pristine_);
@@ -195,6 +195,23 @@ TEST_F(Restore, AnotherDiskIsNamedOnceAndLeftAlone) {
   desktop = {};
   EXPECT_EQ(start(disk_switches() + disk_switch(1, "image b.img\nserial S1\nmodel M\n") + "/D:0 /OP:SHOW"), 0U);
   EXPECT_THAT(err(), HasSubstr("is there more than once: nothing is written."));
+}
+
+TEST_F(Restore, ADiskWithoutASerialNumberMayBeAnother) {
+  std::filesystem::create_directory(local_data() + "/Sectorix");
+  Journal unnamed;
+  const std::string file = local_data() + "/Sectorix/sectorix-.journal";
+  const std::vector<std::uint8_t> former(512);
+  ASSERT_EQ(unnamed.create(file, {.model = "M", .serial = "", .firmware = "", .sectors = 100, .file = ""}, 1), "");
+  ASSERT_EQ(unnamed.record(7, former, std::vector<std::uint8_t>{1, 2, 3, 4}), "");
+  unnamed.close();
+  // An IDENTIFY page (ATA/ATAPI-8, table 29) with a model, its characters swapped in pairs, and no serial number.
+  std::string page(512, '\0');
+  page.replace(54, 2, " M");
+  write_file("identify.bin", page);
+  start(disk_switch(0, "sectors 100\nidentify identify.bin\n") + "/D:0 /OP:SHOW");
+  EXPECT_THAT(err(), HasSubstr("hold their former contents, but another disk without a serial number may be meant."));
+  EXPECT_TRUE(std::filesystem::exists(file));
 }
 
 TEST_F(Restore, WhatWasGivenBackAlreadyNeedsNoJournal) {
