@@ -4,6 +4,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "device/kernel32.h"
@@ -17,6 +18,13 @@ class Journal {
   Journal() = default;
   Journal(const Journal&) = delete;
   Journal& operator=(const Journal&) = delete;
+  Journal(Journal&&) = delete;
+  Journal& operator=(Journal&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    file_ = std::move(other.file_);
+    record_ = std::move(other.record_);
+    return *this;
+  }
   /// Closes the file, which stays.
   ~Journal() { close(); }
 

@@ -41,7 +41,7 @@ void reset_program() {
   form1 = {};
   frame = {};
   identification = {};
-  journal.close();
+  journal = {};
   kernel32::state = {};
   measure = {};
   output = {};
