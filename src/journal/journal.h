@@ -23,6 +23,8 @@ class Journal {
     std::swap(handle_, other.handle_);
     file_ = std::move(other.file_);
     record_ = std::move(other.record_);
+    contents_sum_ = other.contents_sum_;
+    code_ = other.code_;
     return *this;
   }
   /// Closes the file, which stays.
