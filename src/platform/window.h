@@ -42,6 +42,7 @@ struct Control {
   WhileBusy while_busy;
   const Picture* picture = nullptr;
   Stops stops = Stops::nothing;
+  Field* tip = nullptr;  // the tool tip where it changes; `tool_tip` stands there while its text is empty
 };
 
 /// How far the running command is, as the window's button on the taskbar shows it.

@@ -5,12 +5,13 @@
 #include <limits>
 #include <string_view>
 
+#include "device/drive_command.h"
+#include "device/scsi_command.h"
 #include "disk/drive.h"
 #include "disk/progress.h"
 #include "form/form1.h"
 #include "form/output.h"
 #include "platform/bytes.h"
-#include "smart/drive_command.h"
 #include "smart/identify_data.h"
 
 namespace {
@@ -20,7 +21,6 @@ constexpr std::uint32_t kGetDriveGeometry = 0x70000;   // IOCTL_DISK_GET_DRIVE_G
 constexpr std::uint32_t kGetLengthInfo = 0x7405C;      // IOCTL_DISK_GET_LENGTH_INFO
 constexpr std::uint32_t kScsiMiniport = 0x4D008;       // IOCTL_SCSI_MINIPORT
 constexpr std::uint32_t kMiniportIdentify = 0x1B0501;  // IOCTL_SCSI_MINIPORT_IDENTIFY
-constexpr std::uint32_t kScsiPassThrough = 0x4D004;    // IOCTL_SCSI_PASS_THROUGH
 
 constexpr std::int64_t kMostSectors = std::numeric_limits<std::int64_t>::max() / kSectorSize;
 
@@ -64,26 +64,21 @@ std::int64_t credible_product(std::int64_t cylinders, std::int64_t tracks, std::
   return cylinders > kMostSectors / per_cylinder ? 0 : cylinders * per_cylinder;
 }
 
-/// SCSI_PASS_THROUGH (32-bit layout) with sense data and data behind it, asking for READ CAPACITY (SBC-3, 5.15).
+/// SCSI_PASS_THROUGH with sense data and data behind it, asking for READ CAPACITY (SBC-3, 5.15).
 constexpr std::size_t kPassThroughBytes = 585;
-constexpr std::size_t kPassThroughData = 76;
+constexpr std::size_t kPassThroughData = 80;
 std::array<std::uint8_t, kPassThroughBytes> read_capacity_request() {
-  constexpr std::uint16_t kHeader = 44;
   constexpr std::uint8_t kSense = 24;
   constexpr std::uint8_t kData = 192;
+  constexpr std::array<std::uint8_t, 5> kReadCapacity10 = {0x25, 8, 0, 0, kData};
   std::array<std::uint8_t, kPassThroughBytes> request{};
-  bytes::put_le(request, 0, 2, kHeader);
-  request[4] = 1;  // target id
-  request[6] = 6;  // CDB length, though the command has 10 bytes: docs/oddities.md, 19.
-  request[7] = kSense;
-  request[8] = 1;  // data come from the device
-  bytes::put_le(request, 12, 4, kData);
-  bytes::put_le(request, 16, 4, 2);  // seconds
-  bytes::put_le(request, 20, 4, kPassThroughData);
-  bytes::put_le(request, 24, 4, kHeader);
-  request[28] = 0x25;  // READ CAPACITY (10)
-  request[29] = 8;
-  request[32] = kData;
+  pass_through::put_header({.target = 1,
+                            .cdb_bytes = 6,  // though the command has 10 bytes: docs/oddities.md, 19.
+                            .sense_bytes = kSense,
+                            .data_bytes = kData,
+                            .seconds = 2,
+                            .data_at = kPassThroughData},
+                           kReadCapacity10, request);
   return request;
 }
 
@@ -108,7 +103,93 @@ std::array<std::uint8_t, kMiniportBytes> miniport_request() {
   return request;
 }
 
+void take_texts(IdentitySource source, const std::string& model, const std::string& serial,
+                const std::string& firmware) {
+  identification.source = source;
+  identification.Model_No = model;
+  identification.Serial_No = serial;
+  identification.Firmware_Rev = firmware;
+  Clean_Id_Strings();
+}
+
+void identify_by_controller(kernel32::Handle drive) {
+  const std::optional<NvmeController> told = decode_nvme_controller(ask_nvme_controller(through(drive)).data);
+  if (told && !clean_id(told->model).empty())
+    take_texts(IdentitySource::nvme_controller, told->model, told->serial, told->firmware);
+}
+
+std::string text_in(std::span<const std::uint8_t> data, std::size_t at, std::size_t size) {
+  if (at >= data.size()) return {};
+  const auto part = data.subspan(at, std::min(size, data.size() - at));
+  return {part.begin(), part.end()};
+}
+
+/// Standard INQUIRY data (SPC-4, 6.4.2).
+void identify_by_inquiry(kernel32::Handle drive) {
+  constexpr std::array<std::uint8_t, 6> kInquiry = {0x12, 0, 0, 0, 96, 0};
+  const ScsiReply reply = send_scsi(drive, kInquiry, 96);
+  if (!reply.good()) return;
+  const DeviceDescriptor told{.vendor = text_in(reply.data, 8, 8),
+                              .product = text_in(reply.data, 16, 16),
+                              .revision = text_in(reply.data, 32, 4),
+                              .serial = {}};
+  if (!model_of(told).empty()) take_texts(IdentitySource::inquiry, model_of(told), {}, told.revision);
+}
+
+/// The unit serial number page (SPC-4, 7.8.15).
+void ask_unit_serial(kernel32::Handle drive) {
+  constexpr std::array<std::uint8_t, 6> kUnitSerial = {0x12, 1, 0x80, 0, 252, 0};
+  const ScsiReply reply = send_scsi(drive, kUnitSerial, 252);
+  if (!reply.good() || reply.data.size() < 4 || reply.data[1] != 0x80) return;
+  identification.Serial_No = text_in(reply.data, 4, reply.data[3]);
+  Clean_Id_Strings();
+}
+
+/// True where drives take SCSI commands, or a translation of them.
+bool speaks_scsi(StorageBus bus) {
+  return bus == StorageBus::scsi || bus == StorageBus::fibre || bus == StorageBus::usb || bus == StorageBus::raid ||
+         bus == StorageBus::iscsi || bus == StorageBus::sas;
+}
+
+/// Asks for the bus and, where nobody has told the model yet, for the rest, through the handle `drive`.
+void identify_by_driver(kernel32::Handle drive) {
+  const std::optional<DeviceDescriptor> told = decode_device_descriptor(ask_device_descriptor(through(drive)).data);
+  if (!told) return;
+  Identification& id = identification;
+  id.bus = told->bus;
+  id.bus_vendor = told->vendor;
+  if (!id.Disk_Model.empty()) return;
+  if (told->bus == StorageBus::nvme) identify_by_controller(drive);
+  if (id.Disk_Model.empty() && !model_of(*told).empty())
+    take_texts(IdentitySource::descriptor, model_of(*told), told->serial, told->revision);
+  if (!speaks_scsi(told->bus)) return;
+  if (id.Disk_Model.empty()) identify_by_inquiry(drive);
+  if (id.Disk_Serial.empty()) ask_unit_serial(drive);
+}
+
 }  // namespace
+
+const char* source_name(IdentitySource source) {
+  switch (source) {
+    case IdentitySource::identify:
+      return "IDENTIFY DEVICE";
+    case IdentitySource::scsi_port:
+      return "SCSI port";
+    case IdentitySource::nvme_controller:
+      return "Identify Controller";
+    case IdentitySource::descriptor:
+      return "device descriptor";
+    case IdentitySource::inquiry:
+      return "INQUIRY";
+    case IdentitySource::none:
+      break;
+  }
+  return "nobody";
+}
+
+bool serial_is_its_own() {
+  return identification.source != IdentitySource::scsi_port;
+}
 
 bool Check_drv(std::int32_t drive) {
   identification = {};
@@ -128,6 +209,10 @@ bool Check_drv(std::int32_t drive) {
   }
   sectors = std::max(sectors, Get_Capacity_PassThrough(drive));
   if (sectors == 0) return false;
+  if (const kernel32::Handle asked = open_to_ask(drive); asked != kernel32::kInvalidHandle) {
+    identify_by_driver(asked);
+    kernel32::CloseHandle(asked);
+  }
   PrintReport("Check_drv " + number + " returned OK.");
   return true;
 }
@@ -137,11 +222,15 @@ bool Get_IDE_params(kernel32::Handle drive, std::uint8_t command, std::int32_t d
   CommandReply reply{};
   const DriveCommand request{
       .data_bytes = kPageBytes, .command = command, .drive_number = static_cast<std::uint8_t>(drive_number)};
-  if (!send_command(drive, kSmartRcvDriveData, request, static_cast<std::uint32_t>(reply.size()), &reply)) return false;
+  std::uint32_t returned = 0;
+  const bool done =
+      send_command(drive, kSmartRcvDriveData, request, static_cast<std::uint32_t>(reply.size()), &reply, &returned);
+  if (!done || !carries_page(reply, returned)) return false;
   const IdentifyData data = decode_identify(std::span(reply).subspan(kReplyHeader));
   take_identity(data);
   // Not the default's: docs/oddities.md, 20.
   identification.Sectors_Per_Track = data.current_sectors_per_track;
+  identification.source = IdentitySource::identify;
   Clean_Id_Strings();
   return true;
 }
@@ -169,12 +258,15 @@ void Get_Scsi_Identify(std::int32_t port) {
   PrintReport("Handle for SCSI" + std::to_string(port) + " created");
   std::array<std::uint8_t, kMiniportBytes> buffer = miniport_request();
   std::uint32_t returned = 0;
-  if (!kernel32::DeviceIoControl(disk.hDrive, kScsiMiniport, buffer.data(), kMiniportBytes, buffer.data(),
-                                 kMiniportBytes, &returned)) {
+  const bool done = kernel32::DeviceIoControl(disk.hDrive, kScsiMiniport, buffer.data(), kMiniportBytes, buffer.data(),
+                                              kMiniportBytes, &returned);
+  const auto reply = std::span(buffer).subspan(kSrbHeader);
+  if (!done || !carries_page(reply, returned - std::min<std::uint32_t>(returned, kSrbHeader))) {
     ShowMessage("IOCTL_SCSI_MINIPORT call failed");
     return;
   }
-  take_identity(decode_identify(std::span(buffer).subspan(kSrbHeader + kReplyHeader)));
+  take_identity(decode_identify(reply.subspan(kReplyHeader)));
+  identification.source = IdentitySource::scsi_port;
   const Identification& id = identification;
   PrintReport("IOCTL_SCSI_MINIPORT called OK  " + one_line(id.Model_No) + " " + one_line(id.Firmware_Rev) + " " +
               one_line(id.Serial_No) + " " + std::to_string(id.Num_Cyls) + " " + std::to_string(id.Num_Heads) + " " +
@@ -187,7 +279,7 @@ std::int64_t Get_Capacity_PassThrough(std::int32_t drive) {
   if (handle == kernel32::kInvalidHandle) return 0;
   std::array<std::uint8_t, kPassThroughBytes> buffer = read_capacity_request();
   std::uint32_t returned = 0;
-  kernel32::DeviceIoControl(handle, kScsiPassThrough, buffer.data(), kPassThroughBytes, buffer.data(),
+  kernel32::DeviceIoControl(handle, pass_through::kRequest, buffer.data(), kPassThroughBytes, buffer.data(),
                             kPassThroughBytes, &returned);
   std::int64_t capacity = 0;
   if (returned > 0) capacity = capacity_in(std::span(buffer).subspan(kPassThroughData));

@@ -4,6 +4,20 @@
 #include <string>
 
 #include "device/kernel32.h"
+#include "device/storage_query.h"
+
+/// Who told model, serial number and firmware.
+enum class IdentitySource : std::uint8_t {
+  none,
+  identify,         // IDENTIFY DEVICE
+  scsi_port,        // IDENTIFY through the SCSI port of the drive's number, which may be another drive's
+  nvme_controller,  // Identify Controller
+  descriptor,       // the driver's device descriptor
+  inquiry           // SCSI INQUIRY
+};
+
+/// The source in words: "IDENTIFY DEVICE", "SCSI port" ...
+const char* source_name(IdentitySource source);
 
 /// What the selected drive is. Sizes in 512-byte sectors.
 struct Identification {
@@ -18,15 +32,23 @@ struct Identification {
   std::int32_t Num_Cyls = 0;
   std::int32_t Num_Heads = 0;
   std::int32_t Sectors_Per_Track = 0;
+  IdentitySource source = IdentitySource::none;
+  StorageBus bus = StorageBus::unknown;
+  std::string bus_vendor;  // as the descriptor has it; "ATA     " for an ATA drive behind a SCSI driver
 };
 
 inline Identification identification;
 
 /// Finds out what drive `drive` is, through disk.hDrive and handles of its own: IDENTIFY, geometry, the SCSI port where
-/// these two gave nothing, READ CAPACITY and length. The largest count wins. True when there is one.
+/// these two gave nothing, READ CAPACITY and length. The largest count wins. Where that is one, the bus is asked for,
+/// and where none gave a model whoever else may tell it. True when there is a count.
 bool Check_drv(std::int32_t drive);
 
-/// Sends the ATA command `command` (IDENTIFY DEVICE) on `drive` and takes what it tells. False when the call failed.
+/// True when the serial number is certain to be the drive's own.
+bool serial_is_its_own();
+
+/// Sends the ATA command `command` (IDENTIFY DEVICE) on `drive` and takes what it tells. False when the call failed or
+/// the reply carries no page.
 bool Get_IDE_params(kernel32::Handle drive, std::uint8_t command, std::int32_t drive_number);
 
 /// Cylinders x tracks x sectors of the geometry request on disk.hDrive, in sectors of whatever size the disk has; 0

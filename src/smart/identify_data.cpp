@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "form/number_text.h"
 #include "platform/bytes.h"
 
 namespace {
@@ -30,13 +29,4 @@ IdentifyData decode_identify(std::span<const std::uint8_t> data) {
 std::string SwapBytes(std::string text) {
   for (std::size_t i = 0; i + 1 < text.size(); i += 2) std::swap(text[i], text[i + 1]);
   return text;
-}
-
-std::string clean_id(const std::string& text) {
-  std::string clean = trimmed(text);
-  for (char& c : clean) {
-    const auto code = static_cast<unsigned char>(c);
-    if (code < 33 || code >= 128) c = ' ';
-  }
-  return trimmed(clean);
 }

@@ -23,6 +23,3 @@ IdentifyData decode_identify(std::span<const std::uint8_t> data);
 /// Exchanges each pair of characters: ATA strings carry the first character of a word in its high byte. An odd last one
 /// stays.
 std::string SwapBytes(std::string text);
-
-/// `text` with characters below 33 and from 128 as blanks, without blanks at its ends.
-std::string clean_id(const std::string& text);

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <array>
 
+#include "device/drive_command.h"
 #include "disk/drive.h"
 #include "form/number_text.h"
 #include "form/output.h"
 #include "platform/bytes.h"
-#include "smart/drive_command.h"
 #include "smart/identification.h"
 
 namespace {
@@ -35,10 +35,14 @@ DriveCommand smart_command(std::uint8_t features, std::uint32_t data_bytes, std:
           .drive_number = static_cast<std::uint8_t>(drive_number)};
 }
 
-bool read_page(kernel32::Handle drive, std::uint8_t features, std::int32_t drive_number, CommandReply* reply) {
+bool read_page(kernel32::Handle drive, std::uint8_t features, std::int32_t drive_number, CommandReply* reply,
+               SmartPage* page) {
+  std::uint32_t returned = 0;
   const bool read = send_command(drive, kSmartRcvDriveData, smart_command(features, kPageBytes, drive_number),
-                                 static_cast<std::uint32_t>(reply->size()), reply);
+                                 static_cast<std::uint32_t>(reply->size()), reply, &returned);
+  page->code = read ? 0 : kernel32::GetLastError();
   if (!read) reply->fill(0);  // what a failed call left there is no page
+  if (read && carries_page(*reply, returned)) page->data.assign(reply->begin() + kReplyHeader, reply->end());
   return read;
 }
 
@@ -96,6 +100,7 @@ Snapshot Get_Smart_Data(std::int32_t drive) {
   Snapshot& snapshot = smart.Smart_Snapshot;
   std::array<std::uint8_t, 24> version{};  // GETVERSIONINPARAMS
   if (!Get_Smart_Version(disk.hDrive, version)) {
+    smart.values.code = kernel32::GetLastError();
     ShowMessage("Call to GetSmartVersion failed");
     return snapshot;
   }
@@ -104,6 +109,7 @@ Snapshot Get_Smart_Data(std::int32_t drive) {
   constexpr int kAtapi = 4;
   snapshot.Drive_Type = Is_Bit_Set(device_map, drive + kAtapi) ? 2 : 1;
   if (!Check_Smart_Enable(disk.hDrive, drive)) {
+    smart.values.code = kernel32::GetLastError();
     ShowMessage("CheckSMARTEnable failed.");
     return snapshot;
   }
@@ -134,7 +140,7 @@ bool Check_Smart_Enable(kernel32::Handle drive, std::int32_t drive_number) {
 
 bool ReadAttributesCmd(kernel32::Handle drive, std::int32_t drive_number) {
   CommandReply reply{};
-  const bool read = read_page(drive, kReadValues, drive_number, &reply);
+  const bool read = read_page(drive, kReadValues, drive_number, &reply, &smart.values);
   for (std::size_t i = 0; i < kEntries; ++i) {
     if (entry(reply, i)[0] != 0) add_attribute(entry(reply, i));
   }
@@ -143,7 +149,7 @@ bool ReadAttributesCmd(kernel32::Handle drive, std::int32_t drive_number) {
 
 bool ReadThresholdsCmd(kernel32::Handle drive, std::int32_t drive_number) {
   CommandReply reply{};
-  const bool read = read_page(drive, kReadThresholds, drive_number, &reply);
+  const bool read = read_page(drive, kReadThresholds, drive_number, &reply, &smart.thresholds);
   std::vector<Smart_Attribute>& attributes = smart.Smart_Snapshot.Attributes;
   for (std::size_t i = 0; i < kEntries; ++i) {
     const std::uint8_t id = entry(reply, i)[0];

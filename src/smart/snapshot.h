@@ -25,10 +25,19 @@ struct Snapshot {
   std::vector<Smart_Attribute> Attributes{1};  // in the drive's order, and one empty element
 };
 
-/// The last snapshot taken, and its listing, a line an attribute.
+/// A page as the drive gave it, 512 bytes; empty where it gave none, with the system error code of the request that
+/// failed, 0 for an answer that carries no page.
+struct SmartPage {
+  std::uint32_t code = 0;
+  std::vector<std::uint8_t> data;
+};
+
+/// The last snapshot taken, its listing, a line an attribute, and the pages from which both were made.
 struct Smart {
   Snapshot Smart_Snapshot;
   std::string Smart_List;
+  SmartPage values;
+  SmartPage thresholds;
 };
 
 inline Smart smart;

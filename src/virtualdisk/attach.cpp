@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -42,12 +43,13 @@ std::string serial_of(const std::string& file) {
 }
 
 /// Fills `page` from the file that a directive names; gives an empty text or the reason.
-std::string read_page(const NamedFile& file, const std::string& beside, Page* page, OwnedFile* held) {
+std::string read_page(const NamedFile& file, const std::string& beside, std::span<std::uint8_t> page, OwnedFile* held) {
   std::string bytes;
-  const std::string reason = read_file(resolved(file.name, beside), sizeof(Page), &bytes, held);
+  const auto most = static_cast<std::uint32_t>(page.size());
+  const std::string reason = read_file(resolved(file.name, beside), most, &bytes, held);
   if (!reason.empty()) return file.name + " " + reason;
-  if (bytes.size() != page->size()) return file.name + " has fewer than 512 bytes";
-  std::copy(bytes.begin(), bytes.end(), page->begin());
+  if (bytes.size() != page.size()) return file.name + " has fewer than " + std::to_string(most) + " bytes";
+  std::copy(bytes.begin(), bytes.end(), page.begin());
   return {};
 }
 
@@ -78,13 +80,23 @@ Wrong read_pages(VirtualDisk& disk, const std::string& beside) {
   Page attributes = attribute_page(file.attributes);
   Page thresholds = threshold_page(file.attributes);
   Page identify{};
-  for (const auto& [named, page] : {std::pair{&file.identify, &identify}, std::pair{&file.attribute_page, &attributes},
-                                    std::pair{&file.threshold_page, &thresholds}}) {
+  Page later{};
+  disk.health = make_health(file);
+  using Bytes = std::span<std::uint8_t>;
+  const std::array<std::pair<const NamedFile*, Bytes>, 6> pages = {{{&file.identify, identify},
+                                                                    {&file.attribute_page, attributes},
+                                                                    {&file.threshold_page, thresholds},
+                                                                    {&file.controller_page, disk.health.controller},
+                                                                    {&file.health_page, disk.health.log},
+                                                                    {&file.later_health_page, later}}};
+  for (const auto& [named, page] : pages) {
     if (named->name.empty()) continue;
     const std::string reason = read_page(*named, beside, page, &disk.held.emplace_back());
     if (!reason.empty()) return {named->line, reason};
   }
   if (!file.identify.name.empty()) disk.identify = identify;
+  if (!file.later_health_page.name.empty()) disk.health.later = later;
+  for (const HealthValue& value : file.health_values) set_health(disk.health, value);
   for (const Growth& growth : file.growth) {
     if (!has_attribute(attributes, growth.id)) {
       return {growth.line, "no attribute " + std::to_string(growth.id) + " to grow"};

@@ -7,6 +7,7 @@
 #include "platform/bytes.h"
 #include "platform/units.h"
 #include "virtualdisk/identify.h"
+#include "virtualdisk/properties.h"
 
 namespace virtualdisk {
 namespace {
@@ -19,6 +20,9 @@ constexpr std::uint32_t kGetVersion = 0x74080;         // SMART_GET_VERSION
 constexpr std::uint32_t kSendCommand = 0x7C084;        // SMART_SEND_DRIVE_COMMAND
 constexpr std::uint32_t kReceiveData = 0x7C088;        // SMART_RCV_DRIVE_DATA
 constexpr std::uint32_t kGetGeometry = 0x70000;        // IOCTL_DISK_GET_DRIVE_GEOMETRY
+constexpr std::uint32_t kGetGeometryEx = 0x700A0;      // IOCTL_DISK_GET_DRIVE_GEOMETRY_EX
+constexpr std::uint32_t kQueryProperty = 0x2D1400;     // IOCTL_STORAGE_QUERY_PROPERTY
+constexpr std::uint32_t kPredictFailure = 0x2D1100;    // IOCTL_STORAGE_PREDICT_FAILURE
 constexpr std::uint32_t kGetLength = 0x7405C;          // IOCTL_DISK_GET_LENGTH_INFO
 constexpr std::uint32_t kMiniport = 0x4D008;           // IOCTL_SCSI_MINIPORT
 constexpr std::uint32_t kMiniportIdentify = 0x1B0501;  // IOCTL_SCSI_MINIPORT_IDENTIFY
@@ -54,6 +58,7 @@ constexpr Command kIdentify = {512, 0x00, 0x00, 0x00, 0xEC};
 constexpr Command kEnable = {0, 0xD8, 0x4F, 0xC2, 0xB0};
 constexpr Command kReadAttributes = {512, 0xD0, 0x4F, 0xC2, 0xB0};
 constexpr Command kReadThresholds = {512, 0xD1, 0x4F, 0xC2, 0xB0};
+constexpr Command kReturnStatus = {0, 0xDA, 0x4F, 0xC2, 0xB0};
 
 /// True when the request's buffer size and registers are those of `command`.
 bool is_command(In request, const Command& command) {
@@ -73,11 +78,6 @@ bool is_for_drive(In request, int drive) {
 void start_reply(Out out, std::size_t bytes, std::uint32_t* returned) {
   std::fill_n(out.begin(), bytes, std::uint8_t{0});
   *returned = static_cast<std::uint32_t>(bytes);
-}
-
-Page identity_of(const VirtualDisk& disk) {
-  if (disk.identify) return *disk.identify;
-  return identify_page({disk.file.model, disk.file.serial, disk.file.firmware, disk.sectors, disk.smart.enabled});
 }
 
 /// A status without an error, then the page.
@@ -106,8 +106,24 @@ std::uint32_t get_version(const VirtualDisk& disk, Out out, std::uint32_t* retur
   return 0;
 }
 
+/// The drive's registers behind the status (IDEREGS): its two cylinder registers tell.
+std::uint32_t return_status(const VirtualDisk& disk, Out out, std::uint32_t* returned) {
+  constexpr std::size_t kReplyBytes = kStatusBytes + 8;
+  if (out.size() < kReplyBytes) return kInsufficientBuffer;
+  if (!disk.smart.enabled) return kIoDevice;
+  const bool failing = says_failing(disk);
+  start_reply(out, kReplyBytes, returned);
+  bytes::put_le(out, 0, 4, kReplyBytes - kStatusBytes);
+  out[kStatusBytes + 3] = failing ? 0xF4 : 0x4F;
+  out[kStatusBytes + 4] = failing ? 0x2C : 0xC2;
+  out[kStatusBytes + 6] = 0x50;  // ready
+  return 0;
+}
+
 std::uint32_t send_command(VirtualDisk& disk, In in, Out out, std::uint32_t* returned) {
-  if (in.size() < kCommandBytes || !is_command(in, kEnable) || !is_for_drive(in, disk.drive)) return kInvalidParameter;
+  if (in.size() < kCommandBytes || !is_for_drive(in, disk.drive)) return kInvalidParameter;
+  if (is_command(in, kReturnStatus)) return return_status(disk, out, returned);
+  if (!is_command(in, kEnable)) return kInvalidParameter;
   if (out.size() < kStatusBytes) return kInsufficientBuffer;
   if (disk.file.smart_disabled) return kIoDevice;
   disk.smart.enabled = true;
@@ -147,43 +163,40 @@ std::uint32_t get_geometry(const VirtualDisk& disk, Out out, std::uint32_t* retu
   return 0;
 }
 
+std::uint64_t size_in_bytes(const VirtualDisk& disk) {
+  // The largest disk of all is one sector longer than a signed length can say.
+  const std::int64_t sayable = std::min(disk.sectors, kMaxSectors - 1) * kSectorSize;
+  return static_cast<std::uint64_t>(disk.file.length.value_or(sayable));
+}
+
 std::uint32_t get_length(const VirtualDisk& disk, Out out, std::uint32_t* returned) {
   constexpr std::size_t kLengthBytes = 8;  // GET_LENGTH_INFORMATION
   if (disk.file.no_length) return kInvalidFunction;
   if (out.size() < kLengthBytes) return kInsufficientBuffer;
-  // The largest disk of all is one sector longer than a signed length can say.
-  const std::int64_t sayable = std::min(disk.sectors, kMaxSectors - 1) * kSectorSize;
   start_reply(out, kLengthBytes, returned);
-  bytes::put_le(out, 0, 8, static_cast<std::uint64_t>(disk.file.length.value_or(sayable)));
+  bytes::put_le(out, 0, 8, size_in_bytes(disk));
   return 0;
 }
 
-std::uint32_t read_capacity(const VirtualDisk& disk, In in, Out out, std::uint32_t* returned) {
-  // SCSI_PASS_THROUGH as 32-bit programs lay it out, with the sense bytes behind it and the data behind those; READ
-  // CAPACITY (10) of SBC-3 in a block of 6 bytes.
-  constexpr std::array<std::uint8_t, 44> kRequest = {44, 0, 0,   0, 1, 0,  6, 24, 1, 0,  0, 0, 192, 0,    0,
-                                                     0,  2, 0,   0, 0, 76, 0, 0,  0, 44, 0, 0, 0,   0x25, 8,
-                                                     0,  0, 192, 0, 0, 0,  0, 0,  0, 0,  0, 0, 0,   0};
-  constexpr std::size_t kData = 76;
-  constexpr std::size_t kDataRoom = 192;
-  constexpr std::size_t kCapacityBytes = 8;
-  constexpr std::int64_t kMostLast = 0xFFFFFFFF;
-  if (in.size() < kRequest.size() || !std::equal(kRequest.begin(), kRequest.end(), in.begin())) {
-    return kInvalidParameter;
-  }
-  if (out.size() < kData + kDataRoom) return kInsufficientBuffer;
-  start_reply(out, kData + kCapacityBytes, returned);
-  std::copy(kRequest.begin(), kRequest.end(), out.begin());
-  bytes::put_le(out, 12, 4, kCapacityBytes);
-  const auto last = static_cast<std::uint64_t>(std::min(disk.sectors - 1, kMostLast));
-  for (std::size_t i = 0; i < 4; ++i) {
-    out[kData + i] = static_cast<std::uint8_t>(last >> (24 - 8 * i) & 0xFF);
-    out[kData + 4 + i] = static_cast<std::uint8_t>(std::uint64_t{kSectorSize} >> (24 - 8 * i) & 0xFF);
-  }
-  return 0;
+/// DISK_GEOMETRY_EX: the geometry, then the size in bytes.
+std::uint32_t get_geometry_and_size(const VirtualDisk& disk, Out out, std::uint32_t* returned) {
+  constexpr std::size_t kGeometryBytes = 24;
+  constexpr std::size_t kBytes = 40;  // with the first bytes of the partition table's description
+  if (out.size() < kBytes) return kInsufficientBuffer;
+  start_reply(out, kBytes, returned);
+  std::uint32_t ignored = 0;
+  const std::uint32_t code = get_geometry(disk, out.first(kGeometryBytes), &ignored);
+  if (code != 0) *returned = 0;
+  bytes::put_le(out, kGeometryBytes, 8, size_in_bytes(disk));
+  return code;
 }
 
 }  // namespace
+
+Page identity_of(const VirtualDisk& disk) {
+  if (disk.identify) return *disk.identify;
+  return identify_page({disk.file.model, disk.file.serial, disk.file.firmware, disk.sectors, disk.smart.enabled});
+}
 
 std::uint32_t control_drive(VirtualDisk& disk, std::uint32_t code, In in, Out out, std::uint32_t* returned) {
   const bool ata = disk.file.bus == Bus::ata;
@@ -198,8 +211,14 @@ std::uint32_t control_drive(VirtualDisk& disk, std::uint32_t code, In in, Out ou
       return get_geometry(disk, out, returned);
     case kGetLength:
       return get_length(disk, out, returned);
+    case kGetGeometryEx:
+      return get_geometry_and_size(disk, out, returned);
+    case kQueryProperty:
+      return query_property(disk, in, out, returned);
+    case kPredictFailure:
+      return predict_failure(disk, out, returned);
     case kPassThrough:
-      return disk.file.bus == Bus::scsi ? read_capacity(disk, in, out, returned) : kInvalidFunction;
+      return pass_through(disk, in, out, returned);
     case kLockVolume:
     case kUnlockVolume:
     case kDismountVolume:

@@ -12,6 +12,9 @@
 /// answer with 122, anything else with 1.
 namespace virtualdisk {
 
+/// The IDENTIFY DEVICE data of the disk.
+Page identity_of(const VirtualDisk& disk);
+
 /// On the drive itself. Volume requests succeed and change nothing: no file system stands on the drive's own handle.
 std::uint32_t control_drive(VirtualDisk& disk, std::uint32_t code, std::span<const std::uint8_t> in,
                             std::span<std::uint8_t> out, std::uint32_t* returned);

@@ -11,6 +11,7 @@
 #include "virtualdisk/disk_file.h"
 #include "virtualdisk/faults.h"
 #include "virtualdisk/files.h"
+#include "virtualdisk/health.h"
 #include "virtualdisk/smart.h"
 
 namespace virtualdisk {
@@ -41,12 +42,17 @@ struct VirtualDisk {
   std::vector<OwnedFile> held;  // the other files it was read from: an output of one of their names would destroy it
   Faults faults;
   Smart smart;
+  Health health;
   std::optional<Page> identify;         // a real drive's page, answered as it stands
   std::int64_t transfers = 0;           // made so far; counted only on a disk that vanishes
+  bool hangs = false;                   // an unknown command has brought the bridge down
   std::vector<platform::Handle> locks;  // per volume the handle that has it locked, or kInvalidHandle
 };
 
-/// True once the disk has made all its transfers.
+/// `event` has happened: what the disk says of its health grows.
+void grow(VirtualDisk& disk, Event event);
+
+/// True once the disk has made all its transfers, or hangs.
 bool vanished(const VirtualDisk& disk);
 
 /// One transfer at byte `offset`. What a call gives: a system error code, 0 for success; `moved` is the bytes moved, 0

@@ -67,9 +67,19 @@ void read_firmware(LineReader& line, int /*number*/, DiskFile& disk) {
 }
 
 void read_bus(LineReader& line, int /*number*/, DiskFile& disk) {
-  constexpr std::array<std::pair<std::string_view, Bus>, 4> kBuses = {
-      {{"ata", Bus::ata}, {"scsi", Bus::scsi}, {"miniport", Bus::miniport}, {"none", Bus::none}}};
+  constexpr std::array<std::pair<std::string_view, Bus>, 8> kBuses = {{{"ata", Bus::ata},
+                                                                       {"scsi", Bus::scsi},
+                                                                       {"miniport", Bus::miniport},
+                                                                       {"none", Bus::none},
+                                                                       {"nvme", Bus::nvme},
+                                                                       {"usb", Bus::usb},
+                                                                       {"sas", Bus::sas},
+                                                                       {"raid", Bus::raid}}};
   disk.bus = choice(line, "bus", kBuses);
+  const std::string_view more = line.peek();
+  if (disk.bus == Bus::nvme && more == "hidden") disk.bus = Bus::nvme_hidden;
+  if (disk.bus == Bus::usb && more == "sat") disk.bus = Bus::usb_sat;
+  if (disk.bus == Bus::nvme_hidden || disk.bus == Bus::usb_sat) line.word("bus");
 }
 
 void read_geometry(LineReader& line, int /*number*/, DiskFile& disk) {
@@ -128,6 +138,31 @@ void read_thresholds(LineReader& line, int number, DiskFile& disk) {
   disk.threshold_page = {line.text("thresholds file", kLongestName), number};
 }
 
+void read_serial_property(LineReader& line, int /*number*/, DiskFile& disk) {
+  disk.serial_property = line.text("serial number", 40);
+}
+
+void read_controller(LineReader& line, int number, DiskFile& disk) {
+  disk.controller_page = {line.text("controller file", kLongestName), number};
+}
+
+HealthValue health_value(LineReader& line) {
+  const HealthField* const field = health_field(line.word("field"));
+  return {field, static_cast<std::uint64_t>(line.number("value", 0, INT64_MAX))};
+}
+
+void read_health(LineReader& line, int number, DiskFile& disk) {
+  if (health_field(line.peek()) != nullptr) {
+    disk.health_values.push_back(health_value(line));
+    return;
+  }
+  const bool later = line.peek() == "later";
+  if (later) line.word("later");
+  NamedFile& page = later ? disk.later_health_page : disk.health_page;
+  if (!page.name.empty()) line.fail("a second health file");
+  page = {line.text("health file or field", kLongestName), number};
+}
+
 void read_grow(LineReader& line, int number, DiskFile& disk) {
   constexpr std::array<std::pair<std::string_view, Event>, 6> kEvents = {{{"read", Event::read},
                                                                           {"write", Event::write},
@@ -135,6 +170,12 @@ void read_grow(LineReader& line, int number, DiskFile& disk) {
                                                                           {"write-error", Event::write_error},
                                                                           {"slow", Event::slow},
                                                                           {"snapshot", Event::snapshot}}};
+  if (health_field(line.peek()) != nullptr) {
+    const HealthValue step = health_value(line);
+    if (line.word("\"on\"") != "on") line.fail("grow FIELD STEP on EVENT is expected");
+    disk.health_growth.push_back({step, choice(line, "event", kEvents)});
+    return;
+  }
   Growth growth;
   growth.line = number;
   growth.id = byte(line, "attribute id", 1);
@@ -219,7 +260,7 @@ struct Directive {
   bool once;
 };
 
-constexpr std::array<Directive, 24> kDirectives = {{
+constexpr std::array<Directive, 27> kDirectives = {{
     {"sectors", read_sectors, true},
     {"image", read_image, true},
     {"readonly", read_readonly, true},
@@ -233,6 +274,9 @@ constexpr std::array<Directive, 24> kDirectives = {{
     {"identify", read_identify, true},
     {"attributes", read_attributes, true},
     {"thresholds", read_thresholds, true},
+    {"serial-property", read_serial_property, true},
+    {"controller", read_controller, true},
+    {"health", read_health, false},
     {"grow", read_grow, false},
     {"fail", read_fail, false},
     {"heal", read_heal, true},

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "virtualdisk/health.h"
+
 /// A disk file's text as plain data. docs/disk-files.md tells a user what each directive does.
 namespace virtualdisk {
 
@@ -13,7 +15,7 @@ namespace virtualdisk {
 inline constexpr std::int64_t kMaxSectors = std::int64_t{1} << 54;
 
 enum class Op : std::uint8_t { read, write, any };
-enum class Bus : std::uint8_t { ata, scsi, miniport, none };
+enum class Bus : std::uint8_t { ata, scsi, miniport, none, nvme, nvme_hidden, usb, usb_sat, sas, raid };
 enum class Event : std::uint8_t { read, write, read_error, write_error, slow, snapshot };
 
 /// Sectors first to first + count - 1. Both are at most kMaxSectors, so that their sum never overflows.
@@ -91,6 +93,12 @@ struct DiskFile {
   NamedFile attribute_page;
   NamedFile threshold_page;
   std::vector<Growth> growth;
+  std::optional<std::string> serial_property;
+  NamedFile controller_page;
+  NamedFile health_page;
+  NamedFile later_health_page;
+  std::vector<HealthValue> health_values;
+  std::vector<HealthGrowth> health_growth;
   std::vector<FailLine> fails;
   std::vector<ShortLine> shorts;
   std::vector<SlowLine> slows;

@@ -24,6 +24,13 @@ void put_text(Page& page, std::size_t word, std::size_t words, const std::string
 
 }  // namespace
 
+std::string identify_text(const Page& page, std::size_t word, std::size_t words) {
+  std::string text;
+  for (std::size_t i = 0; i < 2 * words; ++i) text += static_cast<char>(page[2 * word + (i ^ 1U)]);
+  const std::size_t end = text.find_last_not_of(std::string_view(" \0", 2));
+  return text.substr(0, end == std::string::npos ? 0 : end + 1);
+}
+
 Page identify_page(const Identity& identity) {
   constexpr std::int64_t kHeads = 16;
   constexpr std::int64_t kTrackSectors = 63;

@@ -16,6 +16,9 @@ struct Identity {
   bool smart_enabled = false;
 };
 
+/// The text of `words` words from `word` on of IDENTIFY data, without blanks and zeros at its end.
+std::string identify_text(const Page& page, std::size_t word, std::size_t words);
+
 /// The IDENTIFY DEVICE data of such a drive: ATA8-ACS (T13/1699-D), table of IDENTIFY DEVICE data.
 Page identify_page(const Identity& identity);
 

@@ -73,6 +73,23 @@ bool has_attribute(const Page& attributes, std::uint8_t id) {
   return entry_of(attributes, id) != 0;
 }
 
+std::uint8_t low_raw_byte(const Page& attributes, std::uint8_t id) {
+  const std::size_t entry = entry_of(attributes, id);
+  return entry == 0 ? std::uint8_t{0} : attributes[entry + kRawInEntry];
+}
+
+bool reached_threshold(const Smart& smart) {
+  for (std::size_t i = 0; i < kEntries; ++i) {
+    const std::size_t at = kFirstEntry + i * kEntryBytes;
+    const std::uint8_t id = smart.attributes[at];
+    const std::size_t threshold = id == 0 ? 0 : entry_of(smart.thresholds, id);
+    if (threshold == 0 || (smart.attributes[at + 1] & 1U) == 0) continue;
+    const std::uint8_t least = smart.thresholds[threshold + 1];
+    if (least != 0 && smart.attributes[at + 3] <= least) return true;
+  }
+  return false;
+}
+
 Smart make_smart(const DiskFile& disk, const Page& attributes, const Page& thresholds) {
   Smart smart;
   smart.attributes = attributes;

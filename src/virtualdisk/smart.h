@@ -26,7 +26,13 @@ Page threshold_page(std::span<const Attribute> attributes);
 
 bool has_attribute(const Page& attributes, std::uint8_t id);
 
+/// The lowest raw byte of attribute `id`; 0 where there is none.
+std::uint8_t low_raw_byte(const Page& attributes, std::uint8_t id);
+
 Smart make_smart(const DiskFile& disk, const Page& attributes, const Page& thresholds);
+
+/// True when an attribute that tells of failure to come (bit 0 of its flags) has come down to its threshold.
+bool reached_threshold(const Smart& smart);
 
 /// `event` has happened: raw values grow.
 void grow(Smart& smart, Event event);

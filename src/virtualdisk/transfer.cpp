@@ -22,8 +22,8 @@ std::uint32_t begin_transfer(VirtualDisk& disk, std::uint64_t offset, std::uint3
 bool end_transfer(VirtualDisk& disk, const Range& range, Event event, double started) {
   bool slow = false;
   const double seconds = disk.faults.takes_time() ? disk.faults.seconds(range, &slow) : 0.0;
-  grow(disk.smart, event);
-  if (slow) grow(disk.smart, Event::slow);
+  grow(disk, event);
+  if (slow) grow(disk, Event::slow);
   if (seconds <= 0.0) return true;
   const double left = seconds - (platform::steady_seconds() - started);
   constexpr double kLongest = 86400.0;  // a day, whatever a disk file says
@@ -48,7 +48,13 @@ std::uint32_t write_pieces(VirtualDisk& disk, const Range& range, const std::uin
 
 }  // namespace
 
+void grow(VirtualDisk& disk, Event event) {
+  grow(disk.smart, event);
+  grow(disk.health, event);
+}
+
 bool vanished(const VirtualDisk& disk) {
+  if (disk.hangs) return true;
   return disk.file.vanish_after && disk.transfers >= *disk.file.vanish_after;
 }
 

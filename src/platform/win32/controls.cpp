@@ -86,15 +86,14 @@ LRESULT CALLBACK text_procedure(HWND control, UINT message, WPARAM word, LPARAM 
   return result;
 }
 
-void add_tool_tip(HWND control, const char* text) {
+void send_tool_tip(UINT message, HWND control, std::string text) {
   TTTOOLINFOA tool{};
   tool.cbSize = TTTOOLINFOA_V2_SIZE;
   tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
   tool.hwnd = main_window.window;
   tool.uId = reinterpret_cast<UINT_PTR>(control);
-  std::string copy = text;
-  tool.lpszText = copy.data();
-  ::SendMessageA(main_window.tips, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+  tool.lpszText = text.data();
+  ::SendMessageA(main_window.tips, message, 0, reinterpret_cast<LPARAM>(&tool));
 }
 
 void make_fonts(int dpi) {
@@ -136,10 +135,14 @@ bool create_controls() {
     if (row.kind == ControlKind::button && row.on_click == nullptr) ::EnableWindow(control, FALSE);
     if (row.kind == ControlKind::memo) ::SendMessageA(control, EM_SETLIMITTEXT, 0x7FFFFFFE, 0);
     if (is_text(row.kind)) ::SetWindowSubclass(control, text_procedure, 1, index);
-    if (row.tool_tip[0] != '\0') add_tool_tip(control, row.tool_tip);
+    if (row.tool_tip[0] != '\0' || row.tip != nullptr) send_tool_tip(TTM_ADDTOOLA, control, row.tool_tip);
     previous = row.kind;
   }
   return true;
+}
+
+void set_tool_tip(std::size_t row, const std::string& text) {
+  send_tool_tip(TTM_UPDATETIPTEXTA, main_window.controls[row].window, text);
 }
 
 void place_all() {

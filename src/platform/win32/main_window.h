@@ -16,7 +16,8 @@ namespace win32 {
 struct ShownControl {
   HWND window = nullptr;
   std::uint64_t revision = 0;  // of the field or picture, as shown
-  std::size_t length = 0;      // of the text, as shown
+  std::uint64_t tip_revision = 0;
+  std::size_t length = 0;  // of the text, as shown
   std::size_t caret = 0;
   bool typed = false;         // the user changed the text since the field was told
   std::string description{};  // of a picture, as told
@@ -82,6 +83,9 @@ bool create_controls();
 
 /// Places the controls in the client area, with fonts of its scale.
 void place_all();
+
+/// Gives the control of `row` the tool tip `text`, in place of the one that it has.
+void set_tool_tip(std::size_t row, const std::string& text);
 
 // shown.cpp
 

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "platform/clock.h"
+#include "platform/win32/aside.h"
 #include "platform/win32/call.h"
 #include "platform/win32/main_window.h"
 
@@ -38,6 +39,8 @@ void deal_with(platform::Press press) {
       take_typed(press.row, std::move(press.text));
       if (controls[press.row].on_typed != nullptr) controls[press.row].on_typed();
       return;
+    case What::learned:
+      return tell_learned(press);
     case What::picked:
       return controls[press.row].picture->on_double_click(press.place);
     case What::closing:

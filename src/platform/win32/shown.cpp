@@ -87,6 +87,14 @@ void show_field(const Control& row, ShownControl* shown) {
   shown->revision = row.field->revision();
 }
 
+void show_tip(std::size_t row) {
+  const Control& control = main_window.table.controls[row];
+  ShownControl& shown = main_window.controls[row];
+  if (control.tip == nullptr || control.tip->revision() == shown.tip_revision) return;
+  set_tool_tip(row, control.tip->text().empty() ? control.tool_tip : control.tip->text());
+  shown.tip_revision = control.tip->revision();
+}
+
 }  // namespace
 
 std::string text_of(std::size_t row) {
@@ -116,6 +124,7 @@ void show_fields() {
   for (std::size_t i = 0; i < main.controls.size(); ++i) {
     if (i == main.table.status && show_instead(main.status_instead, &main.controls[i])) continue;
     show_field(main.table.controls[i], &main.controls[i]);
+    show_tip(i);
   }
   main.pushing = false;
 }

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "device/storage_query.h"
 #include "disk/drive.h"
 #include "form/form1.h"
 #include "form/output.h"
@@ -95,7 +96,7 @@ TEST_F(IdentificationTest, LeavesOneHandleOpen) {
   OpenDrive(2);
   EXPECT_TRUE(Check_drv(2));
   close_drive();
-  EXPECT_THAT(headless::desktop.calls, ::testing::Contains("CloseHandle").Times(3));
+  EXPECT_THAT(headless::desktop.calls, ::testing::Contains("CloseHandle").Times(4));
 }
 
 TEST(IdentifyData, PairsAreExchangedAndAnOddLastOneStays) {

@@ -34,6 +34,10 @@ using CommandReply = std::array<std::uint8_t, kReplyHeader + kPageBytes>;
 void put_command(const DriveCommand& command, std::span<std::uint8_t> request);
 
 /// Sends `command` on `drive` with the control code `code` and room for `reply_bytes` of `reply`. The reply is zeros
-/// where the drive gave none. False when the call failed.
+/// where the drive gave none; `returned`, unless null, gets how many bytes it gave. False when the call failed.
 bool send_command(kernel32::Handle drive, std::uint32_t code, const DriveCommand& command, std::uint32_t reply_bytes,
-                  CommandReply* reply);
+                  CommandReply* reply, std::uint32_t* returned = nullptr);
+
+/// True for a reply of `returned` bytes that carries a whole page, by a driver that says that the command went well
+/// (SENDCMDOUTPARAMS, DRIVERSTATUS): drivers have answered with success and bytes of their own.
+bool carries_page(std::span<const std::uint8_t> reply, std::uint32_t returned);

@@ -1,4 +1,4 @@
-#include "smart/drive_command.h"
+#include "device/drive_command.h"
 
 #include "platform/bytes.h"
 
@@ -16,10 +16,18 @@ void put_command(const DriveCommand& command, std::span<std::uint8_t> request) {
 }
 
 bool send_command(kernel32::Handle drive, std::uint32_t code, const DriveCommand& command, std::uint32_t reply_bytes,
-                  CommandReply* reply) {
+                  CommandReply* reply, std::uint32_t* returned) {
   std::array<std::uint8_t, kCommandBytes> request{};
   put_command(command, request);
   reply->fill(0);
-  std::uint32_t returned = 0;
-  return kernel32::DeviceIoControl(drive, code, request.data(), kCommandBytes, reply->data(), reply_bytes, &returned);
+  std::uint32_t came = 0;
+  const bool done =
+      kernel32::DeviceIoControl(drive, code, request.data(), kCommandBytes, reply->data(), reply_bytes, &came);
+  if (returned != nullptr) *returned = came;
+  return done;
+}
+
+bool carries_page(std::span<const std::uint8_t> reply, std::uint32_t returned) {
+  constexpr std::size_t kDriverError = 4;
+  return returned >= kReplyHeader + kPageBytes && reply[kDriverError] == 0;
 }
