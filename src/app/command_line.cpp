@@ -110,6 +110,20 @@ bool take_text(const std::string& value, std::optional<std::string>* text) {
   return !value.empty();
 }
 
+bool read_max_celsius(const std::string& value, Asked* result) {
+  constexpr std::int64_t kLowest = 20;
+  constexpr std::int64_t kHighest = 120;
+  std::int64_t celsius = 0;
+  const bool taken = take_number(value, kLowest, kHighest, &celsius);
+  if (taken) result->max_celsius = static_cast<int>(celsius);
+  return taken;
+}
+
+bool read_exit(const std::string& value, Asked* result) {
+  result->exit_by_verdict = upper_case(value) == "VERDICT";
+  return result->exit_by_verdict;
+}
+
 bool read_list(const std::string& /*value*/, Asked* result) {
   if (result->mode != Mode::usage) result->mode = Mode::list;
   return true;
@@ -154,6 +168,14 @@ constexpr std::array kSwitches = {
     Switch{"/JOURNAL", true, false,
            [](const std::string& value, Asked* result) { return take_text(value, &result->journal); },
            "/JOURNAL:FOLDER   where RANDOMWRITE keeps its undo journal; never on the disk under test"},
+    Switch{"/HISTORY", true, false,
+           [](const std::string& value, Asked* result) { return take_text(value, &result->history); },
+           "/HISTORY:FOLDER   add a line for this run to the drive's history there, and tell what grew since the last"},
+    Switch{"/MAXTEMP", true, false, read_max_celsius,
+           "/MAXTEMP:c        pause at c degrees Celsius (20 to 120) until the drive is 5 degrees cooler"},
+    Switch{"/EXIT", true, false, read_exit,
+           "/EXIT:VERDICT     end with the verdict on the drive: 100001 GOOD, 100002 NOTE, 100003 NO DATA,\r\n"
+           "                  100004 DOUBTFUL, 100005 WORSE, 100006 FAILING"},
     Switch{"/REPORT", true, false,
            [](const std::string& value, Asked* result) { return take_text(value, &result->report); },
            "/REPORT:FILE      write the report to FILE; - is standard output, the default with /OP"},
@@ -209,6 +231,7 @@ void take_drives(const std::string& text, Asked* result) {
 /// What a command needs, or what it cannot take.
 std::string judge_operation(const Asked& result) {
   if (result.serial && result.op.empty()) return "/SERIAL needs /OP.";
+  if (result.exit_by_verdict && result.op.empty()) return "/EXIT needs /OP.";
   const Command none{};
   const Command& command = result.op.empty() ? none : *command_named(result.op);
   const std::string shown = "/OP:" + result.op;

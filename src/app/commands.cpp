@@ -18,6 +18,7 @@
 #include "ops/selection.h"
 #include "ops/write_guard.h"
 #include "platform/window.h"
+#include "results/health_report.h"
 #include "results/results.h"
 
 namespace {
@@ -171,6 +172,7 @@ void run_in_frame(const Command& command) {
   }
   end_progress_line();
   End_Operation();
+  tell_health(command.writes);
 }
 
 /// Deals with what was pressed meanwhile as during the command, then gives the buttons back.

@@ -5,8 +5,10 @@
 #include "app/handlers.h"
 #include "app/waiting.h"
 #include "form/form1.h"
+#include "pictures/health_line.h"
 #include "pictures/panel.h"
 #include "pictures/progress_bar.h"
+#include "results/health_report.h"
 
 namespace {
 
@@ -17,7 +19,7 @@ using platform::WhileBusy;
 
 constexpr const char* kDriveTip = "Select the desired disk (as detected by Windows)";
 
-// A row for drive button `number`; only the first carries the tool tip.
+// A row for a drive button; only the first carries a tool tip while nothing is known of its drive.
 Control drive_button(const char* name, const char* caption, std::size_t drive, void (*on_click)()) {
   return {name,
           ControlKind::option,
@@ -28,7 +30,8 @@ Control drive_button(const char* name, const char* caption, std::size_t drive, v
           nullptr,
           WhileBusy::stays,
           nullptr,
-          Stops::command};
+          Stops::command,
+          &form1.drive_tips.at(drive)};
 }
 
 Control button(const char* name, const char* caption, const char* tool_tip, void (*on_click)(),
@@ -53,8 +56,8 @@ Control tab(const char* name, const char* caption, const char* tool_tip, platfor
   return {name, ControlKind::tab, caption, tool_tip, field, on_click, nullptr, WhileBusy::stays};
 }
 
-Control picture(const char* name, const platform::Picture* what) {
-  return {name, ControlKind::picture, "", "", nullptr, nullptr, nullptr, WhileBusy::stays, what};
+Control picture(const char* name, const platform::Picture* what, const char* tool_tip = "") {
+  return {name, ControlKind::picture, "", tool_tip, nullptr, nullptr, nullptr, WhileBusy::stays, what};
 }
 
 // The order is that of ControlId.
@@ -96,6 +99,9 @@ const std::array<Control, kControlCount> kControls = {{
     button("CmdWrite", "Fill Buffer with &Pattern and WRITE",
            "Write data in buffer to disk (destructive - do not use on any disk containing valid data!)",
            CmdWrite_Click),
+    picture("health_line", &kHealthPicture, "How the drive is, by its own word and by what the last run met"),
+    button("CmdHistory", "H&istory...", "Keep a line for every run, and tell what grew since the last one",
+           ask_history_folder),
     tab("graph_tab", "Rate &graph", "Show the transfer rates over the range", &panel.graph_tab, graph_tab_click),
     tab("map_tab", "Bl&ock map", "Show the slowest transfer of each part of the range", &panel.map_tab, map_tab_click),
     picture("picture", &kPanelPicture),

@@ -37,6 +37,8 @@ enum class ControlId : std::size_t {
   TxtPattern,
   CmdFillBuffer,
   CmdWrite,
+  health_line,
+  CmdHistory,
   graph_tab,
   map_tab,
   picture,

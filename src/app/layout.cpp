@@ -129,13 +129,23 @@ int place_sector_functions(Placing* placing, int y) {
   return y + kHeight + kGroupGap;
 }
 
-/// The tabs and the picture below them.
+/// The drive's health, the tabs and their picture. Where there is room for the health beside the tabs it takes none
+/// of the picture's height.
 void place_panel(Placing* placing, int x, int y, int height) {
   constexpr int kTabWidth = 100;
-  constexpr int kTabGap = 6;
-  placing->put(Id::graph_tab, x, y, kTabWidth, kRow);
-  placing->put(Id::map_tab, x + kTabWidth, y, kTabWidth, kRow);
-  const int picture = y + kRow + kTabGap;
+  constexpr int kHistoryWidth = 90;
+  constexpr int kGap = 6;
+  constexpr int kLeastHealth = 380;
+  const int history = placing->right() - kHistoryWidth;
+  const int beside = x + 2 * kTabWidth + 2 * kGap;
+  const bool in_row = history - kGap - beside >= kLeastHealth;
+  const int tabs = in_row ? y : y + kRow + kGap;
+  placing->put(Id::health_line, in_row ? beside : x, y, (in_row ? history - kGap - beside : placing->right() - x),
+               kRow);
+  placing->put(Id::CmdHistory, history, tabs, kHistoryWidth, kRow);
+  placing->put(Id::graph_tab, x, tabs, kTabWidth, kRow);
+  placing->put(Id::map_tab, x + kTabWidth, tabs, kTabWidth, kRow);
+  const int picture = tabs + kRow + kGap;
   placing->put(Id::picture, x, picture, placing->right() - x, y + height - picture);
 }
 

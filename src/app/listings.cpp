@@ -5,8 +5,11 @@
 #include "disk/drive.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "health/verdict.h"
+#include "ops/drive_health.h"
 #include "ops/frame.h"
 #include "platform/console.h"
+#include "results/health_report.h"
 #include "smart/identification.h"
 #include "smart/snapshot.h"
 
@@ -18,7 +21,8 @@ int list_drives() {
     if (!Check_drv(drive)) continue;
     const Identification& id = identification;
     list += std::to_string(drive) + "\t" + id.Disk_Model + "\t" + id.Disk_Serial + "\t" + id.Disk_Firmware + "\t" +
-            std::to_string(id.Drive_Sectors) + "\t" + std::to_string(id.Drive_Sectors / kSectorsPerMb) + "Mb\r\n";
+            std::to_string(id.Drive_Sectors) + "\t" + std::to_string(id.Drive_Sectors / kSectorsPerMb) + "Mb\t" +
+            bus_name(id.bus) + (serial_is_its_own() ? "" : "\tidentity of SCSI port " + std::to_string(drive)) + "\r\n";
   }
   close_drive();
   if (list.empty()) {
@@ -36,8 +40,13 @@ void list_smart() {
   if (!open_for_operation()) return;
   form1.MyCancel = false;  // left by the drive's selection
   Get_Smart_Data(form1.SelectedDrive);
+  begin_drive_health();
   const std::string listing =
       smart.Smart_List.empty() ? "Warning: No SMART data available\r\n" : "SMART DATA\r\n" + smart.Smart_List;
   report_and_show(listing);
+  drive_health = {.before = std::nullopt, .after = drive_health.before};
+  found.verdict = judge(*drive_health.after, *drive_health.after, {});
+  found.judged = true;
   close_drive();
+  tell_health(false);
 }

@@ -7,11 +7,13 @@
 #include "app/commands.h"
 #include "app/controls.h"
 #include "app/handlers.h"
+#include "device/drive_words.h"
 #include "disk/progress.h"
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
 #include "ops/restore.h"
+#include "platform/aside.h"
 #include "platform/console.h"
 #include "platform/window.h"
 #include "results/output_file.h"
@@ -76,6 +78,18 @@ void run_batch(bool has_window) {
   close_report();
 }
 
+/// What the drive buttons' tool tips say.
+void drive_learned(int drive, const std::string& words) {
+  if (words.empty()) return;
+  const std::string number = "Drive " + std::to_string(drive) + ": ";
+  form1.drive_tips.at(static_cast<std::size_t>(drive)).set_text(number + words);
+}
+
+void learn_drives() {
+  for (int drive = 0; drive < kDriveCount; ++drive) drive_learned(drive, virtual_drive_words(drive));
+  platform::learn_aside(kDriveCount, system_drive_words, drive_learned);
+}
+
 }  // namespace
 
 int run_program() {
@@ -102,6 +116,7 @@ int run_program() {
     run_batch(has_window);
   }
   if (!has_window) return refuse("No window can be made here; /OP runs a command without one, /? lists all switches.");
+  learn_drives();
   offer_left_over(left);
   platform::run_window();
   return output.ExitCode;

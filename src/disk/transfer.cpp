@@ -103,8 +103,9 @@ bool transfer_all(std::int64_t* lba, std::int64_t total, std::int64_t per_transf
     if (events == Events::run) {
       const bool shown = show_progress_line();
       const bool pumped = platform::pump_events();
+      const bool worked = work_between_transfers();
       if (form1.MyCancel) break;
-      in_a_row = progress.in_a_row && !shown && !pumped;
+      in_a_row = progress.in_a_row && !shown && !pumped && !worked;
     }
     const bool done = transfer_once<direction>(*lba, per_transfer, true, in_a_row);
     all_done = done && all_done;
@@ -120,6 +121,18 @@ bool transfer_all(std::int64_t* lba, std::int64_t total, std::int64_t per_transf
 }
 
 }  // namespace
+
+bool work_between_transfers() {
+  constexpr std::uint64_t kEvery = 30'000;  // milliseconds
+  BetweenTransfers& between = between_transfers;
+  if (between.work == nullptr) return false;
+  const std::uint64_t now = platform::coarse_milliseconds();
+  if (between.due == 0) between.due = now + kEvery;
+  if (now < between.due) return false;
+  between.due = now + kEvery;
+  between.work();
+  return true;
+}
 
 std::int64_t lba_after(std::int64_t lba, std::int64_t sectors) {
   constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();

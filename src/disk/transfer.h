@@ -6,6 +6,18 @@
 /// not its own.
 enum class Events : std::uint8_t { run, wait };
 
+/// What is done every so often between two transfers, while the disk holds nothing that is not its own.
+struct BetweenTransfers {
+  void (*work)() = nullptr;  // null for nothing
+  std::uint64_t due = 0;     // by the coarse clock
+};
+
+inline BetweenTransfers between_transfers;
+
+/// Does the work where it is due. False when there was nothing to do; that costs a look at a pointer, or at the coarse
+/// clock.
+bool work_between_transfers();
+
 /// Reads `total` sectors from `*lba` in whole transfers of `per_transfer` sectors; a remainder smaller than one
 /// transfer is not read. Before each transfer pending events run and MyCancel is tested. Each transfer adds to
 /// Sectors_Done and advances `*lba`, failed ones too; a failed one is counted and reported, never retried. A read that

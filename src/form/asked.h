@@ -36,7 +36,10 @@ struct Asked {
   std::optional<std::string> find;     // search string as typed in the box
   std::optional<std::string> serial;   // serial number that the drive must carry
   std::optional<std::string> journal;  // folder of the undo journal
-  std::optional<std::string> report;   // file, or "-" for standard output
+  std::optional<std::string> history;  // folder of the drives' histories
+  std::optional<int> max_celsius;      // at which a run pauses
+  bool exit_by_verdict = false;
+  std::optional<std::string> report;  // file, or "-" for standard output
   std::optional<std::string> vars;
   std::optional<std::string> csv;
   std::optional<std::string> json;

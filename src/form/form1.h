@@ -16,7 +16,8 @@ struct Form1 {
   platform::Field TxtCurrent;   // LBA being worked on
   platform::Field TxtPattern;   // fill pattern, hex
   platform::Field LblStart{platform::Field::with_text("Start Block (0-n)")};
-  std::array<platform::Field, kDriveCount> options;  // Option1 to Option8: drive 0 to 7
+  std::array<platform::Field, kDriveCount> drive_tips;  // tool tips of the drive buttons
+  std::array<platform::Field, kDriveCount> options;     // Option1 to Option8: drive 0 to 7
 
   bool MyCancel = false;         // every loop of transfers stops at its next test of it
   bool RangeEdited = false;      // the user touched the range: a drive selection keeps it

@@ -21,21 +21,6 @@ std::uint32_t write_all(kernel32::Handle file, std::string_view text) {
   return moved == text.size() ? 0 : platform::kDiskFull;
 }
 
-/// Appends `lines` to the file `name`, made where there is none; all of them or none. Gives 0, or the system's code.
-std::uint32_t append_to_file(const std::string& name, std::string_view lines) {
-  const kernel32::Handle file =
-      kernel32::CreateFileA(name.c_str(), platform::kGenericWrite, platform::kShareRead, platform::kOpenAlways, 0);
-  if (file == kernel32::kInvalidHandle) return kernel32::GetLastError();
-  std::int64_t end = 0;
-  const bool at_end = kernel32::SetFilePointerEx(file, 0, &end, platform::kFileEnd);
-  const std::uint32_t code = at_end ? write_all(file, lines) : kernel32::GetLastError();
-  // A line that breaks off would set a variable to something else.
-  if (at_end && code != 0 && kernel32::SetFilePointerEx(file, end, nullptr, platform::kFileBegin))
-    kernel32::SetEndOfFile(file);
-  kernel32::CloseHandle(file);
-  return code;
-}
-
 /// Standard output, which may be the terminal on which the progress line stands.
 std::uint32_t write_standard(std::string_view text) {
   clear_progress_line();
@@ -51,6 +36,20 @@ void write_report(std::string_view text) {
 }
 
 }  // namespace
+
+std::uint32_t append_to_file(const std::string& name, std::string_view lines) {
+  const kernel32::Handle file =
+      kernel32::CreateFileA(name.c_str(), platform::kGenericWrite, platform::kShareRead, platform::kOpenAlways, 0);
+  if (file == kernel32::kInvalidHandle) return kernel32::GetLastError();
+  std::int64_t end = 0;
+  const bool at_end = kernel32::SetFilePointerEx(file, 0, &end, platform::kFileEnd);
+  const std::uint32_t code = at_end ? write_all(file, lines) : kernel32::GetLastError();
+  // A line that breaks off would set a variable to something else.
+  if (at_end && code != 0 && kernel32::SetFilePointerEx(file, end, nullptr, platform::kFileBegin))
+    kernel32::SetEndOfFile(file);
+  kernel32::CloseHandle(file);
+  return code;
+}
 
 std::string open_report(const std::string& file) {
   output.report_handle = kernel32::kInvalidHandle;
@@ -174,10 +173,13 @@ void add_to_exit_code(std::int64_t count) {
   if (sum >= Limits::min() && sum <= Limits::max()) output.ExitCode = static_cast<std::int16_t>(sum);
 }
 
+std::int32_t exit_code() {
+  return output.verdict_code != 0 ? output.verdict_code : output.ExitCode;
+}
+
 void ExitProgram() {
   constexpr std::uint32_t kNoCode = 0;
-  kernel32::ExitProcess(output.InDevelopmentEnvironment ? kNoCode
-                                                        : static_cast<std::uint32_t>(std::int32_t{output.ExitCode}));
+  kernel32::ExitProcess(output.InDevelopmentEnvironment ? kNoCode : static_cast<std::uint32_t>(exit_code()));
 }
 
 void MyUsage() {

@@ -7,6 +7,7 @@
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
+#include "measure/found.h"
 #include "measure/measure.h"
 #include "platform/clock.h"
 #include "platform/console.h"
@@ -20,12 +21,14 @@ bool wanted() {
   return in_batch() && !asked.quiet;
 }
 
-/// How far the run is, as "  [42%, 1:05 left, reading]"; the time is left out while it is unknown.
+/// How far the run is, as "  [42%, 1:05 left, reading, 41 C]"; what is not known is left out.
 std::string how_far_text() {
   if (measure.plan.kind == RunKind::none) return {};
   const HowFar how = how_far(measure);
   const std::string left = how.seconds_left < 0.0 ? std::string() : duration_text(how.seconds_left) + " left, ";
-  return "  [" + std::to_string(static_cast<int>(how.share * 100.0)) + "%, " + left + phase_text(how.phase) + "]";
+  const std::string temperature = temperature_text(found.temperature);
+  return "  [" + std::to_string(static_cast<int>(how.share * 100.0)) + "%, " + left + phase_text(how.phase) +
+         (temperature.empty() ? "" : ", ") + temperature + "]";
 }
 
 /// The status and how far the run is. On a terminal the status gives way, since a line that wraps cannot be rewritten.

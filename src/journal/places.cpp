@@ -12,11 +12,6 @@ namespace {
 constexpr const char* kPrefix = "sectorix-";
 constexpr const char* kEnding = ".journal";
 
-std::string with_separator(const std::string& folder) {
-  if (folder.empty() || folder.back() == '/' || folder.back() == '\\') return folder;
-  return folder + (folder.find('/') == std::string::npos ? "\\" : "/");
-}
-
 std::string report_folder() {
   const std::string& report = *asked.report;
   const std::size_t end = report.find_last_of("/\\:");
@@ -43,6 +38,19 @@ std::string shown(const std::string& folder) {
 }
 
 }  // namespace
+
+std::string with_separator(const std::string& folder) {
+  if (folder.empty() || folder.back() == '/' || folder.back() == '\\') return folder;
+  return folder + (folder.find('/') == std::string::npos ? "\\" : "/");
+}
+
+std::string in_file_name(const std::string& serial) {
+  std::string name = serial;
+  std::replace_if(
+      name.begin(), name.end(), [](char c) { return std::isalnum(static_cast<unsigned char>(c)) == 0 && c != '-'; },
+      '_');
+  return name;
+}
 
 JournalFolder named_folder(const std::string& folder, int drive) {
   JournalFolder place{.folder = with_separator(folder), .why = {}};
@@ -73,11 +81,7 @@ JournalFolder journal_folder(int drive) {
 }
 
 std::string journal_file(const std::string& folder, const std::string& serial) {
-  std::string name = serial;
-  std::replace_if(
-      name.begin(), name.end(), [](char c) { return std::isalnum(static_cast<unsigned char>(c)) == 0 && c != '-'; },
-      '_');
-  return platform::full_path(folder + kPrefix + name + kEnding);
+  return platform::full_path(folder + kPrefix + in_file_name(serial) + kEnding);
 }
 
 std::vector<std::string> left_journals() {

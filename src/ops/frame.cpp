@@ -10,7 +10,9 @@
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "ops/drive_health.h"
 #include "ops/selection.h"
+#include "ops/temperature.h"
 #include "ops/visit.h"
 #include "ops/write_guard.h"
 #include "platform/clock.h"
@@ -32,6 +34,10 @@ void refuse_wrong_drive(const std::string& why) {
 /// Nothing has gone to the drive but identification when this decides.
 void check_drive_of_run() {
   if (!in_batch()) return;
+  if (asked.serial && !serial_is_its_own()) {
+    refuse_wrong_drive("The serial number of drive " + std::to_string(form1.SelectedDrive) +
+                       " was told by the SCSI port of that number, which may be another drive's: nothing was done.");
+  }
   if (asked.serial && identification.Disk_Serial != *asked.serial) {
     refuse_wrong_drive("Drive " + std::to_string(form1.SelectedDrive) + " has the serial number \"" +
                        identification.Disk_Serial + "\", not \"" + *asked.serial + "\": nothing was done.");
@@ -77,6 +83,7 @@ void Start_Operation() {
            .before = {},
            .Op_Start_Date = platform::local_time(),
            .start_utc = platform::utc_time()};
+  drive_health = {};
   if (!open_for_operation()) {
     form1.MyCancel = false;  // so that the transfers are tried, fail and are counted
     return;
@@ -88,12 +95,16 @@ void Start_Operation() {
   // No line end: docs/oddities.md, 6.
   frame.Smart_Text += smart.Smart_List + "\r\n\r\nSMART DATA AFTER OPERATION";
   if (in_batch()) show_range_of_command_line();
+  begin_drive_health();
+  begin_temperature_watch();
   frame.Op_Start_Date = platform::local_time();
   frame.start_utc = platform::utc_time();
 }
 
 void End_Operation() {
+  end_temperature_watch();
   Get_Smart_Data(form1.SelectedDrive);
+  end_drive_health();
   frame.Smart_Text += smart.Smart_List;
   Compare_smart_info(frame.before);
   Query_System_Event_Log(frame.Op_Start_Date);

@@ -26,8 +26,8 @@ constexpr std::int16_t kNothingDone = 1;  // exit code
 using Bytes = std::vector<std::uint8_t>;
 
 bool is_disk_of(const Record& record) {
-  return identification.Disk_Serial == record.disk.serial && identification.Disk_Model == record.disk.model &&
-         identification.Drive_Sectors == record.disk.sectors;
+  return serial_is_its_own() && identification.Disk_Serial == record.disk.serial &&
+         identification.Disk_Model == record.disk.model && identification.Drive_Sectors == record.disk.sectors;
 }
 
 std::string range_text(const Record& record) {

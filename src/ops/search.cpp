@@ -55,6 +55,7 @@ void report_place() {
 std::int64_t ReadSearchSectors(const Search& search, std::int64_t* lba, std::int64_t count, std::int64_t chunk) {
   for (std::int64_t left = count; left > 0;) {
     platform::pump_events();
+    work_between_transfers();
     if (form1.MyCancel) return -1;
     const std::int64_t sectors = std::min(left, chunk);
     const bool read = read_once(*lba, sectors);

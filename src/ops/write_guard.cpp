@@ -57,7 +57,8 @@ std::string named_drive() {
   look_at_drive();
   std::string text = std::string(kLineEnd) + kLineEnd;
   if (!write_guard.found) return text + "The drive does not answer." + kLineEnd;
-  text += "Model: " + write_guard.model + kLineEnd + "Serial number: " + write_guard.serial + kLineEnd +
+  text += "Model: " + write_guard.model + kLineEnd + "Serial number: " + write_guard.serial +
+          (serial_is_its_own() ? "" : " (told by the SCSI port of that number, perhaps another drive's)") + kLineEnd +
           "Size: " + std::to_string(write_guard.sectors) + " sectors, " +
           std::to_string(write_guard.sectors / kSectorsPerMb) + "Mb" + kLineEnd;
   const std::string& file = asked.virtual_disks.at(static_cast<std::size_t>(form1.SelectedDrive));

@@ -56,3 +56,25 @@ Palette palette_of(const platform::SystemColors& system) {
   palette.classes = {blend(paper, kSkyBlue, 0.35), kSkyBlue, kBlue, kYellow, kOrange, kVermilion, kBlack};
   return palette;
 }
+
+VerdictColors verdict_colors(Grade grade, const platform::SystemColors& system) {
+  if (system.high_contrast) return {system.text, system.window};
+  constexpr Color kWhite{255, 255, 255};
+  constexpr Color kGreen{0, 158, 115};
+  constexpr Color kGrey{200, 200, 200};
+  switch (grade) {
+    case Grade::failing:
+      return {kBlack, kWhite};
+    case Grade::worse:
+      return {kVermilion, kBlack};
+    case Grade::doubtful:
+      return {kYellow, kBlack};
+    case Grade::note:
+      return {kSkyBlue, kBlack};
+    case Grade::good:
+      return {kGreen, kBlack};
+    case Grade::no_data:
+      break;
+  }
+  return {kGrey, kBlack};
+}

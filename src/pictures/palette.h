@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "measure/found.h"
 #include "measure/latency.h"
 #include "platform/canvas.h"
 
@@ -23,5 +24,12 @@ struct Palette {
   platform::Color untouched;                               // a cell of the block map that nothing went to
   std::array<platform::Color, kLatencyClasses> classes{};  // its other cells
 };
+
+/// The ground on which a verdict's word stands, and the word's own colour.
+struct VerdictColors {
+  platform::Color ground;
+  platform::Color text;
+};
+VerdictColors verdict_colors(Grade grade, const platform::SystemColors& system);
 
 Palette palette_of(const platform::SystemColors& system);

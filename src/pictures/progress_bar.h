@@ -10,8 +10,8 @@ struct ProgressBar {
 
 inline ProgressBar progress_bar;
 
-/// What the bar says: "reading 42%" and "1:05 left", or "waiting 12 s", while a command runs, "finished" or "stopped at
-/// 42%" after it.
+/// What the bar says: "reading 42%, 41 C" and "1:05 left", or "waiting 12 s", while a command runs, "finished" or
+/// "stopped at 42%" after it.
 struct ProgressWords {
   std::string what;
   std::string left;

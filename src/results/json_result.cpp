@@ -37,6 +37,8 @@ void put_disk(const Result& result, JsonText* json) {
   json->text("firmware", result.disk.Disk_Firmware);
   json->number("sectors", sectors);
   json->number("sector_bytes", kSectorSize);
+  json->text("bus", bus_name(result.disk.bus));
+  json->text("identity_from", source_name(result.disk.source));
   json->close_object();
 }
 
@@ -208,6 +210,7 @@ std::string json_result(const Result& result, const Measure& measured) {
   put_snapshot("after", result.after, &json);
   put_difference(result.before, result.after, &json);
   json.close_object();
+  put_health(result, &json);
   put_events(result.events, &json);
   json.number("exit_code", result.exit_code);
   return json.finish();

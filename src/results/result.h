@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "disk/counters.h"
 #include "disk/progress.h"
 #include "eventlog/event_log.h"
+#include "health/health.h"
+#include "measure/found.h"
 #include "measure/measure.h"
 #include "platform/clock.h"
 #include "smart/identification.h"
@@ -29,11 +32,19 @@ struct Result {
   Snapshot before;
   Snapshot after;
   EventLog events;
-  std::int16_t exit_code = 0;
+  std::optional<Health> health_before;
+  std::optional<Health> health_after;
+  Found found;
+  std::int32_t exit_code = 0;
 };
 
 /// The whole result as one JSON document. docs/results.md tells its members.
 std::string json_result(const Result& result, const Measure& measured);
+
+class JsonText;
+
+/// The member "health" of that document: the verdict, both snapshots with the pages as they came, the temperatures.
+void put_health(const Result& result, JsonText* json);
 
 /// The rate graph as one SVG document that needs nothing else, as the window draws it: the average as a line within the
 /// band of lowest to highest, random tests as points, the slow limit dashed, slow transfers as triangles and errors as

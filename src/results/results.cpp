@@ -4,6 +4,7 @@
 #include "form/form1.h"
 #include "form/output.h"
 #include "measure/measure.h"
+#include "ops/drive_health.h"
 #include "ops/frame.h"
 #include "results/csv_rows.h"
 #include "results/result.h"
@@ -19,7 +20,7 @@ Result collect() {
   const bool framed = measured_something();
   result.version = results.version;
   result.command_line = asked.command_line;
-  result.operation = framed ? run_kind_text(measure.plan.kind) : results.unmeasured_name;
+  result.operation = operation_name();
   result.start_local = framed ? frame.Op_Start_Date : results.command_local;
   result.start_utc = framed ? frame.start_utc : results.command_utc;
   result.end_local = platform::local_time();
@@ -32,7 +33,10 @@ Result collect() {
   result.before = frame.before;
   result.after = smart.Smart_Snapshot;
   result.events = event_log;
-  result.exit_code = output.ExitCode;
+  result.health_before = drive_health.before;
+  result.health_after = drive_health.after;
+  result.found = found;
+  result.exit_code = exit_code();
   return result;
 }
 
@@ -67,6 +71,10 @@ void begin_results(const std::string& version, const std::string& unmeasured_nam
   measure.on_transfer = add_csv_row;
 }
 
+std::string operation_name() {
+  return measured_something() ? run_kind_text(measure.plan.kind) : results.unmeasured_name;
+}
+
 void finish_results() {
   close_results(collect());
 }
@@ -81,6 +89,7 @@ void leave_results() {
   Result result = collect();
   result.cancelled = true;
   result.after = {};
+  result.health_after = {};
   result.events = {};
   close_results(result);
 }

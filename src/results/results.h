@@ -21,6 +21,9 @@ inline Results results;
 /// `unmeasured_name` what the files call the command should nothing be measured.
 void begin_results(const std::string& version, const std::string& unmeasured_name);
 
+/// What runs, or the last run, in the words of the result files: "read", "smart".
+std::string operation_name();
+
 /// A command has ended: the files are written if it was an operation. A failure is told, and stops nothing.
 void finish_results();
 

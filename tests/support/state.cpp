@@ -6,6 +6,7 @@
 #include "disk/counters.h"
 #include "disk/drive.h"
 #include "disk/progress.h"
+#include "disk/transfer.h"
 #include "disk/volume.h"
 #include "eventlog/event_log.h"
 #include "form/asked.h"
@@ -13,7 +14,9 @@
 #include "form/output.h"
 #include "form/progress_line.h"
 #include "journal/journal.h"
+#include "measure/found.h"
 #include "measure/measure.h"
+#include "ops/drive_health.h"
 #include "ops/frame.h"
 #include "ops/operations.h"
 #include "ops/random_choices.h"
@@ -35,10 +38,13 @@ void reset_program() {
   comparison = {};
   counters = {};
   csv_rows = {};
+  between_transfers = {};
   disk = {};
+  drive_health = {};
   editor = {};
   event_log = {};
   form1 = {};
+  found = {};
   frame = {};
   identification = {};
   journal = {};

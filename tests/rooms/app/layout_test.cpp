@@ -41,7 +41,7 @@ bool in_frame(std::size_t index) {
 }
 
 bool in_panel(std::size_t index) {
-  return index >= static_cast<std::size_t>(Id::graph_tab) && index <= static_cast<std::size_t>(Id::picture);
+  return index >= static_cast<std::size_t>(Id::health_line) && index <= static_cast<std::size_t>(Id::picture);
 }
 
 bool shows_panel(const Placed& window) {

@@ -192,7 +192,7 @@ TEST_F(Program, LostOutputIsTold) {
   headless::desktop.out_fails = 112;
   EXPECT_EQ(start(disk_switch(0, "sectors 10\n") + "/D:0 /OP:READ"), 0U);
   EXPECT_EQ(count_of(err(), "The report cannot be written: error 112."), 1);
-  EXPECT_EQ(count_of(err(), "The variables cannot be written to \"-\": error 112."), 3);
+  EXPECT_EQ(count_of(err(), "The variables cannot be written to \"-\": error 112."), 4);
 }
 
 TEST_F(Program, MistakesAreOneLineAndOpenNoDisk) {
@@ -242,7 +242,7 @@ TEST_F(Program, HelpAndListEndWithoutAWindow) {
   EXPECT_THAT(out(), HasSubstr("/VDISK:n=FILE"));
   headless::desktop.out.clear();
   EXPECT_EQ(start("/list " + disk_switch(6, "sectors 4096\nmodel M\nserial S\nfirmware F\n")), 0U);
-  EXPECT_EQ(out(), "6\tM\tS\tF\t4096\t2Mb\r\n");
+  EXPECT_EQ(out(), "6\tM\tS\tF\t4096\t2Mb\tSATA\r\n");
 }
 
 TEST_F(Program, WithoutAWindowOnlyARunCanStart) {

@@ -17,7 +17,6 @@
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
@@ -143,7 +142,7 @@ TEST_F(RandomTests, WhatCannotBeWrittenBackIsSavedAndNamedLast) {
             0U);
   const std::string report = read_file(path("r.txt"));
   const std::string last = lines_with(report, "Former contents").back();
-  EXPECT_THAT(report, EndsWith(last + "\r\n"));
+  EXPECT_THAT(report, HasSubstr(last + "\r\n\r\n\r\nHEALTH\r\n"));
   EXPECT_EQ(count_of(err(), "Former contents of 2 sectors at LBA "), 1);
   const std::string name = last.substr(last.find("in the file ") + 12);
   EXPECT_EQ(name, path("sectorix-A_7.journal."));

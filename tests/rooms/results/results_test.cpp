@@ -360,7 +360,7 @@ TEST_F(ResultsTest, TheProgressLineTellsShareTimeLeftAndPhase) {
   headless::desktop.err_is_terminal = true;
   start("/VDISK:0=DEMO /D:0 /OP:READ");
   EXPECT_THAT(err(), ContainsRegex("[0-9]+ sectors in 3.[0-9]s  .5[0-9]%.  .12"));
-  EXPECT_THAT(err(), ContainsRegex("  .5[0-9]%, 0:0[45] left, reading]"));
+  EXPECT_THAT(err(), ContainsRegex("  .5[0-9]%, 0:0[45] left, reading, 34 C]"));
   EXPECT_THAT(err(), Not(HasSubstr("Drive 0")));
   std::istringstream lines(err());
   for (std::string line; std::getline(lines, line, '\r');) EXPECT_LE(count_of(line, "left, ") * line.size(), 79U);

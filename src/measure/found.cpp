@@ -1,0 +1,35 @@
+#include "measure/found.h"
+
+const char* grade_name(Grade grade) {
+  switch (grade) {
+    case Grade::failing:
+      return "FAILING";
+    case Grade::worse:
+      return "WORSE";
+    case Grade::doubtful:
+      return "DOUBTFUL";
+    case Grade::note:
+      return "NOTE";
+    case Grade::good:
+      return "GOOD";
+    case Grade::no_data:
+      break;
+  }
+  return "NO DATA";
+}
+
+std::string why(const Verdict& verdict) {
+  std::string text;
+  for (const std::string& fact : verdict.facts) text += (text.empty() ? "" : "; ") + fact;
+  return text;
+}
+
+std::string verdict_line(const Verdict& verdict) {
+  const std::string facts = why(verdict);
+  return grade_name(verdict.grade) + (facts.empty() ? std::string() : ": " + facts);
+}
+
+std::string temperature_text(const TemperatureTrack& track) {
+  if (track.samples.empty()) return {};
+  return std::to_string(track.samples.back().celsius) + " C";
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/units.h"
+
+/// What a run found out about the drive, beside what it measured: shown by the report's last block, the window's line,
+/// the variables and the JSON file.
+
+/// How a drive is, worst first: the first that fits is the verdict.
+enum class Grade : std::uint8_t { failing, worse, doubtful, note, good, no_data };
+
+/// "FAILING", "WORSE", "DOUBTFUL", "NOTE", "GOOD", "NO DATA".
+const char* grade_name(Grade grade);
+
+struct Verdict {
+  Grade grade = Grade::no_data;
+  std::vector<std::string> facts{};  // that decided, the gravest first; ASCII, without what a batch file minds
+};
+
+/// The facts in one line, separated by "; ".
+std::string why(const Verdict& verdict);
+
+/// "FAILING: attribute 5 REALLOC_SECTOR_COUNT at 1, threshold 36; 500 sectors pending".
+std::string verdict_line(const Verdict& verdict);
+
+/// The drive's temperature during the run, in degrees Celsius.
+struct TemperatureTrack {
+  struct Sample {
+    double seconds = 0.0;  // since the run began
+    int celsius = 0;
+  };
+  static constexpr std::size_t kMostSamples = 20'000;  // a week of them
+
+  double began = 0.0;  // of the steady clock
+  std::vector<Sample> samples;
+  std::optional<int> highest;
+  bool tells = false;  // the drive answers without disturbing transfers
+  int pauses = 0;      // for the temperature
+  double paused_seconds = 0.0;
+};
+
+/// "41 C", of the last sample; empty where the drive does not tell.
+std::string temperature_text(const TemperatureTrack& track);
+
+struct Found {
+  int drive = kNoDrive;
+  bool judged = false;
+  Verdict verdict{};
+  TemperatureTrack temperature{};
+  std::vector<std::string> grown_since{};  // against the drive's history: "pending sectors 0 on 2 March, 8 now"
+};
+
+inline Found found;

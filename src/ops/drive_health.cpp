@@ -1,0 +1,52 @@
+#include "ops/drive_health.h"
+
+#include <algorithm>
+#include <array>
+
+#include "disk/counters.h"
+#include "disk/drive.h"
+#include "disk/progress.h"
+#include "form/form1.h"
+#include "health/ask.h"
+#include "health/verdict.h"
+#include "measure/found.h"
+#include "measure/measure.h"
+#include "smart/identification.h"
+
+namespace {
+
+/// True for a failure that says something of the drive, not of what the program may do or asked for.
+bool is_of_the_drive(const TransferError& error) {
+  // winerror.h: ACCESS_DENIED, INVALID_HANDLE, INVALID_DATA, WRITE_PROTECT, SHARING_VIOLATION, LOCK_VIOLATION,
+  // INVALID_PARAMETER.
+  constexpr std::array<std::uint32_t, 7> kRefusals = {
+      platform::kAccessDenied, 6, kRefusedTransfer, platform::kWriteProtect, 32, 33, 87};
+  const bool on_the_disk = error.lba + error.sectors <= identification.Drive_Sectors;
+  return on_the_disk && std::find(kRefusals.begin(), kRefusals.end(), error.code) == kRefusals.end();
+}
+
+RunTotals totals_of_run() {
+  const auto* const first = measure.errors.begin();
+  const auto kept = std::count_if(first, first + measure.errors_kept, is_of_the_drive);
+  return {.failed_transfers = kept,
+          .compare_errors = counters.TotalCErrors,
+          .slow_transfers = measure.slow,
+          .highest_celsius = found.temperature.highest};
+}
+
+}  // namespace
+
+void begin_drive_health() {
+  found = {.drive = form1.SelectedDrive};
+  drive_health = {.before = ask_health(form1.SelectedDrive), .after = std::nullopt};
+}
+
+void end_drive_health() {
+  if (!drive_health.before) {
+    found = {.drive = form1.SelectedDrive, .judged = true, .verdict = {.facts = {"the drive was not found"}}};
+    return;
+  }
+  drive_health.after = ask_health(form1.SelectedDrive);
+  found.verdict = judge(*drive_health.before, *drive_health.after, totals_of_run());
+  found.judged = true;
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+
+#include "health/health.h"
+
+/// The drive's health around an operation, and the verdict that comes of it and of what the run met.
+struct DriveHealth {
+  std::optional<Health> before;
+  std::optional<Health> after;  // absent where the operation did not come to its end
+};
+
+inline DriveHealth drive_health;
+
+/// The drive was identified and its first SMART snapshot taken: asks it how it is. What was found of a run before is
+/// forgotten.
+void begin_drive_health();
+
+/// The second SMART snapshot was taken: asks once more, and judges. Where the drive was never found there is nothing to
+/// ask, and no verdict but NO DATA.
+void end_drive_health();
