@@ -45,8 +45,8 @@ void list_smart() {
       smart.Smart_List.empty() ? "Warning: No SMART data available\r\n" : "SMART DATA\r\n" + smart.Smart_List;
   report_and_show(listing);
   drive_health = {.before = std::nullopt, .after = drive_health.before};
-  found.verdict = judge(*drive_health.after, *drive_health.after, {});
-  found.judged = true;
+  run_findings.verdict = judge(*drive_health.after, *drive_health.after, {});
+  run_findings.judged = true;
   close_drive();
   tell_health(false);
 }

@@ -13,7 +13,6 @@
 #include "form/form1.h"
 #include "form/output.h"
 #include "ops/restore.h"
-#include "platform/aside.h"
 #include "platform/console.h"
 #include "platform/window.h"
 #include "results/output_file.h"
@@ -78,16 +77,13 @@ void run_batch(bool has_window) {
   close_report();
 }
 
-/// What the drive buttons' tool tips say.
-void drive_learned(int drive, const std::string& words) {
-  if (words.empty()) return;
-  const std::string number = "Drive " + std::to_string(drive) + ": ";
-  form1.drive_tips.at(static_cast<std::size_t>(drive)).set_text(number + words);
-}
-
-void learn_drives() {
-  for (int drive = 0; drive < kDriveCount; ++drive) drive_learned(drive, virtual_drive_words(drive));
-  platform::learn_aside(kDriveCount, system_drive_words, drive_learned);
+/// Learns what the next drive is, for its button's tool tip. False when all are known.
+bool learn_drive() {
+  const int drive = form1.drives_learned++;
+  const std::string words = drive_words(drive);
+  if (!words.empty())
+    form1.drive_tips.at(static_cast<std::size_t>(drive)).set_text("Drive " + std::to_string(drive) + ": " + words);
+  return form1.drives_learned < kDriveCount;
 }
 
 }  // namespace
@@ -116,8 +112,7 @@ int run_program() {
     run_batch(has_window);
   }
   if (!has_window) return refuse("No window can be made here; /OP runs a command without one, /? lists all switches.");
-  learn_drives();
   offer_left_over(left);
-  platform::run_window();
+  platform::run_window(learn_drive);
   return output.ExitCode;
 }

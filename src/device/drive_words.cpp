@@ -2,29 +2,9 @@
 
 #include "device/kernel32.h"
 #include "device/storage_query.h"
-#include "platform/aside.h"
 #include "platform/units.h"
-#include "virtualdisk/virtualdisk.h"
 
 namespace {
-
-std::string path_of(int drive) {
-  return "\\\\.\\PhysicalDrive" + std::to_string(drive);
-}
-
-/// Sends aside; every request opens the drive anew.
-Sender aside(int drive) {
-  return [name = path_of(drive)](std::uint32_t code, std::span<const std::uint8_t> request, std::size_t room) {
-    StorageReply reply{.data = std::vector<std::uint8_t>(room)};
-    std::uint32_t returned = 0;
-    const bool done =
-        platform::control_aside(name.c_str(), code, request.data(), static_cast<std::uint32_t>(request.size()),
-                                reply.data.data(), static_cast<std::uint32_t>(room), &returned);
-    reply.code = done ? 0 : 1;
-    reply.data.resize(done && returned < room ? returned : done ? room : 0);
-    return reply;
-  };
-}
 
 std::string words(const Sender& send) {
   const std::optional<DeviceDescriptor> told = decode_device_descriptor(ask_device_descriptor(send).data);
@@ -46,13 +26,11 @@ std::string words(const Sender& send) {
 
 }  // namespace
 
-std::string system_drive_words(int drive) {
-  return virtualdisk::attached(drive) ? std::string() : words(aside(drive));
-}
-
-std::string virtual_drive_words(int drive) {
-  if (!virtualdisk::attached(drive)) return {};
-  const kernel32::Handle handle = open_to_ask(drive);
+std::string drive_words(int drive) {
+  constexpr std::uint32_t kNoAccess = 0;
+  const std::string name = "\\\\.\\PhysicalDrive" + std::to_string(drive);
+  const kernel32::Handle handle = kernel32::CreateFileA(
+      name.c_str(), kNoAccess, platform::kShareRead | platform::kShareWrite, platform::kOpenExisting, 0);
   if (handle == kernel32::kInvalidHandle) return {};
   std::string text = words(through(handle));
   kernel32::CloseHandle(handle);

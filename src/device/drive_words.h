@@ -2,9 +2,6 @@
 
 #include <string>
 
-/// Model, serial number and size of drive `drive` in words, by requests that need no rights and wait for no transfer;
-/// empty for a drive that does not answer, or that a virtual disk is attached as. From any thread.
-std::string system_drive_words(int drive);
-
-/// The same of an attached virtual disk. On the operations' thread.
-std::string virtual_drive_words(int drive);
+/// Model, serial number, size and bus of drive `drive` in words, by requests that need no rights and touch no medium;
+/// empty for a drive that does not answer.
+std::string drive_words(int drive);

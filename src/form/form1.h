@@ -17,6 +17,7 @@ struct Form1 {
   platform::Field TxtPattern;   // fill pattern, hex
   platform::Field LblStart{platform::Field::with_text("Start Block (0-n)")};
   std::array<platform::Field, kDriveCount> drive_tips;  // tool tips of the drive buttons
+  int drives_learned = 0;                               // drives 0 to this one less have their tool tip
   std::array<platform::Field, kDriveCount> options;     // Option1 to Option8: drive 0 to 7
 
   bool MyCancel = false;         // every loop of transfers stops at its next test of it

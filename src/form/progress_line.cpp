@@ -7,7 +7,7 @@
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
-#include "measure/found.h"
+#include "measure/findings.h"
 #include "measure/measure.h"
 #include "platform/clock.h"
 #include "platform/console.h"
@@ -26,7 +26,7 @@ std::string how_far_text() {
   if (measure.plan.kind == RunKind::none) return {};
   const HowFar how = how_far(measure);
   const std::string left = how.seconds_left < 0.0 ? std::string() : duration_text(how.seconds_left) + " left, ";
-  const std::string temperature = temperature_text(found.temperature);
+  const std::string temperature = temperature_text(run_findings.temperature);
   return "  [" + std::to_string(static_cast<int>(how.share * 100.0)) + "%, " + left + phase_text(how.phase) +
          (temperature.empty() ? "" : ", ") + temperature + "]";
 }

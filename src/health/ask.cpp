@@ -103,9 +103,10 @@ void ask_status(Asking* asking) {
     asking->in_vain(kStatus, kernel32::GetLastError());
     return;
   }
-  const bool carries = returned >= kReplyHeader + kRegisters && reply[4] == 0;
-  if (carries)
-    asking->health.status_says_failing = status_of_registers(reply[kReplyHeader + 3], reply[kReplyHeader + 4]);
+  const Bytes registers = Bytes(reply).subspan(kReplyHeader, kRegisters);
+  const bool driver_failed = bytes::le(reply, 4, 1) != 0;
+  if (returned >= kReplyHeader + kRegisters && !driver_failed)
+    asking->health.status_says_failing = status_of_registers(registers[3], registers[4]);
   if (!asking->health.status_says_failing) asking->in_vain(kStatus, "the driver gives no registers back");
 }
 

@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "health/health.h"
-#include "measure/found.h"
+#include "measure/findings.h"
 
 /// What a run met.
 struct RunTotals {

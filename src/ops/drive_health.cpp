@@ -9,7 +9,7 @@
 #include "form/form1.h"
 #include "health/ask.h"
 #include "health/verdict.h"
-#include "measure/found.h"
+#include "measure/findings.h"
 #include "measure/measure.h"
 #include "smart/identification.h"
 
@@ -31,22 +31,22 @@ RunTotals totals_of_run() {
   return {.failed_transfers = kept,
           .compare_errors = counters.TotalCErrors,
           .slow_transfers = measure.slow,
-          .highest_celsius = found.temperature.highest};
+          .highest_celsius = run_findings.temperature.highest};
 }
 
 }  // namespace
 
 void begin_drive_health() {
-  found = {.drive = form1.SelectedDrive};
+  run_findings = {.drive = form1.SelectedDrive};
   drive_health = {.before = ask_health(form1.SelectedDrive), .after = std::nullopt};
 }
 
 void end_drive_health() {
   if (!drive_health.before) {
-    found = {.drive = form1.SelectedDrive, .judged = true, .verdict = {.facts = {"the drive was not found"}}};
+    run_findings = {.drive = form1.SelectedDrive, .judged = true, .verdict = {.facts = {"the drive was not found"}}};
     return;
   }
   drive_health.after = ask_health(form1.SelectedDrive);
-  found.verdict = judge(*drive_health.before, *drive_health.after, totals_of_run());
-  found.judged = true;
+  run_findings.verdict = judge(*drive_health.before, *drive_health.after, totals_of_run());
+  run_findings.judged = true;
 }

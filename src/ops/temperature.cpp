@@ -9,7 +9,7 @@
 #include "form/output.h"
 #include "form/progress_line.h"
 #include "health/ask.h"
-#include "measure/found.h"
+#include "measure/findings.h"
 #include "platform/clock.h"
 #include "platform/window.h"
 
@@ -23,7 +23,7 @@ constexpr double kLookAgain = 10;  // seconds, while the run pauses
 std::optional<int> look() {
   const double asked_at = platform::steady_seconds();
   const std::optional<int> celsius = ask_celsius(form1.SelectedDrive);
-  TemperatureTrack& track = found.temperature;
+  TemperatureTrack& track = run_findings.temperature;
   track.tells = celsius && platform::steady_seconds() - asked_at <= kAtOnce;
   if (!track.tells) {
     between_transfers.work = nullptr;
@@ -47,7 +47,7 @@ void wait_while_paused(const std::string& status) {
 }
 
 void pause_until(int cool_enough, int celsius) {
-  TemperatureTrack& track = found.temperature;
+  TemperatureTrack& track = run_findings.temperature;
   const double began = platform::steady_seconds();
   ++track.pauses;
   for (std::optional<int> now = celsius; now && *now > cool_enough && !form1.MyCancel; now = look()) {

@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "form/form1.h"
-#include "measure/found.h"
+#include "measure/findings.h"
 #include "pictures/palette.h"
 #include "platform/geometry.h"
 
@@ -15,7 +15,7 @@ using platform::Canvas;
 using platform::Rect;
 
 bool is_about_selected_drive() {
-  return found.drive != kNoDrive && found.drive == form1.SelectedDrive;
+  return run_findings.drive != kNoDrive && run_findings.drive == form1.SelectedDrive;
 }
 
 std::string description() {
@@ -40,7 +40,7 @@ void paint(Canvas* canvas) {
   int left = 0;
   if (!words.grade.empty()) {
     const int width = text_size(*canvas, words.grade).width + 2 * inset;
-    const VerdictColors colors = verdict_colors(found.verdict.grade, system);
+    const VerdictColors colors = verdict_colors(run_findings.verdict.grade, system);
     fill(canvas, {0, 0, width, size.height}, colors.ground);
     draw_text(canvas, {0, 0, width, size.height}, words.grade, Align::center, colors.text);
     left = width + inset;
@@ -59,9 +59,10 @@ const platform::Picture kHealthPicture = {paint, revision, description, nullptr,
 
 HealthWords health_words() {
   const std::string drive = "Drive " + std::to_string(form1.SelectedDrive);
-  if (is_about_selected_drive() && found.judged) return {grade_name(found.verdict.grade), why(found.verdict)};
+  if (is_about_selected_drive() && run_findings.judged)
+    return {grade_name(run_findings.verdict.grade), why(run_findings.verdict)};
   if (!is_about_selected_drive() || !form1.command_running)
     return {{}, drive + ": its health is read with the next command."};
-  const std::string temperature = temperature_text(found.temperature);
+  const std::string temperature = temperature_text(run_findings.temperature);
   return {{}, drive + ": " + (temperature.empty() ? "" : temperature + ", ") + "judged at the end of the command."};
 }

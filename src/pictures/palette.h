@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "measure/found.h"
+#include "measure/findings.h"
 #include "measure/latency.h"
 #include "platform/canvas.h"
 

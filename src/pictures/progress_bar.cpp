@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "form/number_text.h"
-#include "measure/found.h"
+#include "measure/findings.h"
 #include "measure/measure.h"
 #include "pictures/palette.h"
 #include "platform/geometry.h"
@@ -56,7 +56,7 @@ ProgressWords progress_words() {
   const HowFar how = how_far(measure);
   const std::string percent = std::to_string(static_cast<int>(how.share * kPercent)) + "%";
   if (!measure.running) return {measure.stopped ? "stopped at " + percent : "finished", {}};
-  const std::string temperature = temperature_text(found.temperature);
+  const std::string temperature = temperature_text(run_findings.temperature);
   const std::string what =
       std::string(phase_text(how.phase)) + " " + percent + (temperature.empty() ? "" : ", ") + temperature;
   if (progress_bar.waiting > 0) return {what, "waiting " + std::to_string(progress_bar.waiting) + " s"};

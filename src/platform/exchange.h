@@ -57,7 +57,6 @@ struct Press {
   enum class What : std::uint8_t {
     click,      // on the control of `row`
     typing,     // its text is now `text`
-    learned,    // learn_aside() has learned `text` about number `row`
     picked,     // a double click at `place` of the picture of `row`
     closing,    // the window is to be closed
     interrupt,  // Control-C

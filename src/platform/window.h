@@ -86,8 +86,9 @@ struct WindowTable {
 /// end_command().
 bool open_window(const WindowTable& table);
 
-/// Handles the window's events until it is destroyed. Only after open_window() returned true.
-void run_window();
+/// Handles the window's events until it is destroyed. While none waits, `while_idle` does a piece of work, until it
+/// returns false. Only after open_window() returned true.
+void run_window(bool (*while_idle)());
 
 /// Lets the user's presses that wait call their handlers, interruptions from the console too, and lets the window show
 /// what has changed. False when there was nothing to do; that costs a look at two flags.

@@ -11,7 +11,7 @@
 #include "form/output.h"
 #include "health/numbers.h"
 #include "journal/places.h"
-#include "measure/found.h"
+#include "measure/findings.h"
 #include "measure/measure.h"
 #include "ops/drive_health.h"
 #include "ops/frame.h"
@@ -74,7 +74,7 @@ std::string unanswered_lines() {
 }
 
 std::string temperature_lines() {
-  const TemperatureTrack& track = found.temperature;
+  const TemperatureTrack& track = run_findings.temperature;
   std::string lines;
   if (track.highest) {
     lines += "Highest temperature in the run: " + std::to_string(*track.highest) + " degrees Celsius" + kLineEnd;
@@ -93,7 +93,7 @@ std::string temperature_lines() {
 
 std::string history_lines() {
   std::string lines;
-  for (const std::string& grown : found.grown_since) lines += "Grown since: " + grown + kLineEnd;
+  for (const std::string& grown : run_findings.grown_since) lines += "Grown since: " + grown + kLineEnd;
   return lines;
 }
 
@@ -107,14 +107,14 @@ std::string variable(const std::string& name, std::string value) {
 
 std::string variables() {
   std::string since;
-  for (const std::string& grown : found.grown_since) since += (since.empty() ? "" : "; ") + grown;
-  std::string lines = variable("VERDICT", grade_name(found.verdict.grade)) + variable("WHY", why(found.verdict)) +
-                      variable("BUS", bus_name(identification.bus));
+  for (const std::string& grown : run_findings.grown_since) since += (since.empty() ? "" : "; ") + grown;
+  std::string lines = variable("VERDICT", grade_name(run_findings.verdict.grade)) +
+                      variable("WHY", why(run_findings.verdict)) + variable("BUS", bus_name(identification.bus));
   for (const HealthNumber& number : health_numbers()) {
     if (number.variable != nullptr) lines += variable(number.variable, number_text(number.of(newest())));
   }
-  return lines + variable("TEMP_HIGHEST", number_text(found.temperature.highest)) +
-         variable("PAUSED_SECONDS", fixed_text(found.temperature.paused_seconds, 0)) + variable("SINCE", since);
+  return lines + variable("TEMP_HIGHEST", number_text(run_findings.temperature.highest)) +
+         variable("PAUSED_SECONDS", fixed_text(run_findings.temperature.paused_seconds, 0)) + variable("SINCE", since);
 }
 
 HistoryLine line_of_run() {
@@ -123,8 +123,8 @@ HistoryLine line_of_run() {
                    .serial = identification.Disk_Serial,
                    .firmware = identification.Disk_Firmware,
                    .operation = operation_name(),
-                   .verdict = grade_name(found.verdict.grade),
-                   .why = why(found.verdict),
+                   .verdict = grade_name(run_findings.verdict.grade),
+                   .why = why(run_findings.verdict),
                    .numbers = {}};
   for (const HealthNumber& number : health_numbers()) {
     if (const auto value = number.of(newest())) line.numbers[number.key] = *value;
@@ -151,7 +151,7 @@ void keep_history(bool writes) {
   const HistoryLine line = line_of_run();
   const std::optional<HistoryLine> last = add_to_history(*asked.history, line, &problem);
   if (!problem.empty()) tell_and_show(problem);
-  if (last) found.grown_since = grown_since(*last, line);
+  if (last) run_findings.grown_since = grown_since(*last, line);
 }
 
 /// GOOD to FAILING from the first number on: so that IF ERRORLEVEL asks for "this bad, or worse".
@@ -182,16 +182,17 @@ void set_exit_code() {
   if (!asked.exit_by_verdict || form1.MyCancel || identification.Drive_Sectors == 0) return;
   const bool refused = measure.runs == results.runs_before && output.ExitCode != 0;
   const bool failed = counters.TotalErrors + counters.TotalCErrors > 0;
-  if (refused || (failed && !is_bad(found.verdict.grade))) return;
-  output.verdict_code = code_of(found.verdict.grade);
+  if (refused || (failed && !is_bad(run_findings.verdict.grade))) return;
+  output.verdict_code = code_of(run_findings.verdict.grade);
 }
 
 }  // namespace
 
 void tell_health(bool writes) {
   keep_history(writes);
-  report_line(std::string("\r\n\r\nHEALTH\r\n======\r\n") + drive_text() + kLineEnd + verdict_line(found.verdict) +
-              kLineEnd + number_lines() + temperature_lines() + history_lines() + unanswered_lines());
+  report_line(std::string("\r\n\r\nHEALTH\r\n======\r\n") + drive_text() + kLineEnd +
+              verdict_line(run_findings.verdict) + kLineEnd + number_lines() + temperature_lines() + history_lines() +
+              unanswered_lines());
   const std::string lines = variables();
   AppendReportVars(lines);
   form1.Text1.append(lines);

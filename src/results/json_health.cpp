@@ -114,7 +114,7 @@ void put_texts(const char* name, const std::vector<std::string>& texts, JsonText
 }  // namespace
 
 void put_health(const Result& result, JsonText* json) {
-  const Found& told = result.found;
+  const RunFindings& told = result.findings;
   json->open_object("health");
   if (told.judged) json->text("verdict", grade_name(told.verdict.grade));
   put_texts("why", told.verdict.facts, json);

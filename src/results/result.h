@@ -9,7 +9,7 @@
 #include "disk/progress.h"
 #include "eventlog/event_log.h"
 #include "health/health.h"
-#include "measure/found.h"
+#include "measure/findings.h"
 #include "measure/measure.h"
 #include "platform/clock.h"
 #include "smart/identification.h"
@@ -34,7 +34,7 @@ struct Result {
   EventLog events;
   std::optional<Health> health_before;
   std::optional<Health> health_after;
-  Found found;
+  RunFindings findings;
   std::int32_t exit_code = 0;
 };
 

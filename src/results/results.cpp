@@ -35,7 +35,7 @@ Result collect() {
   result.events = event_log;
   result.health_before = drive_health.before;
   result.health_after = drive_health.after;
-  result.found = found;
+  result.findings = run_findings;
   result.exit_code = exit_code();
   return result;
 }

@@ -8,6 +8,8 @@
 
 #include "device/kernel32.h"
 #include "disk/drive.h"
+#include "health/ask.h"
+#include "health/verdict.h"
 #include "smart/compare.h"
 #include "smart/identification.h"
 #include "smart/snapshot.h"
@@ -88,6 +90,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (static_cast<unsigned char>(c) < 32 || static_cast<unsigned char>(c) >= 128) std::abort();
   }
   const Snapshot before = Get_Smart_Data(0);
+  const Health health = ask_health(0);
+  judge(health, health, {});
   Get_Smart_Data(0);
   if (smart.Smart_Snapshot.Attributes.size() != smart.Smart_Snapshot.Attr_Count + 1U) std::abort();
   Compare_smart_info(before);

@@ -14,7 +14,7 @@
 #include "form/output.h"
 #include "form/progress_line.h"
 #include "journal/journal.h"
-#include "measure/found.h"
+#include "measure/findings.h"
 #include "measure/measure.h"
 #include "ops/drive_health.h"
 #include "ops/frame.h"
@@ -44,7 +44,7 @@ void reset_program() {
   editor = {};
   event_log = {};
   form1 = {};
-  found = {};
+  run_findings = {};
   frame = {};
   identification = {};
   journal = {};

@@ -3,7 +3,6 @@
 #include <stdexcept>
 #include <utility>
 
-#include "platform/aside.h"
 #include "platform/console.h"
 #include "platform/window.h"
 
@@ -57,15 +56,9 @@ bool open_window(const WindowTable& /*table*/) {
   return desktop.has_display;
 }
 
-void run_window() {}
-
-bool control_aside(const char* /*device*/, std::uint32_t /*code*/, const void* /*in*/, std::uint32_t /*in_bytes*/,
-                   void* /*out*/, std::uint32_t /*out_bytes*/, std::uint32_t* /*returned*/) {
-  return false;
-}
-
-void learn_aside(int count, std::string (*learn)(int number), void (*learned)(int number, const std::string& text)) {
-  for (int number = 0; number < count; ++number) learned(number, learn(number));
+void run_window(bool (*while_idle)()) {
+  while (while_idle()) {
+  }
 }
 
 bool pump_events() {

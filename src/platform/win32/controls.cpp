@@ -86,13 +86,14 @@ LRESULT CALLBACK text_procedure(HWND control, UINT message, WPARAM word, LPARAM 
   return result;
 }
 
-void send_tool_tip(UINT message, HWND control, std::string text) {
+void send_tool_tip(UINT message, HWND control, const std::string& text) {
   TTTOOLINFOA tool{};
   tool.cbSize = TTTOOLINFOA_V2_SIZE;
   tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
   tool.hwnd = main_window.window;
   tool.uId = reinterpret_cast<UINT_PTR>(control);
-  tool.lpszText = text.data();
+  std::string copy = text;
+  tool.lpszText = copy.data();
   ::SendMessageA(main_window.tips, message, 0, reinterpret_cast<LPARAM>(&tool));
 }
 

@@ -2,7 +2,6 @@
 #include <utility>
 
 #include "platform/clock.h"
-#include "platform/win32/aside.h"
 #include "platform/win32/call.h"
 #include "platform/win32/main_window.h"
 
@@ -39,8 +38,6 @@ void deal_with(platform::Press press) {
       take_typed(press.row, std::move(press.text));
       if (controls[press.row].on_typed != nullptr) controls[press.row].on_typed();
       return;
-    case What::learned:
-      return tell_learned(press);
     case What::picked:
       return controls[press.row].picture->on_double_click(press.place);
     case What::closing:
@@ -92,8 +89,10 @@ namespace platform {
 
 using win32::main_window;
 
-void run_window() {
+void run_window(bool (*while_idle)()) {
+  bool more = true;
   while (true) {
+    while (more && !win32::presses.any()) more = while_idle();
     ::PostMessageA(main_window.window, win32::kOffered, 0, 0);
     {
       const win32::Call call(win32::Doing::idle);

@@ -8,7 +8,7 @@
 #include "form/form1.h"
 #include "form/output.h"
 #include "health/ask.h"
-#include "measure/found.h"
+#include "measure/findings.h"
 #include "measure/measure.h"
 #include "ops/drive_health.h"
 #include "pictures/health_line.h"
@@ -157,7 +157,7 @@ TEST_F(HealthRun, TheJsonFileHasBothSnapshotsWithEveryByte) {
 TEST_F(HealthRun, TheTemperatureIsLookedAtBetweenTransfersAndCostsThemNothing) {
   const std::string disk = "sectors 200000\nbus nvme\nrate 1\ngrow temperature 1 on read\nrequests 20\n";
   run(disk);
-  const TemperatureTrack& track = found.temperature;
+  const TemperatureTrack& track = run_findings.temperature;
   ASSERT_EQ(track.samples.size(), 4U) << "at the start and every 30 of 98 seconds";
   EXPECT_EQ(track.samples[0].celsius, 34);
   EXPECT_NEAR(track.samples[1].seconds, 30.0, 10.0);
@@ -166,7 +166,7 @@ TEST_F(HealthRun, TheTemperatureIsLookedAtBetweenTransfersAndCostsThemNothing) {
   const double longest = measure.latency.slowest.at(0).seconds;
   EXPECT_NEAR(longest, 10.0, 0.001) << "the 20 ms of a look are in no transfer of 10 MiB";
   run("sectors 200000\nbus nvme\nrate 1\nrequests 60\n", "/MAXTEMP:50");
-  EXPECT_TRUE(found.temperature.samples.empty()) << "a drive that takes its time is not asked";
+  EXPECT_TRUE(run_findings.temperature.samples.empty()) << "a drive that takes its time is not asked";
   EXPECT_THAT(err(), HasSubstr("/MAXTEMP does nothing"));
   EXPECT_THAT(out(), HasSubstr("/MAXTEMP did nothing: the drive does not tell its temperature"));
 }
@@ -186,8 +186,8 @@ TEST_F(HealthRun, ARunPausesUntilTheDriveIsFiveDegreesCooler) {
   run(disk, "/MAXTEMP:50");
   EXPECT_THAT(statuses, ElementsAre("Paused at 51 degrees Celsius, goes on at 45",
                                     "Paused at 46 degrees Celsius, goes on at 45"));
-  EXPECT_EQ(found.temperature.pauses, 1);
-  EXPECT_NEAR(found.temperature.paused_seconds, 20.0, 0.5);
+  EXPECT_EQ(run_findings.temperature.pauses, 1);
+  EXPECT_NEAR(run_findings.temperature.paused_seconds, 20.0, 0.5);
   EXPECT_THAT(out(), HasSubstr("Paused 1 time, 20 seconds, for the temperature\r\n"));
   headless::desktop.at_pump = [](int) {
     if (form1.TxtStatus.text().rfind("Paused at", 0) == 0) console_cancel();

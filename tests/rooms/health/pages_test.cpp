@@ -53,6 +53,24 @@ TEST(NvmeLog, TellsWhatTheDriveMeans) {
   EXPECT_EQ(health.media_errors, 2U);
 }
 
+TEST(NvmeLog, ARealPageIsReadAsItsBytesStand) {
+  // linux-nvme/nvme-cli issue 2759, 1 April 2025: get-log of page 02h, as far as it is published.
+  Page page(512);
+  const Page head = {0x00, 0x38, 0x01, 0x64, 0x0A, 0x01};
+  std::copy(head.begin(), head.end(), page.begin());
+  bytes::put_le(page, 32, 8, 0x0828BC3A);
+  bytes::put_le(page, 48, 8, 0x034CFCC4);
+  Health health;
+  ASSERT_TRUE(take_nvme_log(page, &health));
+  EXPECT_EQ(health.critical_warning, 0);
+  EXPECT_EQ(health.celsius, 39);
+  EXPECT_EQ(health.spare, 100);
+  EXPECT_EQ(health.spare_threshold, 10);
+  EXPECT_EQ(health.used, 1);
+  EXPECT_EQ(health.data_read, 136'887'354U);
+  EXPECT_EQ(health.data_written, 55'377'092U);
+}
+
 TEST(NvmeLog, NoTemperatureIsNoneAndAReservedThresholdToo) {
   Page page = nvme_log();
   page[1] = page[2] = 0;

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
@@ -8,6 +9,9 @@
 #include <sstream>
 
 #include "disk/drive.h"
+#include "health/ask.h"
+#include "health/numbers.h"
+#include "health/verdict.h"
 #include "smart/identification.h"
 #include "smart/snapshot.h"
 #include "tests/support/rig.h"
@@ -105,6 +109,42 @@ INSTANTIATE_TEST_SUITE_P(, RealDrivesTest,
                          ::testing::Values("fujitsu_mhv2100at", "hitachi_hde721010sla330", "hitachi_hds721050dle630",
                                            "hitachi_hua722010cla330", "maxtor_6b200m0", "maxtor_6y120l0",
                                            "samsung_870_qvo", "seagate_st3160023as", "wdc_wd140edfz", "wdc_wd300bb"),
+                         [](const auto& drive) { return std::string(drive.param); });
+
+/// NVMe drives: every figure that a source told, and the verdict that it came to.
+class RealNvmeDrives : public Rig, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(RealNvmeDrives, TellWhatOtherToolsTold) {
+  const std::string drive = std::string("nvme/") + GetParam();
+  attach(0, read_file(data(drive + ".vd")));
+  OpenDrive(0);
+  ASSERT_TRUE(Check_drv(0));
+  Get_Smart_Data(0);
+  const Health health = ask_health(0);
+  std::ifstream told(data(drive + ".told.txt"));
+  int figures = 0;
+  for (std::string name, value; told >> name && std::getline(told >> std::ws, value);) {
+    if (name == "#") continue;
+    ++figures;
+    if (name == "model") {
+      EXPECT_EQ(identification.Disk_Model, value);
+    } else if (name == "verdict") {
+      EXPECT_EQ(grade_name(judge(health, health, {}).grade), value);
+    } else {
+      const auto numbers = health_numbers();
+      const auto row =
+          std::find_if(numbers.begin(), numbers.end(), [&](const HealthNumber& n) { return n.key == name; });
+      ASSERT_NE(row, numbers.end()) << name;
+      EXPECT_EQ(row->of(health), std::stoll(value)) << name;
+    }
+  }
+  EXPECT_GE(figures, 7);
+}
+
+INSTANTIATE_TEST_SUITE_P(, RealNvmeDrives,
+                         ::testing::Values("crucial_ct250p2ssd8", "hgst_husmr7632bhp301", "intel_mempek1w032ga",
+                                           "intel_ssdpedmd400g4", "samsung_970_evo_plus", "samsung_mzvl2512hcjq",
+                                           "toshiba_kxg60znv512g"),
                          [](const auto& drive) { return std::string(drive.param); });
 
 }  // namespace

@@ -46,7 +46,7 @@ struct TemperatureTrack {
 /// "41 C", of the last sample; empty where the drive does not tell.
 std::string temperature_text(const TemperatureTrack& track);
 
-struct Found {
+struct RunFindings {
   int drive = kNoDrive;
   bool judged = false;
   Verdict verdict{};
@@ -54,4 +54,4 @@ struct Found {
   std::vector<std::string> grown_since{};  // against the drive's history: "pending sectors 0 on 2 March, 8 now"
 };
 
-inline Found found;
+inline RunFindings run_findings;

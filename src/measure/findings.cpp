@@ -1,4 +1,4 @@
-#include "measure/found.h"
+#include "measure/findings.h"
 
 const char* grade_name(Grade grade) {
   switch (grade) {
