@@ -230,7 +230,7 @@ std::string clean_id(const std::string& text) {
 
 std::string model_of(const DeviceDescriptor& descriptor) {
   const std::string vendor = clean_id(descriptor.vendor);
-  const std::string product = clean_id(descriptor.product);
+  std::string product = clean_id(descriptor.product);
   if (vendor.empty() || vendor == "ATA" || vendor == "NVMe") return product;
   return clean_id(vendor + " " + product);
 }

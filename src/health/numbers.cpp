@@ -21,13 +21,13 @@ std::optional<std::int64_t> plain(const Health& health) {
 }
 
 constexpr std::array<HealthNumber, 24> kNumbers = {{
-    {"temperature_celsius", "degrees Celsius", "TEMP", false, plain<&Health::celsius>},
-    {"warning_temperature_celsius", "degrees, its limit", "TEMP_LIMIT", false, plain<&Health::warning_celsius>},
-    {"critical_temperature_celsius", "degrees, critical", nullptr, false, plain<&Health::critical_celsius>},
+    {"temperature_celsius", "temperature, degrees Celsius", "TEMP", false, plain<&Health::celsius>},
+    {"warning_temperature_celsius", "temperature limit", "TEMP_LIMIT", false, plain<&Health::warning_celsius>},
+    {"critical_temperature_celsius", "critical temperature", nullptr, false, plain<&Health::critical_celsius>},
     {"critical_warning", "critical warning bits", "CRITICAL", false, plain<&Health::critical_warning>},
-    {"spare_percent", "percent of spare left", "SPARE", false, plain<&Health::spare>},
-    {"spare_threshold_percent", "percent, its threshold", nullptr, false, plain<&Health::spare_threshold>},
-    {"used_percent", "percent of endurance used", "USED", false, plain<&Health::used>},
+    {"spare_percent", "spare, percent", "SPARE", false, plain<&Health::spare>},
+    {"spare_threshold_percent", "spare threshold, percent", nullptr, false, plain<&Health::spare_threshold>},
+    {"used_percent", "endurance used, percent", "USED", false, plain<&Health::used>},
     {"media_errors", "media errors", "MEDIA_ERRORS", true, counted<&Health::media_errors>},
     {"reallocated_sectors", "reallocated sectors", "REALLOCATED", true, counted<&Health::reallocated>},
     {"pending_sectors", "pending sectors", "PENDING", true, counted<&Health::pending>},
@@ -45,7 +45,7 @@ constexpr std::array<HealthNumber, 24> kNumbers = {{
     {"power_on_hours", "power-on hours", "HOURS", false, counted<&Health::power_on_hours>},
     {"data_units_read_512000_bytes", "data read, 512,000 bytes", nullptr, false, counted<&Health::data_read>},
     {"data_units_written_512000_bytes", "data written, 512,000 bytes", nullptr, false, counted<&Health::data_written>},
-    {"warning_temperature_minutes", "minutes above its limit", nullptr, false, counted<&Health::warning_minutes>},
+    {"warning_temperature_minutes", "minutes above the limit", nullptr, false, counted<&Health::warning_minutes>},
     {"critical_temperature_minutes", "minutes above critical", nullptr, true, counted<&Health::critical_minutes>},
     {"error_log_entries", "error-log entries", nullptr, false, counted<&Health::error_log_entries>},
 }};

@@ -47,6 +47,7 @@ void end_drive_health() {
     return;
   }
   drive_health.after = ask_health(form1.SelectedDrive);
+  run_findings.temperature.highest = std::max(run_findings.temperature.highest, drive_health.after->celsius);
   run_findings.verdict = judge(*drive_health.before, *drive_health.after, totals_of_run());
   run_findings.judged = true;
 }

@@ -38,11 +38,11 @@ std::optional<int> look() {
 
 /// Waits, with the window and Control-C alive.
 void wait_while_paused(const std::string& status) {
-  constexpr double kStep = 0.1;
-  for (double waited = 0.0; waited < kLookAgain && !form1.MyCancel; waited += kStep) {
+  constexpr int kSteps = 100;
+  for (int step = 0; step < kSteps && !form1.MyCancel; ++step) {
     show_progress_line(status);
     platform::pump_events();
-    platform::wait(kStep, false);
+    platform::wait(kLookAgain / kSteps, false);
   }
 }
 

@@ -29,10 +29,9 @@ std::string number_text(const std::optional<std::int64_t>& number) {
 }
 
 /// The snapshot that tells most: the last one that answered.
-const Health& newest() {
-  static const Health kNone;
+Health newest() {
   if (drive_health.after && (drive_health.after->answered || !drive_health.before)) return *drive_health.after;
-  return drive_health.before ? *drive_health.before : kNone;
+  return drive_health.before.value_or(Health{});
 }
 
 std::string drive_text() {
@@ -108,10 +107,11 @@ std::string variable(const std::string& name, std::string value) {
 std::string variables() {
   std::string since;
   for (const std::string& grown : run_findings.grown_since) since += (since.empty() ? "" : "; ") + grown;
+  const Health last = newest();
   std::string lines = variable("VERDICT", grade_name(run_findings.verdict.grade)) +
                       variable("WHY", why(run_findings.verdict)) + variable("BUS", bus_name(identification.bus));
   for (const HealthNumber& number : health_numbers()) {
-    if (number.variable != nullptr) lines += variable(number.variable, number_text(number.of(newest())));
+    if (number.variable != nullptr) lines += variable(number.variable, number_text(number.of(last)));
   }
   return lines + variable("TEMP_HIGHEST", number_text(run_findings.temperature.highest)) +
          variable("PAUSED_SECONDS", fixed_text(run_findings.temperature.paused_seconds, 0)) + variable("SINCE", since);
@@ -126,8 +126,9 @@ HistoryLine line_of_run() {
                    .verdict = grade_name(run_findings.verdict.grade),
                    .why = why(run_findings.verdict),
                    .numbers = {}};
+  const Health last = newest();
   for (const HealthNumber& number : health_numbers()) {
-    if (const auto value = number.of(newest())) line.numbers[number.key] = *value;
+    if (const auto value = number.of(last)) line.numbers[number.key] = *value;
   }
   return line;
 }

@@ -127,7 +127,7 @@ std::optional<HistoryLine> last_of_drive(std::string_view contents, const Histor
     const std::size_t before = contents.find_last_of('\n');
     std::string_view text = before == std::string_view::npos ? contents : contents.substr(before + 1);
     if (!text.empty() && text.back() == '\r') text.remove_suffix(1);
-    const std::optional<HistoryLine> found = read_history_line(text);
+    std::optional<HistoryLine> found = read_history_line(text);
     if (found && found->serial == line.serial && found->model == line.model) return found;
     contents = contents.substr(0, before == std::string_view::npos ? 0 : before);
   }
