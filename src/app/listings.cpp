@@ -37,6 +37,7 @@ int list_drives() {
 
 void list_smart() {
   form1.Text1.set_text({});
+  drive_health = {};
   if (!open_for_operation()) return;
   form1.MyCancel = false;  // left by the drive's selection
   Get_Smart_Data(form1.SelectedDrive);

@@ -27,10 +27,7 @@ std::string words(const Sender& send) {
 }  // namespace
 
 std::string drive_words(int drive) {
-  constexpr std::uint32_t kNoAccess = 0;
-  const std::string name = "\\\\.\\PhysicalDrive" + std::to_string(drive);
-  const kernel32::Handle handle = kernel32::CreateFileA(
-      name.c_str(), kNoAccess, platform::kShareRead | platform::kShareWrite, platform::kOpenExisting, 0);
+  const kernel32::Handle handle = open_for_properties(drive);
   if (handle == kernel32::kInvalidHandle) return {};
   std::string text = words(through(handle));
   kernel32::CloseHandle(handle);

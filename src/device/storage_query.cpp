@@ -67,6 +67,12 @@ std::string text_at(Bytes reply, std::uint32_t offset) {
   return end == rest.end() ? std::string() : std::string(rest.begin(), end);
 }
 
+kernel32::Handle open_drive(int drive, std::uint32_t access) {
+  const std::string name = "\\\\.\\PhysicalDrive" + std::to_string(drive);
+  return kernel32::CreateFileA(name.c_str(), access, platform::kShareRead | platform::kShareWrite,
+                               platform::kOpenExisting, 0);
+}
+
 std::string text_of(Bytes page, std::size_t at, std::size_t size) {
   const Bytes part = page.subspan(at, size);
   return {part.begin(), part.end()};
@@ -168,14 +174,14 @@ std::optional<int> decode_temperature(Bytes reply) {
 }
 
 kernel32::Handle open_to_ask(int drive) {
+  const kernel32::Handle handle = open_drive(drive, platform::kGenericRead | platform::kGenericWrite);
+  const bool denied = handle == kernel32::kInvalidHandle && kernel32::GetLastError() == platform::kAccessDenied;
+  return denied ? open_for_properties(drive) : handle;
+}
+
+kernel32::Handle open_for_properties(int drive) {
   constexpr std::uint32_t kNoAccess = 0;
-  const std::string name = "\\\\.\\PhysicalDrive" + std::to_string(drive);
-  for (const std::uint32_t access : {platform::kGenericRead | platform::kGenericWrite, kNoAccess}) {
-    const kernel32::Handle handle = kernel32::CreateFileA(
-        name.c_str(), access, platform::kShareRead | platform::kShareWrite, platform::kOpenExisting, 0);
-    if (handle != kernel32::kInvalidHandle || kernel32::GetLastError() != platform::kAccessDenied) return handle;
-  }
-  return kernel32::kInvalidHandle;
+  return open_drive(drive, kNoAccess);
 }
 
 StorageReply ask_device_descriptor(const Sender& send) {

@@ -85,6 +85,9 @@ std::optional<int> decode_temperature(std::span<const std::uint8_t> reply);
 /// all, which is enough for properties. kInvalidHandle when there is no such drive.
 kernel32::Handle open_to_ask(int drive);
 
+/// The same with no access from the start: it keeps nobody from anything.
+kernel32::Handle open_for_properties(int drive);
+
 StorageReply ask_device_descriptor(const Sender& send);
 StorageReply ask_nvme_controller(const Sender& send);
 StorageReply ask_nvme_health(const Sender& send);  // log page 02h, 512 bytes

@@ -260,7 +260,7 @@ Health ask_health(int drive) {
 }
 
 std::optional<int> ask_celsius(int drive) {
-  const kernel32::Handle handle = open_to_ask(drive);
+  const kernel32::Handle handle = open_for_properties(drive);
   if (handle == kernel32::kInvalidHandle) return std::nullopt;
   std::optional<int> celsius = decode_temperature(ask_temperature(through(handle)).data);
   if (!celsius && identification.bus == StorageBus::nvme) {

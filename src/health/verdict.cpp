@@ -79,8 +79,9 @@ void judge_critical_warning(const Health& now, Findings* findings) {
                                          {3, Grade::failing, "media read-only"},
                                          {4, Grade::failing, "backup of the volatile memory failed"},
                                          {5, Grade::doubtful, "persistent memory region unreliable"}}};
+  const unsigned warning = now.critical_warning.value_or(0);
   for (const Bit& bit : kBits) {
-    const bool set = (now.critical_warning.value_or(0) >> bit.bit & 1U) != 0;
+    const bool set = (warning >> bit.bit & 1U) != 0;
     findings->add_if(set, bit.grade, std::string("the drive warns: ") + bit.text);
   }
 }

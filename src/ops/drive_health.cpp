@@ -27,8 +27,10 @@ bool is_of_the_drive(const TransferError& error) {
 
 RunTotals totals_of_run() {
   const auto* const first = measure.errors.begin();
-  const auto kept = std::count_if(first, first + measure.errors_kept, is_of_the_drive);
-  return {.failed_transfers = kept,
+  const std::int64_t by_drive = std::count_if(first, first + measure.errors_kept, is_of_the_drive);
+  // Those beyond the kept ones are taken to be like them.
+  const std::int64_t not_kept = measure.failed - static_cast<std::int64_t>(measure.errors_kept);
+  return {.failed_transfers = by_drive == 0 ? 0 : by_drive + not_kept,
           .compare_errors = counters.TotalCErrors,
           .slow_transfers = measure.slow,
           .highest_celsius = run_findings.temperature.highest};

@@ -157,7 +157,6 @@ void identify_by_driver(kernel32::Handle drive) {
   if (!told) return;
   Identification& id = identification;
   id.bus = told->bus;
-  id.bus_vendor = told->vendor;
   if (!id.Disk_Model.empty()) return;
   if (told->bus == StorageBus::nvme) identify_by_controller(drive);
   if (id.Disk_Model.empty() && !model_of(*told).empty())

@@ -34,7 +34,6 @@ struct Identification {
   std::int32_t Sectors_Per_Track = 0;
   IdentitySource source = IdentitySource::none;
   StorageBus bus = StorageBus::unknown;
-  std::string bus_vendor;  // as the descriptor has it; "ATA     " for an ATA drive behind a SCSI driver
 };
 
 inline Identification identification;
