@@ -189,7 +189,7 @@ TEST(Read, ADrivePressedMeanwhileIsSelectedAfterwards) {
   start_slow_read(program);
   program.press("Drive 1");
   EXPECT_TRUE(wait_until([&] { return idle(program) && checked(program.button("Drive 1")); }));
-  EXPECT_NE(program.find("STATIC", "Start (0-999999)"), nullptr);
+  EXPECT_TRUE(wait_until([&] { return program.find("STATIC", "Start (0-999999)") != nullptr; }));
 }
 
 void expect_end_after_a_second(const Program& program, const std::function<void()>& leave) {
