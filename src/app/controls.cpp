@@ -100,7 +100,7 @@ const std::array<Control, kControlCount> kControls = {{
            "Write data in buffer to disk (destructive - do not use on any disk containing valid data!)",
            CmdWrite_Click),
     picture("health_line", &kHealthPicture, "How the drive is, by its own word and by what the last run met"),
-    button("CmdHistory", "H&istory...", "Keep a line for every run, and tell what grew since the last one",
+    button("history_button", "H&istory...", "Keep a line for every run, and tell what grew since the last one",
            ask_history_folder),
     tab("graph_tab", "Rate &graph", "Show the transfer rates over the range", &panel.graph_tab, graph_tab_click),
     tab("map_tab", "Bl&ock map", "Show the slowest transfer of each part of the range", &panel.map_tab, map_tab_click),

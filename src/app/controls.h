@@ -38,7 +38,7 @@ enum class ControlId : std::size_t {
   CmdFillBuffer,
   CmdWrite,
   health_line,
-  CmdHistory,
+  history_button,
   graph_tab,
   map_tab,
   picture,

@@ -142,7 +142,7 @@ void place_panel(Placing* placing, int x, int y, int height) {
   const int tabs = in_row ? y : y + kRow + kGap;
   placing->put(Id::health_line, in_row ? beside : x, y, (in_row ? history - kGap - beside : placing->right() - x),
                kRow);
-  placing->put(Id::CmdHistory, history, tabs, kHistoryWidth, kRow);
+  placing->put(Id::history_button, history, tabs, kHistoryWidth, kRow);
   placing->put(Id::graph_tab, x, tabs, kTabWidth, kRow);
   placing->put(Id::map_tab, x + kTabWidth, tabs, kTabWidth, kRow);
   const int picture = tabs + kRow + kGap;
