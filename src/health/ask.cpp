@@ -15,7 +15,10 @@
 
 namespace {
 
-constexpr int kKelvin = 273;
+/// The code of a driver that does not know a request.
+bool is_unknown_request(std::uint32_t code) {
+  return code == 1 || code == 50 || code == 87;  // winerror.h: INVALID_FUNCTION, NOT_SUPPORTED, INVALID_PARAMETER
+}
 
 /// A drive that is asked, and what it answers.
 struct Asking {
@@ -126,8 +129,6 @@ bool take_snapshot(Asking* asking) {
 
 // ATA behind SCSI: ATA PASS-THROUGH (16) (SAT-3, 12.2.3).
 
-constexpr std::size_t kPage = 512;
-
 std::array<std::uint8_t, 16> smart_read(std::uint8_t features) {
   return {0x85, 0x08, 0x0E, 0, features, 0, 1, 0, 0, 0, 0x4F, 0, 0xC2, 0, kSmartCommand, 0};
 }
@@ -159,9 +160,9 @@ bool ask_translated(Asking* asking) {
     asking->health.unanswered.push_back({"ATA Information, page 89h", information.code, why});
     return false;
   }
-  const std::vector<std::uint8_t> values = asked_scsi(kValues, smart_read(0xD0), kPage, asking);
+  const std::vector<std::uint8_t> values = asked_scsi(kValues, smart_read(0xD0), kPageBytes, asking);
   if (values.empty()) return true;
-  const std::vector<std::uint8_t> thresholds = asked_scsi(kThresholds, smart_read(0xD1), kPage, asking);
+  const std::vector<std::uint8_t> thresholds = asked_scsi(kThresholds, smart_read(0xD1), kPageBytes, asking);
   take_ata(values, thresholds, clean_id(decode_identify(*identify).model), asking);
   ask_translated_status(asking);
   return true;
@@ -206,11 +207,6 @@ void ask_prediction(Asking* asking) {
   // Drivers of ATA drives hand their attributes on, also to users who may not ask the drive itself.
   if (!asking->health.answered && take_ata_pages(page, {}, packs_counts(identification.Disk_Model), &asking->health))
     asking->keep(kName, page);
-}
-
-/// The code of a driver that does not know a request.
-bool is_unknown_request(std::uint32_t code) {
-  return code == 1 || code == 50 || code == 87;  // winerror.h: INVALID_FUNCTION, NOT_SUPPORTED, INVALID_PARAMETER
 }
 
 void ask_by_bus(Asking* asking) {
@@ -272,14 +268,11 @@ std::optional<int> ask_celsius(int drive) {
 }
 
 std::string reason_of(std::uint32_t code) {
+  if (is_unknown_request(code)) return "the driver does not pass it on";
   switch (code) {
     case 0:
     case kMalformed:
       return "the answer carries no such page";
-    case 1:
-    case 50:
-    case 87:
-      return "the driver does not pass it on";
     case platform::kAccessDenied:
       return "no permission: run as administrator";
     case 1117:  // winerror.h: ERROR_IO_DEVICE

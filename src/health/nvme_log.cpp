@@ -8,7 +8,6 @@ namespace {
 
 constexpr std::size_t kLogBytes = 512;
 constexpr std::uint8_t kWhole = 100;  // percent
-constexpr int kKelvin = 273;
 
 /// A counter of 16 bytes.
 std::uint64_t counter(Bytes page, std::size_t at) {

@@ -11,6 +11,9 @@
 
 using Bytes = std::span<const std::uint8_t>;
 
+/// Degrees Celsius are Kelvin less these.
+inline constexpr int kKelvin = 273;
+
 /// SMART / Health Information (NVM Express base specification 1.4, figure 194), 512 bytes. False, and nothing taken,
 /// for a page that holds nothing but zeros or that no drive can mean: a spare above 100 percent, bytes of ones.
 /// Counters of more than 64 bits stop at the largest.

@@ -1,23 +1,20 @@
 #include <algorithm>
 
 #include "health/pages.h"
+#include "platform/bytes.h"
 
 namespace {
 
 constexpr std::size_t kHead = 4;  // of a log page, and of each of its parameters
 
-std::size_t be16(Bytes data, std::size_t at) {
-  return static_cast<std::size_t>(data[at]) << 8U | data[at + 1];
-}
-
 /// The value of parameter `code` of log page `number`; empty where there is none.
 Bytes parameter(Bytes page, std::uint8_t number, std::size_t code) {
   constexpr std::uint8_t kNumberBits = 0x3F;
   if (page.size() < kHead || (page[0] & kNumberBits) != number) return {};
-  Bytes rest = page.subspan(kHead, std::min(page.size() - kHead, be16(page, 2)));
+  Bytes rest = page.subspan(kHead, std::min<std::size_t>(page.size() - kHead, bytes::be16(page, 2)));
   while (rest.size() >= kHead) {
     const std::size_t length = std::min<std::size_t>(rest[3], rest.size() - kHead);
-    if (be16(rest, 0) == code) return rest.subspan(kHead, length);
+    if (bytes::be16(rest, 0) == code) return rest.subspan(kHead, length);
     rest = rest.subspan(kHead + length);
   }
   return {};
@@ -65,5 +62,5 @@ Count grown_defects(Bytes header) {
   // Entry lengths by format: block addresses; bytes from index, physical sectors.
   const int format = header[1] & kFormatBits;
   const std::size_t entry = format == 0 ? 4 : format == 4 || format == 5 ? 8 : 0;
-  return entry == 0 ? Count() : Count(be16(header, 2) / entry);
+  return entry == 0 ? Count() : Count(bytes::be16(header, 2) / entry);
 }

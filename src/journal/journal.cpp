@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "device/whole_file.h"
 #include "disk/error_text.h"
 #include "journal/crc32c.h"
 #include "platform/units.h"
@@ -127,28 +128,17 @@ LeftJournal take_journal(std::span<const std::uint8_t> bytes) {
 LeftJournal read_journal(const std::string& file) {
   LeftJournal unread;
   unread.file = file;
-  const kernel32::Handle handle =
-      kernel32::CreateFileA(file.c_str(), platform::kGenericRead, platform::kShareRead, platform::kOpenExisting, 0);
-  if (handle == kernel32::kInvalidHandle) {
-    const std::uint32_t code = kernel32::GetLastError();
-    unread.state = code == kSharingViolation ? LeftJournal::State::in_use : LeftJournal::State::damaged;
-    unread.why = with_code("it cannot be opened", code);
+  const WholeFile whole = read_whole_file(file);
+  if (whole.open_code != 0) {
+    unread.state = whole.open_code == kSharingViolation ? LeftJournal::State::in_use : LeftJournal::State::damaged;
+    unread.why = with_code("it cannot be opened", whole.open_code);
     return unread;
   }
-  std::vector<std::uint8_t> bytes;
-  std::uint32_t moved = 0;
-  bool read = true;
-  do {
-    constexpr std::size_t kPart = std::size_t{1} << 20U;
-    const std::size_t filled = bytes.size();
-    bytes.resize(filled + kPart);
-    read = kernel32::ReadFile(handle, bytes.data() + filled, kPart, &moved);
-    bytes.resize(filled + moved);
-  } while (read && moved != 0);
-  if (!read) unread.why = with_code("it cannot be read", kernel32::GetLastError());
-  kernel32::CloseHandle(handle);
-  if (!read) return unread;
-  LeftJournal left = take_journal(bytes);
+  if (whole.read_code != 0) {
+    unread.why = with_code("it cannot be read", whole.read_code);
+    return unread;
+  }
+  LeftJournal left = take_journal(whole.bytes);
   left.file = file;
   return left;
 }

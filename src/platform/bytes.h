@@ -30,7 +30,11 @@ inline std::uint64_t le64(std::span<const std::uint8_t> data, std::size_t at) {
   return le(data, at, 8);
 }
 
-/// Four bytes, most significant byte first.
+/// Two and four bytes, most significant byte first.
+inline std::uint16_t be16(std::span<const std::uint8_t> data, std::size_t at) {
+  return static_cast<std::uint16_t>(static_cast<unsigned>(data[at]) << 8U | data[at + 1]);
+}
+
 inline std::uint32_t be32(std::span<const std::uint8_t> data, std::size_t at) {
   return static_cast<std::uint32_t>(data[at]) << 24U | static_cast<std::uint32_t>(data[at + 1]) << 16U |
          static_cast<std::uint32_t>(data[at + 2]) << 8U | data[at + 3];

@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdio>
 
-#include "device/kernel32.h"
+#include "device/whole_file.h"
 #include "disk/error_text.h"
 #include "form/output.h"
 #include "health/numbers.h"
@@ -15,13 +14,6 @@
 namespace {
 
 constexpr std::size_t kDateLength = 19;  // 2026-03-02T10:00:00
-
-std::string date_text(const platform::DateTime& when) {
-  std::array<char, 96> text{};
-  std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d", when.year, when.month, when.day, when.hour,
-                when.minute, when.second);
-  return text.data();
-}
 
 bool take_digits(std::string_view text, std::size_t at, std::size_t size, int* value) {
   const std::string_view part = text.substr(at, size);
@@ -98,29 +90,6 @@ std::string day_text(const platform::DateTime& when, const platform::DateTime& n
   return when.year == now.year ? day : day + " " + std::to_string(when.year);
 }
 
-/// The whole file; empty where there is none. Gives the system's code of a failure that is none of that.
-std::uint32_t read_whole(const std::string& name, std::string* contents) {
-  constexpr std::uint32_t kNoFile = 2;
-  constexpr std::uint32_t kNoPath = 3;
-  constexpr std::uint32_t kPiece = 1U << 16;
-  const kernel32::Handle file =
-      kernel32::CreateFileA(name.c_str(), platform::kGenericRead, platform::kShareRead, platform::kOpenExisting, 0);
-  if (file == kernel32::kInvalidHandle) {
-    const std::uint32_t code = kernel32::GetLastError();
-    return code == kNoFile || code == kNoPath ? 0 : code;
-  }
-  std::uint32_t code = 0;
-  std::uint32_t moved = 0;
-  do {
-    const std::size_t size = contents->size();
-    contents->resize(size + kPiece);
-    if (!kernel32::ReadFile(file, contents->data() + size, kPiece, &moved)) code = kernel32::GetLastError();
-    contents->resize(size + (code == 0 ? moved : 0));
-  } while (code == 0 && moved > 0);
-  kernel32::CloseHandle(file);
-  return code;
-}
-
 /// The last line in `contents` of the drive that `line` is about.
 std::optional<HistoryLine> last_of_drive(std::string_view contents, const HistoryLine& line) {
   while (!contents.empty()) {
@@ -137,7 +106,7 @@ std::optional<HistoryLine> last_of_drive(std::string_view contents, const Histor
 }  // namespace
 
 std::string history_text(const HistoryLine& line) {
-  std::string text = "{" + member("date", "\"" + date_text(line.date) + "\"");
+  std::string text = "{" + member("date", "\"" + json_time(line.date) + "\"");
   const std::array<std::pair<const char*, const std::string*>, 6> texts = {{{"model", &line.model},
                                                                             {"serial", &line.serial},
                                                                             {"firmware", &line.firmware},
@@ -177,10 +146,14 @@ std::vector<std::string> grown_since(const HistoryLine& then, const HistoryLine&
 }
 
 std::optional<HistoryLine> add_to_history(const std::string& folder, const HistoryLine& line, std::string* problem) {
+  constexpr std::uint32_t kNoFile = 2;  // winerror.h: FILE_NOT_FOUND, PATH_NOT_FOUND
+  constexpr std::uint32_t kNoPath = 3;
   const std::string file = with_separator(folder) + "sectorix-" + in_file_name(line.serial) + ".jsonl";
-  std::string contents;
-  std::uint32_t code = read_whole(file, &contents);
+  const WholeFile whole = read_whole_file(file);
+  const std::string contents(whole.bytes.begin(), whole.bytes.end());
   const bool torn = !contents.empty() && contents.back() != '\n';
+  const bool absent = whole.open_code == kNoFile || whole.open_code == kNoPath;
+  std::uint32_t code = absent ? 0 : std::max(whole.open_code, whole.read_code);
   if (code == 0) code = append_to_file(file, (torn ? "\r\n" : "") + history_text(line) + "\r\n");
   if (code != 0) {
     *problem = "The history \"" + file + "\" cannot be written: " + coded_error_text(code);

@@ -1,4 +1,6 @@
+#include "buffer/hex_text.h"
 #include "health/numbers.h"
+#include "platform/bytes.h"
 #include "results/json_text.h"
 #include "results/result.h"
 
@@ -7,19 +9,15 @@ namespace {
 constexpr int kTenths = 1;
 
 std::string hex_text(const std::vector<std::uint8_t>& bytes) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string text;
-  for (const std::uint8_t byte : bytes) {
-    text += kDigits[byte >> 4U];
-    text += kDigits[byte & 0xFU];
-  }
+  for (const std::uint8_t byte : bytes) text += NumbertoHex(byte);
   return text;
 }
 
 std::vector<std::uint8_t> six_bytes(std::uint64_t raw) {
-  std::vector<std::uint8_t> bytes;
-  for (unsigned i = 0; i < 6; ++i) bytes.push_back(static_cast<std::uint8_t>(raw >> (8 * i) & 0xFF));
-  return bytes;
+  std::vector<std::uint8_t> six(6);
+  bytes::put_le(six, 0, six.size(), raw);
+  return six;
 }
 
 const char* protocol_name(HealthProtocol protocol) {

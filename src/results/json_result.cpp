@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <array>
-#include <cstdio>
 
 #include "disk/error_text.h"
 #include "form/form1.h"
@@ -14,17 +12,10 @@ constexpr std::int64_t kFormatVersion = 1;
 constexpr int kThousandths = 3;
 
 /// ISO 8601, as 2026-03-01T10:00:00.
-std::string time_text(const platform::DateTime& when) {
-  std::array<char, 96> text{};
-  std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d", when.year, when.month, when.day, when.hour,
-                when.minute, when.second);
-  return text.data();
-}
-
 void put_moment(const char* name, const platform::DateTime& utc, const platform::DateTime& local, JsonText* json) {
   json->open_object(name);
-  json->text("utc", time_text(utc) + "Z");
-  json->text("local", time_text(local));
+  json->text("utc", json_time(utc) + "Z");
+  json->text("local", json_time(local));
   json->close_object();
 }
 
@@ -175,7 +166,7 @@ void put_events(const EventLog& log, JsonText* json) {
   json->open_array("events");
   for (const LoggedEvent& event : log.entries) {
     json->open_object();
-    json->text("time", time_text(event.time));
+    json->text("time", json_time(event.time));
     json->text("record", event.record);
     json->text("event_id", event.event_id);
     json->text("category", event.category);

@@ -8,6 +8,13 @@
 #include "form/number_text.h"
 #include "platform/text.h"
 
+std::string json_time(const platform::DateTime& when) {
+  std::array<char, 96> text{};
+  std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d", when.year, when.month, when.day, when.hour,
+                when.minute, when.second);
+  return text.data();
+}
+
 std::string json_string(std::string_view text) {
   std::string quoted = "\"";
   for (const char c : platform::utf8_of_ansi(text)) {

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/clock.h"
+
 /// Builds a JSON document (RFC 8259) in UTF-8, indented by two blanks. Texts come in the ANSI code page. A name is
 /// given in objects and left empty in arrays.
 class JsonText {
@@ -37,6 +39,9 @@ class JsonText {
   std::size_t depth_ = 1;
   bool first_ = true;  // nothing stands in the innermost object or array yet
 };
+
+/// "2026-03-02T10:00:00" (ISO 8601, without a zone).
+std::string json_time(const platform::DateTime& when);
 
 /// `text` (ANSI) as a JSON string in quotes.
 std::string json_string(std::string_view text);
