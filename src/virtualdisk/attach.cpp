@@ -75,6 +75,13 @@ Wrong open_content(VirtualDisk& disk, const std::string& beside) {
   return {};
 }
 
+Wrong check_sectors(const VirtualDisk& disk) {
+  if (disk.sectors % sectors_per_logical(disk) == 0) return {};
+  return {disk.file.logical_line, "the disk's " + std::to_string(disk.sectors) +
+                                      " sectors of 512 bytes are no whole sectors of " +
+                                      std::to_string(disk.file.logical)};
+}
+
 Wrong read_pages(VirtualDisk& disk, const std::string& beside) {
   const DiskFile& file = disk.file;
   Page attributes = attribute_page(file.attributes);
@@ -141,6 +148,7 @@ std::unique_ptr<VirtualDisk> make_disk(int drive, const std::string& file, std::
   // A bare image is named from where the program stands, not from beside itself.
   const std::string beside = is_bare_image(file) ? std::string() : file;
   Wrong wrong = open_content(*disk, beside);
+  if (wrong.second.empty()) wrong = check_sectors(*disk);
   if (wrong.second.empty()) wrong = read_pages(*disk, beside);
   if (!wrong.second.empty()) {
     *error = is_bare_image(file) ? wrong.second : complaint(file, wrong.first, wrong.second);

@@ -152,14 +152,14 @@ std::uint32_t get_geometry(const VirtualDisk& disk, Out out, std::uint32_t* retu
   constexpr std::int64_t kTrackSectors = 63;
   if (disk.file.no_geometry) return kInvalidFunction;
   if (out.size() < kGeometryBytes) return kInsufficientBuffer;
-  const Geometry geometry =
-      disk.file.geometry.value_or(Geometry{disk.sectors / (kHeads * kTrackSectors), kHeads, kTrackSectors});
+  const Geometry geometry = disk.file.geometry.value_or(
+      Geometry{disk.sectors / sectors_per_logical(disk) / (kHeads * kTrackSectors), kHeads, kTrackSectors});
   start_reply(out, kGeometryBytes, returned);
   bytes::put_le(out, 0, 8, static_cast<std::uint64_t>(geometry.cylinders));
   bytes::put_le(out, 8, 4, kFixedMedia);
   bytes::put_le(out, 12, 4, static_cast<std::uint64_t>(geometry.heads));
   bytes::put_le(out, 16, 4, static_cast<std::uint64_t>(geometry.sectors));
-  bytes::put_le(out, 20, 4, kSectorSize);
+  bytes::put_le(out, 20, 4, static_cast<std::uint64_t>(disk.file.logical));
   return 0;
 }
 
@@ -195,7 +195,13 @@ std::uint32_t get_geometry_and_size(const VirtualDisk& disk, Out out, std::uint3
 
 Page identity_of(const VirtualDisk& disk) {
   if (disk.identify) return *disk.identify;
-  return identify_page({disk.file.model, disk.file.serial, disk.file.firmware, disk.sectors, disk.smart.enabled});
+  return identify_page({.model = disk.file.model,
+                        .serial = disk.file.serial,
+                        .firmware = disk.file.firmware,
+                        .sectors = disk.sectors / sectors_per_logical(disk),
+                        .smart_enabled = disk.smart.enabled,
+                        .logical = disk.file.logical,
+                        .physical = disk.file.physical.value_or(disk.file.logical)});
 }
 
 std::uint32_t control_drive(VirtualDisk& disk, std::uint32_t code, In in, Out out, std::uint32_t* returned) {

@@ -49,6 +49,9 @@ struct VirtualDisk {
   std::vector<platform::Handle> locks;  // per volume the handle that has it locked, or kInvalidHandle
 };
 
+/// Sectors of 512 bytes in a logical sector.
+std::int64_t sectors_per_logical(const VirtualDisk& disk);
+
 /// `event` has happened: what the disk says of its health grows.
 void grow(VirtualDisk& disk, Event event);
 

@@ -46,6 +46,20 @@ void read_sectors(LineReader& line, int number, DiskFile& disk) {
   disk.sectors_line = number;
 }
 
+std::int64_t sector_bytes(LineReader& line) {
+  constexpr std::array<std::pair<std::string_view, std::int64_t>, 2> kSizes = {{{"512", 512}, {"4096", 4096}}};
+  return choice(line, "bytes of a sector, 512 or 4096", kSizes);
+}
+
+void read_logical(LineReader& line, int number, DiskFile& disk) {
+  disk.logical = sector_bytes(line);
+  disk.logical_line = number;
+}
+
+void read_physical(LineReader& line, int /*number*/, DiskFile& disk) {
+  disk.physical = sector_bytes(line);
+}
+
 void read_image(LineReader& line, int number, DiskFile& disk) {
   disk.image = {line.text("image file", kLongestName), number};
 }
@@ -260,8 +274,10 @@ struct Directive {
   bool once;
 };
 
-constexpr std::array<Directive, 27> kDirectives = {{
+constexpr std::array<Directive, 29> kDirectives = {{
     {"sectors", read_sectors, true},
+    {"logical", read_logical, true},
+    {"physical", read_physical, true},
     {"image", read_image, true},
     {"readonly", read_readonly, true},
     {"model", read_model, true},
@@ -307,6 +323,9 @@ std::string read_line(std::string_view text, int number, std::set<std::string_vi
 /// What lines do to each other: line and reason, or an empty reason.
 std::pair<int, std::string> check_whole(const DiskFile& disk) {
   if (disk.sectors == 0 && disk.image.name.empty()) return {1, "neither sectors nor image is given"};
+  if (disk.physical && *disk.physical < disk.logical) {
+    return {disk.logical_line, "a physical sector cannot be smaller than a logical one"};
+  }
   for (const Growth& growth : disk.growth) {
     const bool listed = std::any_of(disk.attributes.begin(), disk.attributes.end(),
                                     [&](const Attribute& attribute) { return attribute.id == growth.id; });

@@ -109,7 +109,10 @@ struct DiskFile {
   std::vector<Range> drops;
   std::optional<std::int64_t> vanish_after;  // transfers
   std::vector<Volume> volumes;
+  std::int64_t logical = 512;            // bytes of a sector that it is addressed by
+  std::optional<std::int64_t> physical;  // of one that its medium has
   int sectors_line = 0;
+  int logical_line = 1;
   Bus bus = Bus::ata;
   bool readonly = false;
   bool heal = false;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/bytes.h"
+#include "platform/units.h"
 
 namespace virtualdisk {
 namespace {
@@ -22,7 +23,36 @@ void put_text(Page& page, std::size_t word, std::size_t words, const std::string
   }
 }
 
+constexpr std::size_t kSizesWord = 106;
+constexpr std::size_t kLogicalWord = 117;
+constexpr std::uint64_t kSizesValid = 0x4000;
+constexpr std::uint64_t kLongLogical = 0x1000;
+constexpr std::uint64_t kLargePhysical = 0x2000;
+constexpr std::uint64_t kExponent = 0x000F;
+
+/// Left at zero, which says 512 bytes too, by drives that have nothing else to say.
+void put_sector_sizes(Page& page, const Identity& identity) {
+  if (identity.physical == kSectorSize) return;
+  std::uint64_t word = kSizesValid;
+  if (identity.logical > kSectorSize) {
+    word |= kLongLogical;
+    put_words(page, kLogicalWord, 2, identity.logical / 2);
+  }
+  std::uint64_t exponent = 0;
+  while (identity.logical << exponent < identity.physical) ++exponent;
+  if (exponent > 0) word |= kLargePhysical | exponent;
+  put_word(page, kSizesWord, word);
+}
+
 }  // namespace
+
+std::int64_t physical_bytes(const Page& page) {
+  const std::uint64_t word = bytes::le16(page, 2 * kSizesWord);
+  if ((word & 0xC000) != kSizesValid) return kSectorSize;
+  const bool is_long = (word & kLongLogical) != 0;
+  const std::int64_t logical = is_long ? 2 * std::int64_t{bytes::le32(page, 2 * kLogicalWord)} : kSectorSize;
+  return logical << ((word & kLargePhysical) != 0 ? word & kExponent : 0);
+}
 
 std::string identify_text(const Page& page, std::size_t word, std::size_t words) {
   std::string text;
@@ -67,6 +97,7 @@ Page identify_page(const Identity& identity) {
   put_word(page, 87, 0x4000);
   put_word(page, 88, 0x007F);  // Ultra DMA 0 to 6
   put_words(page, 100, 4, std::min(identity.sectors, kMost48Bit));
+  put_sector_sizes(page, identity);
   page[510] = 0xA5;  // integrity word: signature, checksum
   page[511] = page_checksum(page);
   return page;

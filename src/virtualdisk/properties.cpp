@@ -14,6 +14,7 @@ using Out = std::span<std::uint8_t>;
 
 // Windows SDK, winioctl.h and ntddstor.h: STORAGE_PROPERTY_ID, STORAGE_QUERY_TYPE, STORAGE_BUS_TYPE.
 constexpr std::uint32_t kDevice = 0;
+constexpr std::uint32_t kAccessAlignment = 6;
 constexpr std::uint32_t kAdapterProtocol = 49;
 constexpr std::uint32_t kDeviceProtocol = 50;
 constexpr std::uint32_t kTemperature = 52;
@@ -85,6 +86,19 @@ std::vector<std::uint8_t> device_descriptor(const VirtualDisk& disk) {
   bytes::put_le(reply, 28, 4, bus_type(file.bus));
   bytes::put_le(reply, 4, 4, reply.size());
   return reply;
+}
+
+/// STORAGE_ACCESS_ALIGNMENT_DESCRIPTOR; a bridge without SAT knows none.
+std::uint32_t access_alignment(const VirtualDisk& disk, Out out, std::uint32_t* returned) {
+  constexpr std::size_t kBytes = 28;
+  if (disk.file.bus == Bus::usb) return kInvalidFunction;
+  const std::int64_t drives_own = disk.identify ? physical_bytes(*disk.identify) : disk.file.logical;
+  std::vector<std::uint8_t> reply(kBytes);
+  bytes::put_le(reply, 0, 4, kBytes);
+  bytes::put_le(reply, 4, 4, kBytes);
+  bytes::put_le(reply, 16, 4, static_cast<std::uint64_t>(disk.file.logical));
+  bytes::put_le(reply, 20, 4, static_cast<std::uint64_t>(disk.file.physical.value_or(drives_own)));
+  return give(reply, out, returned);
 }
 
 /// STORAGE_TEMPERATURE_DATA_DESCRIPTOR with one entry. A drive that reports none has none.
@@ -186,6 +200,8 @@ std::uint32_t query_property(VirtualDisk& disk, In in, Out out, std::uint32_t* r
   switch (property) {
     case kDevice:
       return give(device_descriptor(disk), out, returned);
+    case kAccessAlignment:
+      return access_alignment(disk, out, returned);
     case kAdapterProtocol:
     case kDeviceProtocol:
       return query_protocol(disk, property, in, out, returned);

@@ -147,8 +147,8 @@ Answer defects(const VirtualDisk& disk) {
 Answer read_capacity(const VirtualDisk& disk) {
   constexpr std::int64_t kMostLast = 0xFFFFFFFF;
   Data data(8);
-  put_be(&data, 0, 4, static_cast<std::uint64_t>(std::min(disk.sectors - 1, kMostLast)));
-  put_be(&data, 4, 4, static_cast<std::uint64_t>(kSectorSize));
+  put_be(&data, 0, 4, static_cast<std::uint64_t>(std::min(disk.sectors / sectors_per_logical(disk) - 1, kMostLast)));
+  put_be(&data, 4, 4, static_cast<std::uint64_t>(disk.file.logical));
   return {.data = std::move(data)};
 }
 

@@ -11,8 +11,10 @@ namespace {
 /// Turns bytes into sectors and makes the checks that come before the medium is asked.
 std::uint32_t begin_transfer(VirtualDisk& disk, std::uint64_t offset, std::uint32_t bytes, Range* range) {
   if (vanished(disk)) return kNotConnected;
+  // The class driver refuses these: the drive never hears of them.
+  const auto logical = static_cast<std::uint64_t>(disk.file.logical);
+  if (offset % logical != 0 || bytes % logical != 0) return kInvalidParameter;
   if (disk.file.vanish_after) ++disk.transfers;
-  if (offset % kSectorSize != 0 || bytes % kSectorSize != 0) return kInvalidParameter;
   *range = {static_cast<std::int64_t>(offset / kSectorSize), bytes / kSectorSize};
   return range->end() > disk.sectors ? kSectorNotFound : 0;
 }
@@ -47,6 +49,10 @@ std::uint32_t write_pieces(VirtualDisk& disk, const Range& range, const std::uin
 }
 
 }  // namespace
+
+std::int64_t sectors_per_logical(const VirtualDisk& disk) {
+  return disk.file.logical / kSectorSize;
+}
 
 void grow(VirtualDisk& disk, Event event) {
   grow(disk.smart, event);

@@ -7,8 +7,8 @@
 inline constexpr int kSuiteDrive = 1;
 inline constexpr int kSuiteSectors = 4096;
 
-/// Attaches the drive to the image where that is the suite's business.
-void attach_suite_drive(const std::string& image);
+/// Attaches the drive to the image, with logical sectors of so many bytes, where that is the suite's business.
+void attach_suite_drive(const std::string& image, int logical_sector);
 
 /// Undoes it.
 void detach_suite_drive();

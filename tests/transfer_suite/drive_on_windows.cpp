@@ -3,7 +3,7 @@
 #include "tests/transfer_suite/drive.h"
 
 // The system's own drive 1 is the image already.
-void attach_suite_drive(const std::string& /*image*/) {}
+void attach_suite_drive(const std::string& /*image*/, int /*logical_sector*/) {}
 
 void detach_suite_drive() {}
 

@@ -15,7 +15,8 @@
 
 namespace {
 
-class TransferSuite : public ::testing::Test {
+/// The parameter: bytes of a logical sector. The system's own drive takes transfers of 4096 bytes as well.
+class TransferSuite : public ::testing::TestWithParam<int> {
  protected:
   TransferSuite() {
     form1 = {};
@@ -23,8 +24,9 @@ class TransferSuite : public ::testing::Test {
     counters = {};
     progress = {};
     write_image();
-    attach_suite_drive(suite_image());
+    attach_suite_drive(suite_image(), GetParam());
     OpenDrive(kSuiteDrive);
+    disk.sizes = {.logical = GetParam(), .physical = GetParam()};
     disk.Sec_Buf.resize(100 * kSectorSize);
     counters.No_Secs = 100;
   }
@@ -64,7 +66,7 @@ class TransferSuite : public ::testing::Test {
   }
 };
 
-TEST_F(TransferSuite, ReadsTheSectorsAskedFor) {
+TEST_P(TransferSuite, ReadsTheSectorsAskedFor) {
   ASSERT_NE(disk.hDrive, kernel32::kInvalidHandle);
   ASSERT_TRUE(ReadAt(1234, 2));
   EXPECT_EQ(buffer_sector(0), sector_of(1234));
@@ -74,7 +76,7 @@ TEST_F(TransferSuite, ReadsTheSectorsAskedFor) {
   EXPECT_EQ(disk.Errno, 0U);
 }
 
-TEST_F(TransferSuite, TheLastSectorCanBeReadAndTheNextCannot) {
+TEST_P(TransferSuite, TheLastSectorCanBeReadAndTheNextCannot) {
   EXPECT_TRUE(ReadAt(kSuiteSectors - 1, 1));
   EXPECT_EQ(buffer_sector(0), sector_of(kSuiteSectors - 1));
   for (const std::int64_t lba : {std::int64_t{kSuiteSectors}, std::int64_t{kSuiteSectors - 1}}) {
@@ -84,7 +86,7 @@ TEST_F(TransferSuite, TheLastSectorCanBeReadAndTheNextCannot) {
   }
 }
 
-TEST_F(TransferSuite, AWriteLandsOnItsSectorsAlone) {
+TEST_P(TransferSuite, AWriteLandsOnItsSectorsAlone) {
   std::memset(disk.Sec_Buf.data(), 'W', static_cast<std::size_t>(disk.Sec_Buf.size()));
   ASSERT_TRUE(WriteAt(50, 3));
   EXPECT_EQ(disk.Buf_Secs, 3);
@@ -95,7 +97,7 @@ TEST_F(TransferSuite, AWriteLandsOnItsSectorsAlone) {
   EXPECT_EQ(buffer_sector(0), std::string(kSectorSize, 'W'));
 }
 
-TEST_F(TransferSuite, TheReadLoopAdvancesThroughWholeTransfers) {
+TEST_P(TransferSuite, TheReadLoopAdvancesThroughWholeTransfers) {
   std::int64_t lba = 1000;
   EXPECT_TRUE(Read_sectors(&lba, 250, 100));
   EXPECT_EQ(lba, 1200);
@@ -104,7 +106,7 @@ TEST_F(TransferSuite, TheReadLoopAdvancesThroughWholeTransfers) {
   EXPECT_EQ(form1.TxtCurrent.text(), "1100");
 }
 
-TEST_F(TransferSuite, TheWriteLoopWritesTheBuffersStartEachTime) {
+TEST_P(TransferSuite, TheWriteLoopWritesTheBuffersStartEachTime) {
   std::memset(disk.Sec_Buf.data(), 'L', static_cast<std::size_t>(disk.Sec_Buf.size()));
   std::int64_t lba = 4000;
   EXPECT_TRUE(Write_sectors(&lba, 96, 32));
@@ -114,7 +116,7 @@ TEST_F(TransferSuite, TheWriteLoopWritesTheBuffersStartEachTime) {
   EXPECT_EQ(image_sector(4095), std::string(kSectorSize, 'L'));
 }
 
-TEST_F(TransferSuite, AReadPastTheEndIsReportedWithItsLbaAndTheLoopGoesOn) {
+TEST_P(TransferSuite, AReadPastTheEndIsReportedWithItsLbaAndTheLoopGoesOn) {
   std::int64_t lba = kSuiteSectors - 10;
   EXPECT_FALSE(Read_sectors(&lba, 30, 10));
   EXPECT_EQ(counters.TotalRErrors, 2);
@@ -123,11 +125,13 @@ TEST_F(TransferSuite, AReadPastTheEndIsReportedWithItsLbaAndTheLoopGoesOn) {
   EXPECT_NE(form1.Text1.text().find("Error Reading Sector 4106 for 10 sectors.\r\nERROR: "), std::string::npos);
 }
 
-TEST_F(TransferSuite, ADriveThatIsNotThereFailsEveryTransfer) {
+TEST_P(TransferSuite, ADriveThatIsNotThereFailsEveryTransfer) {
   OpenDrive(7);
   EXPECT_EQ(disk.hDrive, kernel32::kInvalidHandle);
   EXPECT_FALSE(ReadAt(0, 1));
   EXPECT_EQ(disk.Errno, 6U);
 }
+
+INSTANTIATE_TEST_SUITE_P(SectorBytes, TransferSuite, ::testing::Values(512, 4096), ::testing::PrintToStringParamName());
 
 }  // namespace

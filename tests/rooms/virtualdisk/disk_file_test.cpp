@@ -40,14 +40,17 @@ TEST(DiskFile, NamesFileAndLineOfWhatIsWrong) {
   EXPECT_EQ(error_of("sectors 8\nvolume EE:"), "my.vd:2: bad volume, a letter and a colon are expected: EE:");
   EXPECT_EQ(error_of("sectors 8\nvolume E:\nvolume e:"), "my.vd:3: volume E: is listed twice");
   EXPECT_EQ(error_of("sectors 8\ngrow 5 1 on slow"), "my.vd:2: no attribute 5 to grow");
+  EXPECT_EQ(error_of("sectors 8\nlogical 2048"), "my.vd:2: unknown bytes of a sector, 512 or 4096: 2048");
+  EXPECT_EQ(error_of("sectors 8\nphysical 512\nlogical 4096"),
+            "my.vd:3: a physical sector cannot be smaller than a logical one");
   EXPECT_EQ(error_of("model x"), "my.vd:1: neither sectors nor image is given");
 }
 
 TEST(DiskFile, EveryDirectiveMissesItsWords) {
   for (const char* name :
-       {"sectors", "image",    "model",      "serial",     "firmware", "bus",     "geometry", "length",
-        "smart",   "identify", "attributes", "thresholds", "grow",     "fail",    "short",    "slow",
-        "rate",    "stray",    "drop",       "vanish",     "volume",   "requests"}) {
+       {"sectors", "image",    "model",      "serial",     "firmware", "bus",      "geometry", "length",
+        "smart",   "identify", "attributes", "thresholds", "grow",     "fail",     "short",    "slow",
+        "rate",    "stray",    "drop",       "vanish",     "volume",   "requests", "logical",  "physical"}) {
     EXPECT_THAT(error_of(name), testing::StartsWith("my.vd:1: missing ")) << name;
   }
 }

@@ -40,6 +40,17 @@ TEST_F(TransferTest, RefusesWhatIsNotOnTheDiskOrNoWholeSectors) {
   EXPECT_EQ(read(handle_, buffer_.data(), 100, &moved), 87U);
 }
 
+TEST_F(TransferTest, LongSectorsAreMovedWholeAndARefusalNeverReachesTheDrive) {
+  disk("sectors 104\nlogical 4096\nvanish 2\nfail any 0 8\nsmart 5 0 1 1 0 0\ngrow 5 1 on read-error");
+  EXPECT_EQ(read_at(8, 1), (Outcome{87, 0}));
+  EXPECT_EQ(write_at(0, 4, 1), (Outcome{87, 0}));
+  EXPECT_EQ(read_at(4, 8), (Outcome{87, 0}));
+  EXPECT_EQ(state.disks[0]->transfers, 0);
+  EXPECT_EQ(write_at(8, 8, 7), (Outcome{0, 8}));
+  EXPECT_EQ(read_at(0, 8), (Outcome{23, 0}));
+  EXPECT_EQ(read_at(8, 8), (Outcome{1167, 0})) << "the two that were made count";
+}
+
 TEST_F(TransferTest, HandlesKeepTheirOwnPositionsAndAccess) {
   disk("sectors 100");
   write_at(3, 1, 3);
