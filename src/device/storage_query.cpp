@@ -15,12 +15,14 @@ constexpr std::uint32_t kGetGeometryEx = 0x700A0;    // IOCTL_DISK_GET_DRIVE_GEO
 
 // STORAGE_PROPERTY_ID.
 constexpr std::uint32_t kDeviceProperty = 0;
+constexpr std::uint32_t kAccessAlignment = 6;
 constexpr std::uint32_t kAdapterProtocolSpecific = 49;
 constexpr std::uint32_t kDeviceProtocolSpecific = 50;
 constexpr std::uint32_t kDeviceTemperature = 52;
 
 constexpr std::size_t kQueryBytes = 12;        // STORAGE_PROPERTY_QUERY
 constexpr std::size_t kReplyHeader = 8;        // Version and Size, with which every reply begins
+constexpr std::size_t kAlignmentBytes = 28;    // STORAGE_ACCESS_ALIGNMENT_DESCRIPTOR
 constexpr std::size_t kDescriptorBytes = 36;   // STORAGE_DEVICE_DESCRIPTOR before its texts
 constexpr std::size_t kPredictionBytes = 516;  // STORAGE_PREDICT_FAILURE
 constexpr std::size_t kProtocolBytes = 40;     // STORAGE_PROTOCOL_SPECIFIC_DATA
@@ -149,6 +151,22 @@ std::optional<DeviceDescriptor> decode_device_descriptor(Bytes reply) {
                           .serial = text_at(told, bytes::le32(told, 24))};
 }
 
+bool is_sector_size(std::int64_t bytes) {
+  constexpr std::int64_t kLargest = 65536;
+  return bytes >= kSectorSize && bytes <= kLargest && (bytes & (bytes - 1)) == 0;
+}
+
+std::optional<SectorSizes> decode_sector_sizes(Bytes reply) {
+  if (reply.size() < kAlignmentBytes) return std::nullopt;
+  SectorSizes sizes{
+      .logical = bytes::le32(reply, 16), .physical = bytes::le32(reply, 20), .offset = bytes::le32(reply, 24)};
+  if (!is_sector_size(sizes.logical)) return std::nullopt;
+  const bool larger = is_sector_size(sizes.physical) && sizes.physical >= sizes.logical;
+  if (!larger) sizes.physical = sizes.logical;
+  sizes.offset %= sizes.physical;
+  return sizes;
+}
+
 std::optional<NvmeController> decode_nvme_controller(Bytes page) {
   constexpr std::size_t kNamespaces = 516;  // NN
   if (page.size() < kControllerBytes) return std::nullopt;
@@ -189,6 +207,10 @@ StorageReply ask_device_descriptor(const Sender& send) {
   StorageReply reply = ask_property(send, kDeviceProperty, kRoom);
   if (reply.code == 0 && !decode_device_descriptor(reply.data)) return {.code = kMalformed, .data = {}};
   return reply;
+}
+
+StorageReply ask_sector_sizes(const Sender& send) {
+  return ask_property(send, kAccessAlignment, kAlignmentBytes);
 }
 
 StorageReply ask_nvme_controller(const Sender& send) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "device/kernel32.h"
+#include "platform/units.h"
 
 /// What Windows tells of a drive on every bus: IOCTL_STORAGE_QUERY_PROPERTY and its neighbours (Windows SDK,
 /// winioctl.h and ntddstor.h). None of them touches the medium or changes anything.
@@ -66,6 +67,20 @@ struct DeviceDescriptor {
 /// Nothing for fewer bytes than the fixed part has. A text that does not end within the reply is taken as absent.
 std::optional<DeviceDescriptor> decode_device_descriptor(std::span<const std::uint8_t> reply);
 
+/// Bytes of a drive's sectors: of those that it is addressed by, and of those that its medium has.
+struct SectorSizes {
+  std::int64_t logical = kSectorSize;
+  std::int64_t physical = kSectorSize;
+  std::int64_t offset = 0;  // how far into its physical sector the disk's first byte lies
+};
+
+/// True for what a logical sector can have: a power of two from 512 to 65536 bytes.
+bool is_sector_size(std::int64_t bytes);
+
+/// STORAGE_ACCESS_ALIGNMENT_DESCRIPTOR. Nothing for sizes that no sector has; a physical sector that is none, or
+/// smaller than the logical one, counts as being that.
+std::optional<SectorSizes> decode_sector_sizes(std::span<const std::uint8_t> reply);
+
 /// Identify Controller (NVM Express base specification, Identify Controller data structure), 4096 bytes.
 struct NvmeController {
   std::string model;
@@ -89,6 +104,7 @@ kernel32::Handle open_to_ask(int drive);
 kernel32::Handle open_for_properties(int drive);
 
 StorageReply ask_device_descriptor(const Sender& send);
+StorageReply ask_sector_sizes(const Sender& send);
 StorageReply ask_nvme_controller(const Sender& send);
 StorageReply ask_nvme_health(const Sender& send);  // log page 02h, 512 bytes
 StorageReply ask_temperature(const Sender& send);

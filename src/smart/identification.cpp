@@ -46,8 +46,9 @@ void take_identity(const IdentifyData& data) {
   identification.Num_Cyls = data.cylinders;
   identification.Num_Heads = data.heads;
   identification.Sectors_Per_Track = data.sectors_per_track;
-  identification.Id_Total_Sectors = data.sectors;
-  identification.Drive_Sectors = data.sectors;
+  if (disk.sizes.logical == kSectorSize) disk.sizes = data.sizes;
+  identification.Id_Total_Sectors = data.sectors * (data.sizes.logical / kSectorSize);
+  identification.Drive_Sectors = identification.Id_Total_Sectors;
 }
 
 /// A raw string that cannot pass for a line of its own in the report, whatever the drive put into it.
@@ -151,6 +152,12 @@ bool speaks_scsi(StorageBus bus) {
          bus == StorageBus::iscsi || bus == StorageBus::sas;
 }
 
+/// Asks for the sizes of the sectors, unless IDENTIFY has told of sectors that the house can count in.
+void learn_sector_sizes(kernel32::Handle drive) {
+  if (identification.source == IdentitySource::identify && disk.sizes.logical == kSectorSize) return;
+  if (const auto sizes = decode_sector_sizes(ask_sector_sizes(through(drive)).data)) disk.sizes = *sizes;
+}
+
 /// Asks for the bus and, where nobody has told the model yet, for the rest, through the handle `drive`.
 void identify_by_driver(kernel32::Handle drive) {
   const std::optional<DeviceDescriptor> told = decode_device_descriptor(ask_device_descriptor(through(drive)).data);
@@ -192,6 +199,7 @@ bool serial_is_its_own() {
 
 bool Check_drv(std::int32_t drive) {
   identification = {};
+  disk.sizes = {};
   const std::string number = std::to_string(drive);
   std::int64_t& sectors = identification.Drive_Sectors;
   PrintReport("Check_drv " + number + " was called");
@@ -209,9 +217,11 @@ bool Check_drv(std::int32_t drive) {
   sectors = std::max(sectors, Get_Capacity_PassThrough(drive));
   if (sectors == 0) return false;
   if (const kernel32::Handle asked = open_to_ask(drive); asked != kernel32::kInvalidHandle) {
+    learn_sector_sizes(asked);
     identify_by_driver(asked);
     kernel32::CloseHandle(asked);
   }
+  sectors = whole_below(sectors);
   PrintReport("Check_drv " + number + " returned OK.");
   return true;
 }
@@ -242,8 +252,11 @@ std::int64_t Get_Disk_Geometry_Size() {
                                  &returned)) {
     return 0;
   }
-  return credible_product(static_cast<std::int64_t>(bytes::le64(geometry, 0)), bytes::le32(geometry, 12),
-                          bytes::le32(geometry, 16));
+  const std::int64_t logical = bytes::le32(geometry, 20);
+  if (is_sector_size(logical) && logical != disk.sizes.logical) disk.sizes = {.logical = logical, .physical = logical};
+  const std::int64_t count = credible_product(static_cast<std::int64_t>(bytes::le64(geometry, 0)),
+                                              bytes::le32(geometry, 12), bytes::le32(geometry, 16));
+  return count > kMostSectors / sectors_per_logical() ? 0 : count * sectors_per_logical();
 }
 
 void Get_Scsi_Identify(std::int32_t port) {

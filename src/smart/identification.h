@@ -22,7 +22,7 @@ const char* source_name(IdentitySource source);
 /// What the selected drive is. Sizes in 512-byte sectors.
 struct Identification {
   std::int64_t Drive_Sectors = 0;     // the largest count that any source gave; 0 = unknown
-  std::int64_t Id_Total_Sectors = 0;  // IDENTIFY's count
+  std::int64_t Id_Total_Sectors = 0;  // by IDENTIFY's count
   std::string Model_No;               // raw strings
   std::string Serial_No;
   std::string Firmware_Rev;
@@ -39,8 +39,10 @@ struct Identification {
 inline Identification identification;
 
 /// Finds out what drive `drive` is, through disk.hDrive and handles of its own: IDENTIFY, geometry, the SCSI port where
-/// these two gave nothing, READ CAPACITY and length. The largest count wins. Where that is one, the bus is asked for,
-/// and where none gave a model whoever else may tell it. True when there is a count.
+/// these two gave nothing, READ CAPACITY and length. The largest count wins. Where that is one, the sizes of its
+/// sectors and the bus are asked for, and where none gave a model whoever else may tell it. The sizes go into
+/// disk.sizes: the driver's word counts, else the geometry's, else IDENTIFY's. A drive that has told of logical sectors
+/// of 512 bytes itself is not asked again. True when there is a count.
 bool Check_drv(std::int32_t drive);
 
 /// True when the serial number is certain to be the drive's own.
@@ -50,8 +52,8 @@ bool serial_is_its_own();
 /// the reply carries no page.
 bool Get_IDE_params(kernel32::Handle drive, std::uint8_t command, std::int32_t drive_number);
 
-/// Cylinders x tracks x sectors of the geometry request on disk.hDrive, in sectors of whatever size the disk has; 0
-/// when it fails.
+/// Cylinders x tracks x sectors of the geometry request on disk.hDrive, times what one of its sectors has, which goes
+/// into disk.sizes; 0 when it fails.
 std::int64_t Get_Disk_Geometry_Size();
 
 /// Opens the SCSI port `port` in place of disk.hDrive and sends IDENTIFY through its miniport.
