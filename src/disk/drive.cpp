@@ -56,6 +56,7 @@ void remake_buffer(std::int64_t bytes, std::int64_t lba) {
 
 void OpenDrive(int n) {
   close_drive();
+  disk.sizes = {};
   const std::string path = "\\\\.\\PhysicalDrive" + std::to_string(n);
   disk.hDrive = kernel32::CreateFileA(path.c_str(), platform::kGenericRead | platform::kGenericWrite,
                                       platform::kShareRead | platform::kShareWrite, platform::kOpenExisting, 0);
@@ -74,7 +75,19 @@ void close_drive() {
 bool may_transfer(std::int64_t lba, std::int64_t count) {
   constexpr std::int64_t kLastLba = std::numeric_limits<std::int64_t>::max() / kSectorSize;
   return lba >= 0 && lba <= kLastLba && count >= 0 && count <= kLargestTransfer &&
-         count * kSectorSize <= disk.Sec_Buf.size();
+         count * kSectorSize <= disk.Sec_Buf.size() && widened({lba, count}).sectors <= kLargestTransfer;
+}
+
+bool read_whole(const Stretch& whole, std::uint8_t* to) {
+  disk.given_up = false;
+  if (!seek(whole.lba)) return failed(kernel32::GetLastError());
+  const auto bytes = static_cast<std::uint32_t>(whole.sectors * kSectorSize);
+  std::uint32_t moved = 0;
+  const bool read = kernel32::ReadFile(disk.hDrive, to, bytes, &moved);
+  disk.Errno = kernel32::GetLastError();
+  disk.given_up = !read && platform::take_given_up();
+  if (!read) return false;
+  return moved >= bytes || failed(disk.Errno != 0 ? disk.Errno : kEndOfFile);
 }
 
 bool ReadAt(std::int64_t lba, std::int64_t count) {
@@ -82,15 +95,15 @@ bool ReadAt(std::int64_t lba, std::int64_t count) {
   disk.Buf_Secs = 0;
   disk.given_up = false;
   if (!may_transfer(lba, count)) return failed(kRefusedTransfer);
-  if (!seek(lba)) return failed(kernel32::GetLastError());
-  const auto bytes = static_cast<std::uint32_t>(count * kSectorSize);
-  std::uint32_t moved = 0;
-  const bool read = kernel32::ReadFile(disk.hDrive, disk.Sec_Buf.data(), bytes, &moved);
-  disk.Errno = kernel32::GetLastError();
-  disk.given_up = !read && platform::take_given_up();
-  if (!read) return false;
-  if (moved < bytes) return failed(disk.Errno != 0 ? disk.Errno : kEndOfFile);
-  disk.Buf_Secs = moved / kSectorSize;
+  const Stretch whole = widened({lba, count});
+  const bool direct = whole.sectors == count;
+  if (!direct) disk.around.resize(whole.sectors * kSectorSize);
+  if (!read_whole(whole, (direct ? disk.Sec_Buf : disk.around).data())) return false;
+  if (!direct) {
+    std::memcpy(disk.Sec_Buf.data(), disk.around.data() + (lba - whole.lba) * kSectorSize,
+                static_cast<std::size_t>(count * kSectorSize));
+  }
+  disk.Buf_Secs = count;
   return true;
 }
 
@@ -98,19 +111,22 @@ bool WriteAt(std::int64_t lba, std::int64_t count) {
   disk.Buf_LBA = lba;
   disk.given_up = false;
   if (!may_transfer(lba, count)) return failed(kRefusedTransfer);
-  if (!seek(lba)) return failed(kernel32::GetLastError());
-  const auto bytes = static_cast<std::uint32_t>(count * kSectorSize);
-  const auto offset = static_cast<std::uint64_t>(lba * kSectorSize);
+  const Stretch whole = widened({lba, count});
+  const bool direct = whole.sectors == count;
+  if (!direct && !compose({lba, count}, whole)) return false;
+  if (!seek(whole.lba)) return failed(kernel32::GetLastError());
+  const auto bytes = static_cast<std::uint32_t>(whole.sectors * kSectorSize);
+  const auto offset = static_cast<std::uint64_t>(whole.lba * kSectorSize);
   const auto offset_low = static_cast<std::uint32_t>(offset);
   const auto offset_high = static_cast<std::uint32_t>(offset >> 32U);
   const LockLength length = lock_length(bytes);
   kernel32::LockFile(disk.hDrive, offset_low, offset_high, length.low, length.high);
   std::uint32_t moved = 0;
-  const bool written = kernel32::WriteFile(disk.hDrive, disk.Sec_Buf.data(), bytes, &moved);
+  const bool written = kernel32::WriteFile(disk.hDrive, (direct ? disk.Sec_Buf : disk.around).data(), bytes, &moved);
   disk.Errno = kernel32::GetLastError();
   if (!written) return false;
   if (moved < bytes) return failed(disk.Errno != 0 ? disk.Errno : platform::kDiskFull);
-  disk.Buf_Secs = moved / kSectorSize;
+  disk.Buf_Secs = count;
   disk.flush_errno = kernel32::FlushFileBuffers(disk.hDrive) ? 0 : kernel32::GetLastError();
   kernel32::UnlockFile(disk.hDrive, offset_low, offset_high, length.low, length.high);
   return true;

@@ -4,7 +4,9 @@
 #include <string>
 
 #include "device/kernel32.h"
+#include "device/storage_query.h"
 #include "disk/sector_buffer.h"
+#include "disk/whole_sectors.h"
 #include "platform/units.h"
 
 /// Where the contents of Sec_Buf come from.
@@ -27,6 +29,14 @@ struct Disk {
   bool given_up = false;          // the last transfer was a read that the user gave up: nothing is wrong with the disk
   std::uint32_t flush_errno = 0;  // of the flush behind the last write
   Source source;                  // as the last command that filled the buffer left it
+
+  SectorSizes sizes;    // of the selected drive, once it was identified
+  SectorBuffer around;  // the whole logical sectors of a transfer that was not made of such
+  struct Known {
+    std::int64_t lba = 0;
+    std::span<const std::uint8_t> bytes;
+  };
+  Known known;  // what somebody has read around the next writes
 };
 
 inline Disk disk;
@@ -42,7 +52,7 @@ inline constexpr std::int64_t kLargestTransfer = 4'194'303;
 void remake_buffer(std::int64_t bytes, std::int64_t lba);
 
 /// Opens drive `n` (0 to 7) for reading and writing in place of the one before; disk.hDrive is invalid on failure,
-/// which is told through ShowMessage and in the report.
+/// which is told through ShowMessage and in the report. Its sectors count as having 512 bytes until it is identified.
 void OpenDrive(int n);
 
 /// Opens the selected drive.
@@ -55,12 +65,17 @@ void close_drive();
 /// system call.
 bool may_transfer(std::int64_t lba, std::int64_t count);
 
-/// Reads `count` sectors from `lba` into the start of Sec_Buf with one system call. False on failure, also when fewer
-/// bytes came than asked; disk.Errno has the code (38 where the system gave none), disk.Buf_Secs is 0 then. A transfer
-/// larger than Sec_Buf or than kLargestTransfer, or with a negative number, makes no call and fails with 13.
+/// Reads `count` sectors from `lba` into the start of Sec_Buf with one system call, which reads the whole logical
+/// sectors that hold them. False on failure, also when fewer bytes came than asked; disk.Errno has the code (38 where
+/// the system gave none), disk.Buf_Secs is 0 then. A transfer larger than Sec_Buf or than kLargestTransfer, or with a
+/// negative number, makes no call and fails with 13.
 bool ReadAt(std::int64_t lba, std::int64_t count);
 
-/// Writes `count` sectors from the start of Sec_Buf to `lba` and flushes them. Fails like ReadAt, a short write with
-/// 112 where the system gave no code; disk.Buf_Secs changes only on success. A failed flush is no failed write:
-/// disk.flush_errno has its code.
+/// Writes `count` sectors from the start of Sec_Buf to `lba` and flushes them. Where they begin or end inside a logical
+/// sector, that is read before and written back around them; nothing is written when it cannot be. Fails like ReadAt, a
+/// short write with 112 where the system gave no code; disk.Buf_Secs changes only on success. A failed flush is no
+/// failed write: disk.flush_errno has its code.
 bool WriteAt(std::int64_t lba, std::int64_t count);
+
+/// Reads whole logical sectors to `to` and fails as ReadAt does. Nothing else of `disk` changes.
+bool read_whole(const Stretch& whole, std::uint8_t* to);
