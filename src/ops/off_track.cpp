@@ -48,7 +48,7 @@ Places next_places() {
   places.far_again = (size - kNine * kEdge) / kParts + share(kSectors, next_uniform());
   // On a disk of less than nine edges the last place lies before the disk: its start is as far as it goes.
   places.far_again = std::max<std::int64_t>(places.far_again, 0);
-  return places;
+  return {whole_below(places.far_away), whole_below(places.tested), whole_below(places.far_again)};
 }
 
 /// Reads one sector elsewhere and puts the tested place's data back into the buffer's start.

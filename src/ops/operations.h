@@ -48,8 +48,11 @@ void search_range(const RunPlan& plan);
 void report_search();
 
 /// Reads `count` sectors from `*lba` in transfers of `chunk` sectors, the last one shortened, until one holds a match.
-/// Gives the match's offset in Sec_Buf, or -1; `*lba` is then the first LBA not read, on a match the chunk's first one.
-std::int64_t ReadSearchSectors(const Search& search, std::int64_t* lba, std::int64_t count, std::int64_t chunk);
+/// Where logical sectors are longer than 512 bytes the first one is shortened too, so that the others are made of whole
+/// ones, and a match may begin in the chunk before. Gives the match's distance from the start of Sec_Buf in bytes, or
+/// nothing; `*lba` is then the first LBA not read, on a match the chunk's first one.
+std::optional<std::int64_t> ReadSearchSectors(const Search& search, std::int64_t* lba, std::int64_t count,
+                                              std::int64_t chunk);
 
 /// A test at random places of the selected drive. A visit is one place of counters.No_Secs sectors.
 struct RandomTest {

@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 
+#include "disk/whole_sectors.h"
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
@@ -72,7 +73,8 @@ bool choose_random_parameters(std::int32_t* passes, std::int64_t* sectors) {
       ask_number({"Enter number of sectors per operation ( 0=Max, hint:use 1000 or more to detect slow xfers)", "",
                   kDefaultSectors, 0, std::numeric_limits<std::int64_t>::max()},
                  sectors);
-  *sectors = *sectors == 0 ? kChunkSectors : std::min(*sectors, kChunkSectors);
+  const std::int64_t most = whole_below(kChunkSectors);
+  *sectors = *sectors == 0 ? most : std::min(*sectors, most);
   return given;
 }
 
@@ -86,7 +88,7 @@ float next_uniform_single() {
 
 std::int64_t GetRandomSector(std::int64_t sectors) {
   const std::int64_t places = identification.Drive_Sectors - sectors;
-  return std::min(static_cast<std::int64_t>(static_cast<double>(places) * next_uniform()), places - 1);
+  return whole_below(std::min(static_cast<std::int64_t>(static_cast<double>(places) * next_uniform()), places - 1));
 }
 
 RandomPattern draw_pattern() {

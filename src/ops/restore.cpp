@@ -126,9 +126,9 @@ bool settled(const LeftJournal& left) {
   return true;
 }
 
-/// The drives that are the disk of a record.
+/// The drives that are the disk of a record, and the sizes of their sectors.
 struct Drives {
-  std::vector<int> found;
+  std::vector<std::pair<int, SectorSizes>> found;
   bool denied = false;  // the system lets the program open none or not all
 };
 
@@ -139,7 +139,7 @@ Drives drives_of(const Record& record) {
     OpenDrive(drive);
     const bool open = disk.hDrive != kernel32::kInvalidHandle;
     drives.denied = drives.denied || (!open && kernel32::GetLastError() == platform::kAccessDenied);
-    if (Check_drv(drive) && is_disk_of(record)) drives.found.push_back(drive);
+    if (Check_drv(drive) && is_disk_of(record)) drives.found.emplace_back(drive, disk.sizes);
   }
   return drives;
 }
@@ -157,8 +157,9 @@ void look_at(const LeftJournal& left, LeftOver* over) {
     over->lines.push_back(about(left.file, why_not_one(drives, left.record)));
     return;
   }
-  const int drive = drives.found.front();
+  const auto [drive, sizes] = drives.found.front();
   OpenDrive(drive);
+  disk.sizes = sizes;
   const Verdict verdict = judge(left, drive);
   if (!verdict.needed) {
     deleted(left.file);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 #include "buffer/display.h"
 #include "buffer/hex_text.h"
@@ -39,6 +40,37 @@ std::string search_string() {
   }
 }
 
+/// The border between two chunks, over which a match may lie. Chunks of sectors of 512 bytes are searched each by
+/// itself.
+class Border {
+ public:
+  explicit Border(const Search& search) : search_(search) {
+    const bool crossed = sectors_per_logical() > 1 && search.kind != SearchKind::not_equal && !search.pattern.empty();
+    reach_ = crossed ? search.pattern.size() - 1 : 0;
+  }
+
+  /// The match that begins before `chunk`, the one behind the last, and ends in it: its distance, negative, from the
+  /// chunk's start. Neither side holds one alone.
+  std::optional<std::int64_t> match(std::span<const std::uint8_t> chunk) {
+    if (reach_ == 0) return std::nullopt;
+    const std::size_t reach = std::min(reach_, chunk.size());
+    std::vector<std::uint8_t> both = before_;
+    both.insert(both.end(), chunk.begin(), chunk.begin() + static_cast<std::ptrdiff_t>(reach));
+    const std::int64_t at = find_match(search_, both);
+    const std::int64_t start = std::ssize(before_);
+    before_.assign(chunk.end() - static_cast<std::ptrdiff_t>(reach), chunk.end());
+    return at < 0 ? std::nullopt : std::optional(at - start);
+  }
+
+  /// What would come before the next chunk could not be read.
+  void lose() { before_.clear(); }
+
+ private:
+  const Search& search_;
+  std::size_t reach_ = 0;  // bytes of a match on one side
+  std::vector<std::uint8_t> before_;
+};
+
 /// A search run from the command line adds its place to the variables; both empty when nothing was found.
 void report_place() {
   if (!in_batch()) return;
@@ -52,25 +84,30 @@ void report_place() {
 
 }  // namespace
 
-std::int64_t ReadSearchSectors(const Search& search, std::int64_t* lba, std::int64_t count, std::int64_t chunk) {
+std::optional<std::int64_t> ReadSearchSectors(const Search& search, std::int64_t* lba, std::int64_t count,
+                                              std::int64_t chunk) {
+  Border border(search);
   for (std::int64_t left = count; left > 0;) {
     platform::pump_events();
     work_between_transfers();
-    if (form1.MyCancel) return -1;
-    const std::int64_t sectors = std::min(left, chunk);
+    if (form1.MyCancel) return std::nullopt;
+    const std::int64_t sectors = left > chunk ? chunk - behind_boundary(*lba) : left;
     const bool read = read_once(*lba, sectors);
     if (disk.given_up) break;
     if (read) {
       const auto just_read = disk.Sec_Buf.bytes().first(static_cast<std::size_t>(sectors * kSectorSize));
+      if (const auto across = border.match(just_read)) return across;
       const std::int64_t match = find_match(search, just_read);
       if (match >= 0) return match;
+    } else {
+      border.lose();
     }
     show_progress_line();
     *lba = lba_after(*lba, sectors);
     left -= sectors;
   }
   platform::pump_events();  // what was pressed during the last transfer counts
-  return -1;
+  return std::nullopt;
 }
 
 bool ask_search_string() {
@@ -92,11 +129,12 @@ void search_range(const RunPlan& plan) {
     tell_user(std::string(search.error));
     return;
   }
-  const std::int64_t match = ReadSearchSectors(search, &run.lba, plan.sectors, read_chunk(plan.sectors));
-  if (match < 0) return;
+  const auto match = ReadSearchSectors(search, &run.lba, plan.sectors, read_chunk(plan.sectors));
+  if (!match) return;
   run.found = true;
-  run.lba += match / kSectorSize;
-  run.offset = match % kSectorSize;
+  const std::int64_t place = run.lba * kSectorSize + *match;
+  run.lba = place / kSectorSize;
+  run.offset = place % kSectorSize;
   remake_buffer(kSectorSize, run.lba);
   read_once(run.lba, 1);
 }

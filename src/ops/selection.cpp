@@ -25,7 +25,7 @@ void select_drive_keeping_text() {
       form1.TxtStartLBA.set_text("0");
     }
     form1.TxtStatus.set_text(drive + "  - " + identification.Disk_Model + "  " +
-                             std::to_string(sectors / kSectorsPerMb) + "Mb");
+                             std::to_string(sectors / kSectorsPerMb) + "Mb" + sector_sizes_text());
   } else {
     form1.TxtStatus.set_text(drive + " not found!");
   }
@@ -61,5 +61,5 @@ void show_range_of_command_line() {
 std::int64_t read_chunk(std::int64_t sectors) {
   // Two steps, the lower one odd: docs/oddities.md, 14.
   if (sectors >= kLargeChunkSectors) return kLargeChunkSectors;
-  return std::min(sectors, kChunkSectors);
+  return std::min(sectors, whole_below(kChunkSectors));
 }

@@ -22,10 +22,13 @@ void announce(const std::string& doing) {
   PrintReport(line);
 }
 
-/// Transfers `sectors` sectors: first the whole chunks, then what is left of them.
+/// Transfers `sectors` sectors: the whole chunks, then what is left of them. Where the first chunk begins inside a
+/// logical sector it is shortened, so that of the chunks only the first and the last cover logical sectors in part.
 void transfer_range(bool (*transfer)(std::int64_t*, std::int64_t, std::int64_t, Events), std::int64_t lba,
                     std::int64_t sectors, std::int64_t chunk) {
-  transfer(&lba, sectors, chunk, Events::run);
+  const std::int64_t first = chunk - behind_boundary(lba);
+  if (first < chunk && chunk < sectors) transfer(&lba, first, first, Events::run);
+  transfer(&lba, sectors - counters.Sectors_Done, chunk, Events::run);
   const std::int64_t left = sectors - counters.Sectors_Done;
   if (left > 0) transfer(&lba, left, left, Events::run);
 }
@@ -60,7 +63,7 @@ std::optional<RunPlan> plan_write() {
 
 void Seq_Write(const RunPlan& plan) {
   // One step, unlike the read's two: docs/oddities.md, 14.
-  const std::int64_t chunk = std::min(plan.sectors, kChunkSectors);
+  const std::int64_t chunk = std::min(plan.sectors, whole_below(kChunkSectors));
   // Behind a chunk that the buffer cannot fill, a smaller remainder would be written alone to the range's end.
   const bool refused = !may_transfer(plan.first_lba, chunk);
   transfer_range(Write_sectors, plan.first_lba, refused ? chunk : plan.sectors, chunk);

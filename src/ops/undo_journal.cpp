@@ -2,6 +2,7 @@
 #include <string>
 #include <vector>
 
+#include "disk/whole_sectors.h"
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
@@ -36,7 +37,8 @@ std::string left_of_this_disk() {
 /// Gives an empty text, or why there is no journal in `place`.
 std::string make_journal(const JournalFolder& place, std::int64_t sectors) {
   if (!place.found) return place.why;
-  return journal.create(journal_file(place.folder, identification.Disk_Serial), tested_disk(), sectors);
+  return journal.create(journal_file(place.folder, identification.Disk_Serial), tested_disk(),
+                        widened({0, sectors}).sectors);
 }
 
 bool refuse(const std::string& reason) {

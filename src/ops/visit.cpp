@@ -43,6 +43,7 @@ void tell_now(const std::string& line) {
 }  // namespace
 
 Visit::~Visit() {
+  disk.known = {};
   platform::allow_shutdown();
   release_report();
 }
@@ -55,8 +56,9 @@ bool Visit::take_former_contents() {
   platform::hold_shutdown();
   hold_report();
   if (disk.Buf_Secs == sectors_) {
-    const auto bytes = disk.Sec_Buf.bytes().first(static_cast<std::size_t>(sectors_ * kSectorSize));
+    const auto bytes = whole_sectors_read();
     saved_.assign(bytes.begin(), bytes.end());
+    disk.known = {whole_.lba, saved_};
     return true;
   }
   if (!form1.MyCancel) report_line("Not written: the former contents could not be read.");
@@ -65,7 +67,7 @@ bool Visit::take_former_contents() {
 
 bool Visit::record(std::span<const std::uint8_t> pattern) {
   if (!journal.is_open()) return true;
-  const std::string problem = journal.record(lba_, saved_, pattern);
+  const std::string problem = journal.record(whole_.lba, saved_, pattern);
   if (problem.empty()) return true;
   journal.mark_done();  // nothing was written over them
   visits.ended = true;
@@ -90,12 +92,18 @@ bool Visit::read() {
 
 std::string Visit::why_not_verified() const {
   if (!ReadAt(lba_, sectors_)) return "could not be read again: " + coded_error_text(disk.Errno);
-  const std::size_t differing = count_differing(saved_, disk.Sec_Buf.bytes());
+  const std::size_t differing = count_differing(saved_, whole_sectors_read());
   return differing == 0 ? std::string() : "differ in " + std::to_string(differing) + " bytes when read again.";
 }
 
+std::span<const std::uint8_t> Visit::former_contents() const {
+  return std::span(saved_).subspan(static_cast<std::size_t>((lba_ - whole_.lba) * kSectorSize),
+                                   static_cast<std::size_t>(sectors_ * kSectorSize));
+}
+
 void Visit::give_back() {
-  std::copy(saved_.begin(), saved_.end(), disk.Sec_Buf.data());
+  const std::span<const std::uint8_t> former = former_contents();
+  std::copy(former.begin(), former.end(), disk.Sec_Buf.data());
   std::int64_t lba = lba_;
   measure_phase(Phase::restoring);
   const bool written = Write_sectors(&lba, sectors_, sectors_, Events::wait);

@@ -5,12 +5,14 @@
 #include <string>
 #include <vector>
 
+#include "disk/whole_sectors.h"
+
 /// One place of a non-destructive test: its former contents are taken and recorded in the undo journal, it is written
-/// to, and they are given back. From the end of the first read to the end of giving back no events run, and a console
-/// that closes waits.
+/// to, and they are given back: those of the whole logical sectors, where the place ends inside one. From the end of
+/// the first read to the end of giving back no events run, and a console that closes waits.
 class Visit {
  public:
-  Visit(std::int64_t lba, std::int64_t sectors) : lba_(lba), sectors_(sectors) {}
+  Visit(std::int64_t lba, std::int64_t sectors) : lba_(lba), sectors_(sectors), whole_(widened({lba, sectors})) {}
   Visit(const Visit&) = delete;
   Visit& operator=(const Visit&) = delete;
   ~Visit();
@@ -33,15 +35,16 @@ class Visit {
   void give_back();
 
   std::int64_t lba() const { return lba_; }
-  const std::vector<std::uint8_t>& former_contents() const { return saved_; }
+  std::span<const std::uint8_t> former_contents() const;
 
  private:
   std::string why_not_verified() const;
 
   std::int64_t lba_;
   std::int64_t sectors_;
-  std::vector<std::uint8_t> saved_;
-  std::uint32_t refused_ = 0;  // the system's code for a write that it did not pass on to the drive
+  Stretch whole_;                    // what a write of the place writes over
+  std::vector<std::uint8_t> saved_;  // of all of it
+  std::uint32_t refused_ = 0;        // the system's code for a write that it did not pass on to the drive
 };
 
 /// What the visits of this operation left. Tests start fresh by `{}`.

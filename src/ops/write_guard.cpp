@@ -53,6 +53,19 @@ void look_at_drive() {
   write_guard.sectors = identification.Drive_Sectors;
 }
 
+/// What a write does that does not end where logical sectors end.
+std::string ends_text(const Range& range) {
+  const Stretch whole = widened({range.lba, range.sectors});
+  if (whole.sectors == range.sectors) return {};
+  const std::int64_t last = lba_after(whole.lba, whole.sectors - sectors_per_logical());
+  const bool first_in_part = whole.lba != range.lba;
+  const bool last_in_part = lba_after(whole.lba, whole.sectors) != lba_after(range.lba, range.sectors);
+  const bool two = first_in_part && last_in_part && last != whole.lba;
+  return std::string(kLineEnd) + "The drive's sector" + (two ? "s" : "") + " of " + std::to_string(disk.sizes.logical) +
+         " bytes at LBA " + std::to_string(first_in_part ? whole.lba : last) +
+         (two ? " and " + std::to_string(last) + " are" : " is") + " read, changed in part and written back.";
+}
+
 std::string named_drive() {
   look_at_drive();
   std::string text = std::string(kLineEnd) + kLineEnd;
@@ -60,7 +73,7 @@ std::string named_drive() {
   text += "Model: " + write_guard.model + kLineEnd + "Serial number: " + write_guard.serial +
           (serial_is_its_own() ? "" : " (told by the SCSI port of that number, perhaps another drive's)") + kLineEnd +
           "Size: " + std::to_string(write_guard.sectors) + " sectors, " +
-          std::to_string(write_guard.sectors / kSectorsPerMb) + "Mb" + kLineEnd;
+          std::to_string(write_guard.sectors / kSectorsPerMb) + "Mb" + sector_sizes_text() + kLineEnd;
   const std::string& file = asked.virtual_disks.at(static_cast<std::size_t>(form1.SelectedDrive));
   return file.empty() ? text : text + "Virtual disk: " + file + kLineEnd;
 }
@@ -77,7 +90,7 @@ bool goes_back_to_its_place(const Range& range) {
   const Source& source = disk.source;
   return source.kind == Source::Kind::sectors && source.drive == form1.SelectedDrive &&
          source.serial == write_guard.serial && source.lba == range.lba &&
-         range.sectors <= std::min(source.sectors, kChunkSectors);
+         range.sectors <= std::min(source.sectors, whole_below(kChunkSectors));
 }
 
 /// True when the selected drive, which the question is to name, is not written to at all.
@@ -109,7 +122,8 @@ bool range_is_plain() {
 
 std::string named_range() {
   const Range range = range_in_fields();
-  return named_drive() + range_text(range) + ", " + std::to_string(range.sectors) + " sectors";
+  const std::string drive = named_drive();
+  return drive + range_text(range) + ", " + std::to_string(range.sectors) + " sectors" + ends_text(range);
 }
 
 bool confirm_write(const std::string& title, Overwritten what) {
@@ -129,8 +143,8 @@ bool confirm_source() {
   if (goes_back_to_its_place(range)) return true;
   std::string text = what_the_buffer_holds() + kLineEnd + "It is about to be written to " + range_text(range) + " of " +
                      drive_text(form1.SelectedDrive, write_guard.serial) + ".";
-  if (range.sectors > kChunkSectors) {
-    text += std::string(kLineEnd) + "Every " + std::to_string(kChunkSectors) +
+  if (const std::int64_t chunk = whole_below(kChunkSectors); range.sectors > chunk) {
+    text += std::string(kLineEnd) + "Every " + std::to_string(chunk) +
             " sectors are written from the buffer's start again.";
   }
   return ask_user(text, "WRITE TO ANOTHER PLACE?");

@@ -43,7 +43,9 @@ std::string Rig::path(const std::string& name) {
 }
 
 std::string Rig::write_file(const std::string& name, const std::string& contents) {
-  std::ofstream(path(name), std::ios::binary) << contents;
+  std::ofstream file(path(name), std::ios::binary);
+  file << contents;
+  if (logical != 512 && name.ends_with(".vd")) file << "logical " << logical << "\n";
   return path(name);
 }
 

@@ -12,12 +12,15 @@
 class Rig : public ::testing::Test {
  protected:
   Rig();
+
+  /// Bytes of a logical sector of the disks that the running test makes.
+  inline static int logical = 512;
   ~Rig() override;
 
   /// Attaches a disk made from the text of a disk file.
   void attach(int drive, const std::string& disk_file);
 
-  /// Writes a file into this test's folder and gives its path.
+  /// Writes a file into this test's folder and gives its path. A disk file ("*.vd") also gets the suite's sector size.
   static std::string write_file(const std::string& name, const std::string& contents);
 
   /// A raw image of `sectors` sectors, each filled with its own LBA; gives its path.
@@ -54,6 +57,21 @@ class Rig : public ::testing::Test {
   static const std::string& out() { return headless::desktop.out; }
   static const std::string& err() { return headless::desktop.err; }
 };
+
+/// A suite that runs on disks whose logical sectors have 512 bytes, and again on some where they have 4096.
+class EachSectorSize : public Rig, public ::testing::WithParamInterface<int> {
+ protected:
+  EachSectorSize() { logical = GetParam(); }
+  ~EachSectorSize() override { logical = 512; }
+
+  static bool long_sectors() { return logical != 512; }
+
+  /// The 16065 sectors of a chunk, cut to whole logical ones.
+  static std::int64_t chunk() { return long_sectors() ? 16064 : 16065; }
+};
+
+#define ON_EACH_SECTOR_SIZE(suite) \
+  INSTANTIATE_TEST_SUITE_P(Bytes, suite, ::testing::Values(512, 4096), ::testing::PrintToStringParamName())
 
 /// The lines of `text` that contain `word`.
 std::vector<std::string> lines_with(const std::string& text, const std::string& word);

@@ -37,6 +37,7 @@ struct WriteTest {
   std::int64_t transferred;  // sectors a pass
   std::int64_t around;       // sectors on each side of a visit that hold something too
   bool has_pattern;          // writes something else than the former contents
+  int logical;               // bytes of the disk's logical sectors
 };
 
 void PrintTo(const WriteTest& test, std::ostream* to) {
@@ -49,11 +50,14 @@ using Contents = std::string;
 class NothingLost : public Rig, public ::testing::WithParamInterface<WriteTest> {
  protected:
   NothingLost() {
+    logical = GetParam().logical;
     std::ofstream(path("a.img")).close();
     std::filesystem::resize_file(path("a.img"), static_cast<std::uintmax_t>(GetParam().disk_sectors) * 512);
     fill_visited_places();
     contents_ = contents();
   }
+
+  ~NothingLost() override { logical = 512; }
 
   /// A run of `passes` passes on the image.
   void visit(int passes, const std::string& directives = "", void (*told)(const Transfer&) = nullptr) {
@@ -260,9 +264,13 @@ TEST_P(NothingLost, AReadIsGivenUpBeforeAVisitWritesAndNeverInIt) {
   EXPECT_THAT(form1.Text1.text(), testing::Not(HasSubstr("could not be")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Tests, NothingLost,
-                         ::testing::Values(WriteTest{"RandomWrite", CmdRnd_Click, {"8"}, 4096, 8, 32, 4096, true},
-                                           WriteTest{"OffTrack", Cmd_OffTrack_Write, {}, 409600, 30, 92, 100, false}),
-                         [](const auto& info) { return info.param.name; });
+// Neither 13 nor 30 sectors are whole ones of 4096 bytes.
+INSTANTIATE_TEST_SUITE_P(
+    Tests, NothingLost,
+    ::testing::Values(WriteTest{"RandomWrite", CmdRnd_Click, {"8"}, 4096, 8, 32, 4096, true, 512},
+                      WriteTest{"RandomWriteOf4096", CmdRnd_Click, {"13"}, 4096, 13, 52, 4096, true, 4096},
+                      WriteTest{"OffTrack", Cmd_OffTrack_Write, {}, 409600, 30, 92, 100, false, 512},
+                      WriteTest{"OffTrackOf4096", Cmd_OffTrack_Write, {}, 409600, 30, 92, 100, false, 4096}),
+    [](const auto& info) { return info.param.name; });
 
 }  // namespace

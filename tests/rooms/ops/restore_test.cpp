@@ -26,7 +26,7 @@ using ::testing::Not;
 constexpr std::int64_t kSectors = 4096;
 constexpr std::size_t kContents = 4096;  // where the former contents begin in a journal
 
-class Restore : public Rig {
+class Restore : public EachSectorSize {
  protected:
   Restore() : pristine_(read_file(write_image("a.img", kSectors))) {}
 
@@ -83,7 +83,7 @@ class Restore : public Rig {
   std::string pristine_;
 };
 
-TEST_F(Restore, GivesTheFormerContentsBackAndSaysSo) {
+TEST_P(Restore, GivesTheFormerContentsBackAndSaysSo) {
   interrupt_test();
   const std::string range = "LBA " + std::to_string(place()) + " to " + std::to_string(place() + 7);
   EXPECT_EQ(restore(), 0U);
@@ -99,7 +99,7 @@ TEST_F(Restore, GivesTheFormerContentsBackAndSaysSo) {
               HasSubstr("No journal of this disk was found in \"" + local_data() + "/Sectorix/\": nothing was done."));
 }
 
-TEST_F(Restore, TheWindowAsksAndCancelLeavesEverythingAsItIs) {
+TEST_P(Restore, TheWindowAsksAndCancelLeavesEverythingAsItIs) {
   interrupt_test();
   const std::string damaged = image();
   desktop.answers = {"CANCEL"};
@@ -120,7 +120,7 @@ TEST_F(Restore, TheWindowAsksAndCancelLeavesEverythingAsItIs) {
   virtualdisk::detach_all();
 
   desktop.answers = {"OK"};
-  open(disk_switches() + disk_switch(3, "sectors 100\n") + " /D:3");
+  open(disk_switches() + disk_switch(3, "sectors 104\n") + " /D:3");
   EXPECT_EQ(image(), pristine_);
   EXPECT_THAT(journals(), IsEmpty());
   EXPECT_EQ(form1.SelectedDrive, 3) << "the drive of the command line is selected again";
@@ -128,7 +128,7 @@ TEST_F(Restore, TheWindowAsksAndCancelLeavesEverythingAsItIs) {
   EXPECT_FALSE(disk.Sec_Buf.size() > 8 * 512);
 }
 
-TEST_F(Restore, AnyBatchTellsWhatIsLeftAndDoesNothing) {
+TEST_P(Restore, AnyBatchTellsWhatIsLeftAndDoesNothing) {
   interrupt_test();
   const std::string damaged = image();
   EXPECT_EQ(start(disk_switches() + "/D:0 /OP:SHOW"), 0U);
@@ -141,7 +141,7 @@ TEST_F(Restore, AnyBatchTellsWhatIsLeftAndDoesNothing) {
   EXPECT_EQ(image(), damaged);
 }
 
-TEST_F(Restore, OtherDataAreNeverWrittenOver) {
+TEST_P(Restore, OtherDataAreNeverWrittenOver) {
   interrupt_test();
   change(path("a.img"), static_cast<std::size_t>(place() + 3) * 512 + 5);
   const std::string damaged = image();
@@ -156,7 +156,7 @@ TEST_F(Restore, OtherDataAreNeverWrittenOver) {
   EXPECT_EQ(journals().size(), 1U);
 }
 
-TEST_F(Restore, AJournalThatChangedWritesNothingAndStays) {
+TEST_P(Restore, AJournalThatChangedWritesNothingAndStays) {
   for (const std::size_t at : {std::size_t{3}, std::size_t{30}, std::size_t{4095}, kContents, kContents + 4000}) {
     interrupt_test();
     const std::string damaged = image();
@@ -178,7 +178,7 @@ TEST_F(Restore, AJournalThatChangedWritesNothingAndStays) {
   EXPECT_EQ(image(), damaged);
 }
 
-TEST_F(Restore, AnotherDiskIsNamedOnceAndLeftAlone) {
+TEST_P(Restore, AnotherDiskIsNamedOnceAndLeftAlone) {
   interrupt_test();
   const std::string damaged = image();
   for (const std::string other :
@@ -197,24 +197,24 @@ TEST_F(Restore, AnotherDiskIsNamedOnceAndLeftAlone) {
   EXPECT_THAT(err(), HasSubstr("is there more than once: nothing is written."));
 }
 
-TEST_F(Restore, ADiskWithoutASerialNumberMayBeAnother) {
+TEST_P(Restore, ADiskWithoutASerialNumberMayBeAnother) {
   std::filesystem::create_directory(local_data() + "/Sectorix");
   Journal unnamed;
   const std::string file = local_data() + "/Sectorix/sectorix-.journal";
   const std::vector<std::uint8_t> former(512);
-  ASSERT_EQ(unnamed.create(file, {.model = "M", .serial = "", .firmware = "", .sectors = 100, .file = ""}, 1), "");
+  ASSERT_EQ(unnamed.create(file, {.model = "M", .serial = "", .firmware = "", .sectors = 104, .file = ""}, 1), "");
   ASSERT_EQ(unnamed.record(7, former, std::vector<std::uint8_t>{1, 2, 3, 4}), "");
   unnamed.close();
   // An IDENTIFY page (ATA/ATAPI-8, table 29) with a model, its characters swapped in pairs, and no serial number.
   std::string page(512, '\0');
   page.replace(54, 2, " M");
   write_file("identify.bin", page);
-  start(disk_switch(0, "sectors 100\nidentify identify.bin\n") + "/D:0 /OP:SHOW");
+  start(disk_switch(0, "sectors 104\nidentify identify.bin\n") + "/D:0 /OP:SHOW");
   EXPECT_THAT(err(), HasSubstr("hold their former contents, but another disk without a serial number may be meant."));
   EXPECT_TRUE(std::filesystem::exists(file));
 }
 
-TEST_F(Restore, WhatWasGivenBackAlreadyNeedsNoJournal) {
+TEST_P(Restore, WhatWasGivenBackAlreadyNeedsNoJournal) {
   interrupt_test();
   write_image("a.img", kSectors);
   EXPECT_EQ(start(disk_switches() + "/D:0 /OP:SHOW"), 0U);
@@ -222,7 +222,7 @@ TEST_F(Restore, WhatWasGivenBackAlreadyNeedsNoJournal) {
   EXPECT_THAT(journals(), IsEmpty());
 }
 
-TEST_F(Restore, MayBeInterruptedAtAnyCallAndRunAgain) {
+TEST_P(Restore, MayBeInterruptedAtAnyCallAndRunAgain) {
   interrupt_test();
   const std::string damaged = image();
   const std::string file = journals()[0];
@@ -254,7 +254,7 @@ TEST_F(Restore, MayBeInterruptedAtAnyCallAndRunAgain) {
   EXPECT_GT(deaths, 2 * calls);
 }
 
-TEST_F(Restore, ADiskThatRefusesOrLiesKeepsItsJournal) {
+TEST_P(Restore, ADiskThatRefusesOrLiesKeepsItsJournal) {
   for (const std::string fault : {"fail write 0 4096\n", "drop 0 4096\n", "stray 0 4096 100\n"}) {
     interrupt_test();
     desktop = {};
@@ -267,7 +267,7 @@ TEST_F(Restore, ADiskThatRefusesOrLiesKeepsItsJournal) {
   }
 }
 
-TEST_F(Restore, TheJournalLiesWhereItIsAskedForAndNeverOnTheDiskUnderTest) {
+TEST_P(Restore, TheJournalLiesWhereItIsAskedForAndNeverOnTheDiskUnderTest) {
   std::filesystem::create_directory(path("own"));
   const auto folder_of = [&](const std::string& switches) {
     desktop = {};
@@ -301,7 +301,7 @@ TEST_F(Restore, TheJournalLiesWhereItIsAskedForAndNeverOnTheDiskUnderTest) {
   EXPECT_EQ(image(), pristine_);
 }
 
-TEST_F(Restore, AJournalInUseIsLeftToItsTest) {
+TEST_P(Restore, AJournalInUseIsLeftToItsTest) {
   const DiskIdentity same{.model = "M", .serial = "S1", .firmware = "", .sectors = kSectors, .file = ""};
   std::filesystem::create_directory(local_data() + "/Sectorix");
   Journal running;
@@ -318,7 +318,7 @@ TEST_F(Restore, AJournalInUseIsLeftToItsTest) {
   EXPECT_THAT(journals(), IsEmpty());
 }
 
-TEST_F(Restore, TheWindowOffersAFolderAndGoesOnWithoutAJournalOnlyWhenToldTo) {
+TEST_P(Restore, TheWindowOffersAFolderAndGoesOnWithoutAJournalOnlyWhenToldTo) {
   ::setenv("LOCALAPPDATA", "", 1);
   open(disk_switches());
   for (const char* last : {"CANCEL", "OK"}) {
@@ -340,7 +340,7 @@ TEST_F(Restore, TheWindowOffersAFolderAndGoesOnWithoutAJournalOnlyWhenToldTo) {
   EXPECT_EQ(image(), pristine_);
 }
 
-TEST_F(Restore, LeavingInTheMiddleTakesTheJournalAlong) {
+TEST_P(Restore, LeavingInTheMiddleTakesTheJournalAlong) {
   for (void (*leave)() : {CmdExit_Click, window_closed}) {
     desktop = {};
     open(disk_switches());
@@ -355,7 +355,7 @@ TEST_F(Restore, LeavingInTheMiddleTakesTheJournalAlong) {
   }
 }
 
-TEST_F(Restore, ATestEndsWithThePlaceThatCannotBeVerified) {
+TEST_P(Restore, ATestEndsWithThePlaceThatCannotBeVerified) {
   // Seek, and the read that fails.
   behind_first(Phase::restoring, [] { desktop.fail_first = desktop.fail_last = desktop.calls_made + 2; });
   EXPECT_EQ(start(disk_switches() + "/D:0 /OP:RANDOMWRITE /PASSES:20 /COUNT:8"), 1U);
@@ -366,11 +366,13 @@ TEST_F(Restore, ATestEndsWithThePlaceThatCannotBeVerified) {
   EXPECT_THAT(out(), Not(HasSubstr("Compare error at")));
 }
 
-TEST_F(Restore, ACompareErrorSaysWhereAndHowMuch) {
+TEST_P(Restore, ACompareErrorSaysWhereAndHowMuch) {
   EXPECT_EQ(start(disk_switches("drop 0 4096\n") + "/D:0 /OP:RANDOMWRITE /PASSES:1 /COUNT:2"), 0U);
   const auto lines = lines_with(out(), "Compare error at LBA ");
   ASSERT_EQ(lines.size(), 1U);
   EXPECT_THAT(lines[0], ::testing::MatchesRegex("Compare error at LBA [0-9]+: [0-9]+ bytes differ\\."));
 }
+
+ON_EACH_SECTOR_SIZE(Restore);
 
 }  // namespace

@@ -18,9 +18,9 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-class SequentialRead : public Rig {};
+class SequentialRead : public EachSectorSize {};
 
-TEST_F(SequentialRead, ReadsTheWholeDiskAndEndsWithTotals) {
+TEST_P(SequentialRead, ReadsTheWholeDiskAndEndsWithTotals) {
   open_on("sectors 20000\nserial S1\n");
   headless::desktop.seconds_per_look = 0.0078125;
   click(CmdRead_Click);
@@ -32,18 +32,19 @@ TEST_F(SequentialRead, ReadsTheWholeDiskAndEndsWithTotals) {
   EXPECT_EQ(output.ExitCode, 0);
   EXPECT_EQ(disk.hDrive, -1);
   EXPECT_EQ(virtualdisk::open_handles(), 0);
-  EXPECT_EQ(disk.Buf_LBA, 16065) << "16065 and 3935";
-  EXPECT_EQ(disk.Buf_Secs, 3935);
+  EXPECT_EQ(disk.Buf_LBA, chunk()) << "16065 and 3935";
+  EXPECT_EQ(disk.Buf_Secs, 20000 - chunk());
 }
 
-TEST_F(SequentialRead, ChunksHaveTwoSteps) {
-  EXPECT_EQ(read_chunk(16064), 16064);
-  EXPECT_EQ(read_chunk(16065), 16065);
-  EXPECT_EQ(read_chunk(20479), 16065);
+TEST_P(SequentialRead, ChunksHaveTwoSteps) {
+  disk.sizes.logical = logical;
+  EXPECT_EQ(read_chunk(16063), 16063);
+  EXPECT_EQ(read_chunk(16065), chunk());
+  EXPECT_EQ(read_chunk(20479), chunk());
   EXPECT_EQ(read_chunk(100000), 20480);
 }
 
-TEST_F(SequentialRead, AFaultIsReportedAndTheRunGoesOn) {
+TEST_P(SequentialRead, AFaultIsReportedAndTheRunGoesOn) {
   open_on("sectors 100000\nfail read 50000 1 23\n");
   click(CmdRead_Click);
   EXPECT_THAT(form1.Text1.text(), HasSubstr("Error Reading Sector 40960 for 20480 sectors.\r\n"
@@ -52,7 +53,7 @@ TEST_F(SequentialRead, AFaultIsReportedAndTheRunGoesOn) {
   EXPECT_EQ(output.ExitCode, 1);
 }
 
-TEST_F(SequentialRead, FieldsAreNormalised) {
+TEST_P(SequentialRead, FieldsAreNormalised) {
   open_on("sectors 1000\n");
   range(" 007 ", "none");
   click(CmdRead_Click);
@@ -61,7 +62,7 @@ TEST_F(SequentialRead, FieldsAreNormalised) {
   EXPECT_EQ(counters.Sectors_Done, 1);
 }
 
-TEST_F(SequentialRead, CancelStopsItAndStillPrintsTheTotals) {
+TEST_P(SequentialRead, CancelStopsItAndStillPrintsTheTotals) {
   open_on("sectors 100000\n");
   headless::desktop.pumps = 0;
   headless::desktop.at_pump = [](int pump) {
@@ -74,7 +75,7 @@ TEST_F(SequentialRead, CancelStopsItAndStillPrintsTheTotals) {
   EXPECT_EQ(output.ExitCode, 3);
 }
 
-TEST_F(SequentialRead, ExitEndsTheProcessAfterASecondAndPrintsNothing) {
+TEST_P(SequentialRead, ExitEndsTheProcessAfterASecondAndPrintsNothing) {
   open_on("sectors 100000\n");
   headless::desktop.pumps = 0;
   headless::desktop.at_pump = [](int pump) {
@@ -87,8 +88,8 @@ TEST_F(SequentialRead, ExitEndsTheProcessAfterASecondAndPrintsNothing) {
   EXPECT_THAT(form1.Text1.text(), Not(HasSubstr("Time taken")));
 }
 
-TEST_F(SequentialRead, ADriveButtonDuringARunWaitsForItsEnd) {
-  attach(3, "sectors 777\n");
+TEST_P(SequentialRead, ADriveButtonDuringARunWaitsForItsEnd) {
+  attach(3, "sectors 776\n");
   open_on("sectors 100000\n");
   headless::desktop.pumps = 0;
   headless::desktop.at_pump = [](int pump) {
@@ -97,12 +98,12 @@ TEST_F(SequentialRead, ADriveButtonDuringARunWaitsForItsEnd) {
   click(CmdRead_Click);
   EXPECT_EQ(counters.Sectors_Done, 20480);
   EXPECT_EQ(form1.SelectedDrive, 3);
-  EXPECT_EQ(form1.LblStart.text(), "Start (0-776)");
-  EXPECT_EQ(form1.TxtNoSecs.text(), "777");
+  EXPECT_EQ(form1.LblStart.text(), "Start (0-775)");
+  EXPECT_EQ(form1.TxtNoSecs.text(), "776");
   EXPECT_THAT(form1.Text1.text(), HasSubstr("Reading 100000 sectors starting at LBA 0 on drive 0"));
 }
 
-TEST_F(SequentialRead, ASecondCommandDoesNotStartInsideTheFirst) {
+TEST_P(SequentialRead, ASecondCommandDoesNotStartInsideTheFirst) {
   open_on("sectors 100000\n");
   headless::desktop.at_pump = [](int) { CmdRead_Click(); };
   click(CmdRead_Click);
@@ -110,9 +111,9 @@ TEST_F(SequentialRead, ASecondCommandDoesNotStartInsideTheFirst) {
   EXPECT_EQ(count_of(form1.Text1.text(), "Finished!"), 1);
 }
 
-TEST_F(SequentialRead, ACommandBehindADriveButtonWaitsForTheSelection) {
-  attach(3, "sectors 777\n");
-  open_on("sectors 100\n");
+TEST_P(SequentialRead, ACommandBehindADriveButtonWaitsForTheSelection) {
+  attach(3, "sectors 776\n");
+  open_on("sectors 104\n");
   headless::desktop.pumps = 0;
   headless::desktop.at_pump = [](int pump) {
     if (pump == 1) CmdWrite_Click();
@@ -122,7 +123,7 @@ TEST_F(SequentialRead, ACommandBehindADriveButtonWaitsForTheSelection) {
   EXPECT_EQ(form1.SelectedDrive, 3);
 }
 
-TEST_F(SequentialRead, WhatTheUserTypedOutranksTheCommandLinesRange) {
+TEST_P(SequentialRead, WhatTheUserTypedOutranksTheCommandLinesRange) {
   open("/START:7 /COUNT:3 " + disk_switch(0, "sectors 1000\n"));
   form1.TxtStartLBA.set_typed("100");
   form1.TxtNoSecs.set_typed("5");
@@ -131,7 +132,7 @@ TEST_F(SequentialRead, WhatTheUserTypedOutranksTheCommandLinesRange) {
   EXPECT_THAT(form1.Text1.text(), StartsWith("Reading 5 sectors starting at LBA 100"));
 }
 
-TEST_F(SequentialRead, WhatIsDoneBetweenTransfersIsNoPartOfThem) {
+TEST_P(SequentialRead, WhatIsDoneBetweenTransfersIsNoPartOfThem) {
   open_on("sectors 100000\n");
   headless::desktop.at_pump = [](int) { headless::pass_time(0.5); };
   click(CmdRead_Click);
@@ -140,8 +141,8 @@ TEST_F(SequentialRead, WhatIsDoneBetweenTransfersIsNoPartOfThem) {
   EXPECT_GT(measure.seconds, 1.5);
 }
 
-TEST_F(SequentialRead, WhatWasNotReadIsNotShown) {
-  open_on("sectors 100\nfail read 0 1\n");
+TEST_P(SequentialRead, WhatWasNotReadIsNotShown) {
+  open_on("sectors 104\nfail read 0 1\n");
   range("0", "2");
   click(CmdRead_Click);
   click(CmdDisplay_Click);
@@ -149,7 +150,7 @@ TEST_F(SequentialRead, WhatWasNotReadIsNotShown) {
   EXPECT_EQ(count_of(form1.Text1.text(), "Type: 0 "), 4) << "no bytes of anything else";
 }
 
-TEST_F(SequentialRead, AMissingDriveIsToldAndCountsItsFailures) {
+TEST_P(SequentialRead, AMissingDriveIsToldAndCountsItsFailures) {
   open("");
   range("0", "10");
   click(Option4_Click);
@@ -158,8 +159,8 @@ TEST_F(SequentialRead, AMissingDriveIsToldAndCountsItsFailures) {
   EXPECT_EQ(output.ExitCode, 2) << "1 for the drive, 1 for the transfer";
 }
 
-TEST_F(SequentialRead, AcrossMidnightTheTimeIsNegative) {
-  open_on("sectors 10\nslow 0 10 2000\n");
+TEST_P(SequentialRead, AcrossMidnightTheTimeIsNegative) {
+  open_on("sectors 16\nslow 0 16 2000\n");
   headless::desktop.midnight_seconds = 86399.0;
   click(CmdRead_Click);
   EXPECT_THAT(form1.Text1.text(), HasSubstr("Time taken= -86398 seconds"));
@@ -170,7 +171,7 @@ void give_up_from_the_third_pump() {
   headless::desktop.at_pump = [](int pump) { headless::desktop.gives_up_reads = pump >= 3; };
 }
 
-TEST_F(SequentialRead, AReadThatIsGivenUpIsNoErrorOfTheDisk) {
+TEST_P(SequentialRead, AReadThatIsGivenUpIsNoErrorOfTheDisk) {
   open_on("sectors 100000\nslow 0 100000 40000\n");
   headless::desktop.pumps = 0;
   give_up_from_the_third_pump();
@@ -184,11 +185,13 @@ TEST_F(SequentialRead, AReadThatIsGivenUpIsNoErrorOfTheDisk) {
   EXPECT_EQ(disk.Buf_Secs, 0) << "nothing of it is shown";
 }
 
-TEST_F(SequentialRead, ABatchWhoseReadIsGivenUpEndsAsCancelled) {
+TEST_P(SequentialRead, ABatchWhoseReadIsGivenUpEndsAsCancelled) {
   headless::desktop.gives_up_reads = true;
   EXPECT_EQ(start(disk_switch(0, "sectors 1000\nslow 0 1000 40000\n") + "/D:0 /OP:READ"), 3U);
   EXPECT_THAT(out(), Not(HasSubstr("ERROR:")));
   EXPECT_THAT(out(), HasSubstr("SET QV_D_READERR=0"));
 }
+
+ON_EACH_SECTOR_SIZE(SequentialRead);
 
 }  // namespace

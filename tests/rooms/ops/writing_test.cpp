@@ -18,9 +18,9 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-class Writing : public Rig {
+class Writing : public EachSectorSize {
  protected:
-  Writing() : pristine_(read_file(write_image("a.img", 100))) {}
+  Writing() : pristine_(read_file(write_image("a.img", 104))) {}
 
   /// Runs the program with /OP on drive 0, the image with `directives` more.
   std::uint32_t run_op(const std::string& switches, const std::string& directives = "") {
@@ -39,7 +39,7 @@ class Writing : public Rig {
   std::string pristine_;
 };
 
-TEST_F(Writing, ThePatternGoesToExactlyTheSectorsOfTheRun) {
+TEST_P(Writing, ThePatternGoesToExactlyTheSectorsOfTheRun) {
   EXPECT_EQ(run_op("/OP:WRITE /SERIAL:S123 /START:7 /COUNT:3 /PATTERN:01020304"), 0U);
   const std::string before = sector(6);
   const std::string after = sector(10);
@@ -51,7 +51,7 @@ TEST_F(Writing, ThePatternGoesToExactlyTheSectorsOfTheRun) {
   EXPECT_THAT(out(), HasSubstr("Writing 3 sectors starting at LBA 7 on drive 0\r\n"));
 }
 
-TEST_F(Writing, AWrongDriveOrAMistakeLeavesTheDiskAlone) {
+TEST_P(Writing, AWrongDriveOrAMistakeLeavesTheDiskAlone) {
   for (const std::string switches :
        {"/OP:WRITE /START:7", "/OP:WRITE /SERIAL:OTHER", "/OP:WRITE /SERIAL:S123 /PATTERN:12G4",
         "/OP:WRITE /SERIAL:S123 /PATTERN:123", "/OP:WRITE /SERIAL:", "/OP:RANDOMWRITE /SERIAL:X"}) {
@@ -63,13 +63,13 @@ TEST_F(Writing, AWrongDriveOrAMistakeLeavesTheDiskAlone) {
   }
 }
 
-TEST_F(Writing, ARealDiskIsRefusedUnlessWindowsIsKnownToRunFromAnother) {
+TEST_P(Writing, ARealDiskIsRefusedUnlessWindowsIsKnownToRunFromAnother) {
   // No virtual disk here: the drive is not found, or it may not be written to; it is never locked or written.
   EXPECT_EQ(start("/D:1 /OP:WRITE /SERIAL:S"), 1U);
   EXPECT_EQ(count_of(headless::desktop.debug, "FSCTL"), 0);
 }
 
-TEST_F(Writing, TheQuestionNamesTheDiskAndCancelLeavesEverythingAlone) {
+TEST_P(Writing, TheQuestionNamesTheDiskAndCancelLeavesEverythingAlone) {
   open_window();
   form1.Text1.set_text("as it was");
   headless::desktop.answers = {"CANCEL"};
@@ -78,13 +78,14 @@ TEST_F(Writing, TheQuestionNamesTheDiskAndCancelLeavesEverythingAlone) {
   EXPECT_EQ(headless::desktop.boxes[0].title, "WIPE DRIVE?");
   EXPECT_EQ(headless::desktop.boxes[0].text,
             "Warning: This Disk 0 Write operation will overwrite all existing data!\r\n\r\nModel: Virtual disk\r\n"
-            "Serial number: S123\r\nSize: 100 sectors, 0Mb\r\nVirtual disk: " +
-                path("d.vd") + "\r\nLBA 0 to 99, 100 sectors");
+            "Serial number: S123\r\nSize: 104 sectors, 0Mb" +
+                std::string(long_sectors() ? " (sectors of 4096 bytes: each is 8 sectors of 512)" : "") +
+                "\r\nVirtual disk: " + path("d.vd") + "\r\nLBA 0 to 103, 104 sectors");
   EXPECT_EQ(form1.Text1.text(), "as it was");
   EXPECT_TRUE(untouched());
 }
 
-TEST_F(Writing, TheVolumesAreLockedAroundTheWrite) {
+TEST_P(Writing, TheVolumesAreLockedAroundTheWrite) {
   open_window("volume E:\n");
   range("1", "1");
   headless::desktop.answers = {"OK"};
@@ -96,7 +97,7 @@ TEST_F(Writing, TheVolumesAreLockedAroundTheWrite) {
   EXPECT_THAT(form1.Text1.text(), HasSubstr("Writing 1 sectors starting at LBA 1 on drive 0\r\nTime taken= "));
 }
 
-TEST_F(Writing, ThreeEditedBytesAreListedAskedAboutAndWritten) {
+TEST_P(Writing, ThreeEditedBytesAreListedAskedAboutAndWritten) {
   open_window();
   range("40", "2");
   click(CmdRead_Click);
@@ -116,7 +117,7 @@ TEST_F(Writing, ThreeEditedBytesAreListedAskedAboutAndWritten) {
   EXPECT_EQ(read_file(path("a.img")), expected);
 }
 
-TEST_F(Writing, WhatTheQuestionNamesIsWhatIsWritten) {
+TEST_P(Writing, WhatTheQuestionNamesIsWhatIsWritten) {
   // A search moves the start that the command line gave.
   open("/START:10 /COUNT:30 /VDISK:0=" + disk_file(""));
   EXPECT_EQ(form1.TxtStartLBA.text() + " " + form1.TxtNoSecs.text(), "10 30") << "shown before anything runs";
@@ -132,7 +133,7 @@ TEST_F(Writing, WhatTheQuestionNamesIsWhatIsWritten) {
   EXPECT_EQ(read_file(path("a.img")).substr(0, 25 * 512), pristine_.substr(0, 25 * 512));
 }
 
-TEST_F(Writing, WithoutASecondQuestionTheFirstNamesTheRange) {
+TEST_P(Writing, WithoutASecondQuestionTheFirstNamesTheRange) {
   open("/D:0 /START:40 /COUNT:1 /VDISK:0=" + disk_file(""));
   click(CmdRead_Click);
   click(CmdDisplay_Click);
@@ -150,7 +151,7 @@ TEST_F(Writing, WithoutASecondQuestionTheFirstNamesTheRange) {
   EXPECT_THAT(sector(41), StartsWith("41 41 "));
 }
 
-TEST_F(Writing, ARangeThatIsNoPlainNumberStopsBeforeAnyQuestion) {
+TEST_P(Writing, ARangeThatIsNoPlainNumberStopsBeforeAnyQuestion) {
   open_window();
   range("40", "1");
   click(CmdRead_Click);
@@ -177,7 +178,7 @@ TEST_F(Writing, ARangeThatIsNoPlainNumberStopsBeforeAnyQuestion) {
       << "a read takes it for 0";
 }
 
-TEST_F(Writing, ABadPatternIsToldAndTheNextPressTakesTheOneInTheField) {
+TEST_P(Writing, ABadPatternIsToldAndTheNextPressTakesTheOneInTheField) {
   open_window();
   form1.TxtPattern.set_text("12G4");
   headless::desktop.answers = {"OK"};
@@ -196,7 +197,7 @@ TEST_F(Writing, ABadPatternIsToldAndTheNextPressTakesTheOneInTheField) {
 }
 
 /// What the buffer's origin and the range in the fields make of a press on WRITE using Buffer.
-TEST_F(Writing, TheBufferOfAnotherPlaceIsWrittenAfterOneMoreQuestionOnly) {
+TEST_P(Writing, TheBufferOfAnotherPlaceIsWrittenAfterOneMoreQuestionOnly) {
   write_image("b.img", 40000);
   const std::string large = "/VDISK:1=" + write_file("b.vd", "image b.img\nserial LARGE\n");
   struct Case {
@@ -246,9 +247,9 @@ TEST_F(Writing, TheBufferOfAnotherPlaceIsWrittenAfterOneMoreQuestionOnly) {
   }
 }
 
-TEST_F(Writing, ABufferThatWasNotReadIsNotTakenForSectors) {
-  open_window("fail read 3 1\n");
-  range("3", "1");
+TEST_P(Writing, ABufferThatWasNotReadIsNotTakenForSectors) {
+  open_window("fail read 8 8\n");
+  range("8", "8");
   click(CmdRead_Click);
   headless::desktop.answers = {"OK", "CANCEL"};
   click(cmdWriteBuffer_Click);
@@ -257,11 +258,11 @@ TEST_F(Writing, ABufferThatWasNotReadIsNotTakenForSectors) {
   click(CmdFillBuffer_Click);
   headless::desktop.answers = {"OK"};
   click(cmdWriteBuffer_Click);
-  EXPECT_THAT(sector(3), StartsWith("\x2C\x2C\xAA\x55")) << "a pattern has no place of its own";
+  EXPECT_THAT(sector(8), StartsWith("\x2C\x2C\xAA\x55")) << "a pattern has no place of its own";
 }
 
-TEST_F(Writing, BehindARefusedChunkNoRemainderIsWritten) {
-  const std::string pristine = read_file(write_image("b.img", 16070));
+TEST_P(Writing, BehindARefusedChunkNoRemainderIsWritten) {
+  const std::string pristine = read_file(write_image("b.img", 16072));
   open("/VDISK:0=" + write_file("b.vd", "image b.img\n"));
   range("5", "1");
   click(CmdRead_Click);
@@ -273,10 +274,10 @@ TEST_F(Writing, BehindARefusedChunkNoRemainderIsWritten) {
   EXPECT_TRUE(read_file(path("b.img")) == pristine);
 }
 
-TEST_F(Writing, ADriveThatChangedBehindTheQuestionIsNotWrittenTo) {
+TEST_P(Writing, ADriveThatChangedBehindTheQuestionIsNotWrittenTo) {
   open_window();
   virtualdisk::detach_all();
-  write_file("d.vd", "sectors 100\nserial S123\n");
+  write_file("d.vd", "sectors 104\nserial S123\n");
   ASSERT_EQ(virtualdisk::attach(0, path("d.vd")), "");
   headless::desktop.answers = {"OK", "OK"};
   headless::desktop.at_box = [this] {
@@ -288,7 +289,7 @@ TEST_F(Writing, ADriveThatChangedBehindTheQuestionIsNotWrittenTo) {
   EXPECT_TRUE(untouched());
 }
 
-TEST_F(Writing, OneProgramAtATimeWritesToADrive) {
+TEST_P(Writing, OneProgramAtATimeWritesToADrive) {
   std::string name = path("a.img");
   std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::toupper(c); });
   headless::desktop.foreign_names = {"Global\\Sectorix-" + name};
@@ -302,7 +303,7 @@ TEST_F(Writing, OneProgramAtATimeWritesToADrive) {
   EXPECT_EQ(headless::desktop.open_files, 2) << "the image and its disk file: the name was given back";
 }
 
-TEST_F(Writing, TheCaptionTellsAWindowThatWritesWithoutAsking) {
+TEST_P(Writing, TheCaptionTellsAWindowThatWritesWithoutAsking) {
   open_window();
   EXPECT_EQ(form1.Caption.text(), "Sectorix v.1.0.0 - disk read, write and test");
   open("/D:0 /VDISK:0=" + disk_file(""));
@@ -312,7 +313,7 @@ TEST_F(Writing, TheCaptionTellsAWindowThatWritesWithoutAsking) {
   EXPECT_EQ(form1.Caption.text(), "Sectorix v.1.0.0 - disk read, write and test");
 }
 
-TEST_F(Writing, AnUneditedViewSaysSoAndStillAsksBeforeItWrites) {
+TEST_P(Writing, AnUneditedViewSaysSoAndStillAsksBeforeItWrites) {
   open_window();
   range("40", "20");
   click(CmdRead_Click);
@@ -323,7 +324,7 @@ TEST_F(Writing, AnUneditedViewSaysSoAndStillAsksBeforeItWrites) {
   EXPECT_TRUE(untouched());
 }
 
-TEST_F(Writing, NonsenseInTheViewWritesNothing) {
+TEST_P(Writing, NonsenseInTheViewWritesNothing) {
   open_window();
   range("40", "1");
   click(CmdRead_Click);
@@ -337,7 +338,7 @@ TEST_F(Writing, NonsenseInTheViewWritesNothing) {
   EXPECT_TRUE(untouched());
 }
 
-TEST_F(Writing, TheFillIsBytesLongAndShownAsAPartitionTableToo) {
+TEST_P(Writing, TheFillIsBytesLongAndShownAsAPartitionTableToo) {
   open_window();
   form1.TxtPattern.set_text("a5");
   click(CmdFillBuffer_Click);
@@ -348,5 +349,7 @@ TEST_F(Writing, TheFillIsBytesLongAndShownAsAPartitionTableToo) {
   EXPECT_EQ(count_of(form1.Text1.text(), "[Sector "), 20);
   EXPECT_THAT(form1.Text1.text(), HasSubstr("Type: A5 "));
 }
+
+ON_EACH_SECTOR_SIZE(Writing);
 
 }  // namespace
