@@ -20,6 +20,7 @@
 #include "platform/window.h"
 #include "results/health_report.h"
 #include "results/results.h"
+#include "results/sector_report.h"
 
 namespace {
 
@@ -172,6 +173,7 @@ void run_in_frame(const Command& command) {
   }
   end_progress_line();
   End_Operation();
+  tell_sector_sizes(command.writes);
   tell_health(command.writes);
 }
 

@@ -10,8 +10,20 @@
 #include "ops/frame.h"
 #include "platform/console.h"
 #include "results/health_report.h"
+#include "results/sector_report.h"
 #include "smart/identification.h"
 #include "smart/snapshot.h"
+
+namespace {
+
+/// Logical and physical sector, where they have other sizes than the sectors that the list counts.
+std::string sizes_column() {
+  const SectorSizes& sizes = disk.sizes;
+  if (sizes.physical == kSectorSize) return {};
+  return "\tsectors " + std::to_string(sizes.logical) + "/" + std::to_string(sizes.physical) + " bytes";
+}
+
+}  // namespace
 
 int list_drives() {
   constexpr int kFailed = 1;
@@ -22,7 +34,8 @@ int list_drives() {
     const Identification& id = identification;
     list += std::to_string(drive) + "\t" + id.Disk_Model + "\t" + id.Disk_Serial + "\t" + id.Disk_Firmware + "\t" +
             std::to_string(id.Drive_Sectors) + "\t" + std::to_string(id.Drive_Sectors / kSectorsPerMb) + "Mb\t" +
-            bus_name(id.bus) + (serial_is_its_own() ? "" : "\tidentity of SCSI port " + std::to_string(drive)) + "\r\n";
+            bus_name(id.bus) + (serial_is_its_own() ? "" : "\tidentity of SCSI port " + std::to_string(drive)) +
+            sizes_column() + "\r\n";
   }
   close_drive();
   if (list.empty()) {
@@ -49,5 +62,6 @@ void list_smart() {
   run_findings.verdict = judge(*drive_health.after, *drive_health.after, {});
   run_findings.judged = true;
   close_drive();
+  tell_sector_sizes(false);
   tell_health(false);
 }

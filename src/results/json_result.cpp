@@ -28,6 +28,8 @@ void put_disk(const Result& result, JsonText* json) {
   json->text("firmware", result.disk.Disk_Firmware);
   json->number("sectors", sectors);
   json->number("sector_bytes", kSectorSize);
+  json->number("logical_sector_bytes", result.sizes.logical);
+  json->number("physical_sector_bytes", result.sizes.physical);
   json->text("bus", bus_name(result.disk.bus));
   json->text("identity_from", source_name(result.disk.source));
   json->close_object();

@@ -27,6 +27,7 @@ struct Result {
   int drive = 0;
   bool cancelled = false;
   Identification disk;
+  SectorSizes sizes;
   Counters counters;
   Progress rates;
   Snapshot before;

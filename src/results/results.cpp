@@ -1,5 +1,6 @@
 #include "results/results.h"
 
+#include "disk/drive.h"
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
@@ -28,6 +29,7 @@ Result collect() {
   result.drive = form1.SelectedDrive;
   result.cancelled = form1.MyCancel;
   result.disk = identification;
+  result.sizes = disk.sizes;
   result.counters = counters;
   result.rates = progress;
   result.before = frame.before;
