@@ -30,7 +30,7 @@ void Display_Buf(std::span<const std::uint8_t> buffer) {
 }
 
 void ShowMBRParams() {
-  form1.Text1.append(partition_table_text(disk.Sec_Buf.bytes()));
+  form1.Text1.append(partition_table_text(disk.Sec_Buf.bytes(), sectors_per_logical()));
 }
 
 void show_buffer_for_editing() {

@@ -52,30 +52,32 @@ std::string position_text(Entry entry, std::size_t at) {
          " SEC:" + std::to_string(entry[at + 1] & kSectorBits);
 }
 
-std::string sectors_text(std::uint32_t sectors) {
-  return std::to_string(sectors) + " (" + hex_padded(sectors, 1) + ")";
+std::string sectors_text(std::int64_t sectors) {
+  return std::to_string(sectors) + " (" + hex_padded(static_cast<std::uint64_t>(sectors), 1) + ")";
 }
 
-std::string entry_text(std::size_t number, Entry entry) {
+std::string entry_text(std::size_t number, Entry entry, std::int64_t per_logical) {
   const std::uint8_t type = entry[kType];
-  const std::uint32_t size = bytes::le32(entry, kSize);
-  std::string text = "\r\n\r\nPartition " + std::to_string(number) + " (SIZE=" + fixed_text(size / kSectorsPerGB, 3) +
+  const std::int64_t start = bytes::le32(entry, kStartLba) * per_logical;
+  const std::int64_t size = bytes::le32(entry, kSize) * per_logical;
+  std::string text = "\r\n\r\nPartition " + std::to_string(number) +
+                     " (SIZE=" + fixed_text(static_cast<double>(size) / kSectorsPerGB, 3) +
                      "GB)  Type: " + hex_padded(type, 1) + " ";
   if (type < kTypeNames.size()) text += kTypeNames[type];
   text += (entry[kStatus] & kActive) != 0 ? " ACTIVE" : "       ";
   text += "\r\nSTART POS = " + position_text(entry, kStart) + "  END POS = " + position_text(entry, kEnd);
-  text += "\r\nSTART (LBA) = " + sectors_text(bytes::le32(entry, kStartLba)) + "   SIZE (LBA) = " + sectors_text(size);
+  text += "\r\nSTART (LBA) = " + sectors_text(start) + "   SIZE (LBA) = " + sectors_text(size);
   return text;
 }
 
 }  // namespace
 
-std::string partition_table_text(std::span<const std::uint8_t> sector) {
+std::string partition_table_text(std::span<const std::uint8_t> sector, std::int64_t per_logical) {
   std::string text;
   for (std::size_t i = 0; i < kEntries; ++i) {
     const std::size_t at = kTableOffset + i * kEntrySize;
     if (at + kEntrySize > sector.size()) break;
-    text += entry_text(i + 1, sector.subspan(at).first<kEntrySize>());
+    text += entry_text(i + 1, sector.subspan(at).first<kEntrySize>(), per_logical);
   }
   return text;
 }
