@@ -5,10 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "measure/bad_places.h"
 #include "platform/units.h"
 
-/// What a run found out about the drive, beside what it measured: shown by the report's last block, the window's line,
-/// the variables and the JSON file.
+/// What a run found out about the drive, beside what it measured: shown by the report's last blocks, the window, the
+/// variables and the result files.
 
 /// How a drive is, worst first: the first that fits is the verdict.
 enum class Grade : std::uint8_t { failing, worse, doubtful, note, good, no_data };
@@ -51,6 +52,7 @@ struct RunFindings {
   bool judged = false;
   Verdict verdict{};
   TemperatureTrack temperature{};
+  std::vector<BadRange> bad{};             // by LBA
   std::vector<std::string> grown_since{};  // against the drive's history: "pending sectors 0 on 2 March, 8 now"
 };
 
