@@ -24,6 +24,9 @@ bool wanted() {
 /// How far the run is, as "  [42%, 1:05 left, reading, 41 C]"; what is not known is left out.
 std::string how_far_text() {
   if (measure.plan.kind == RunKind::none) return {};
+  if (run_findings.pinpoint.running) {
+    return "  [" + std::to_string(static_cast<int>(share_of(run_findings.pinpoint) * 100.0)) + "%, pinpointing]";
+  }
   const HowFar how = how_far(measure);
   const std::string left = how.seconds_left < 0.0 ? std::string() : duration_text(how.seconds_left) + " left, ";
   const std::string temperature = temperature_text(run_findings.temperature);

@@ -18,6 +18,7 @@ const char* bad_kind_text(BadKind kind) {
 }
 
 std::string lba_text(const BadRange& range) {
+  if (range.sectors == 1) return "LBA " + std::to_string(range.first_lba);
   return "LBA " + std::to_string(range.first_lba) + " to " + std::to_string(range.end_lba() - 1);
 }
 

@@ -34,7 +34,7 @@ struct BadRange {
   std::int64_t end_lba() const { return first_lba + sectors; }
 };
 
-/// "LBA 624000 to 624007".
+/// "LBA 624000 to 624007"; "LBA 624000" of one sector.
 std::string lba_text(const BadRange& range);
 
 /// The ranges that touch the sectors from `first_lba` to before `end_lba`, in the order given.

@@ -29,6 +29,11 @@ std::string verdict_line(const Verdict& verdict) {
   return grade_name(verdict.grade) + (facts.empty() ? std::string() : ": " + facts);
 }
 
+double share_of(const Pinpoint& pinpoint) {
+  if (pinpoint.suspects == 0) return 0.0;
+  return static_cast<double>(pinpoint.looked_at) / static_cast<double>(pinpoint.suspects);
+}
+
 std::string temperature_text(const TemperatureTrack& track) {
   if (track.samples.empty()) return {};
   return std::to_string(track.samples.back().celsius) + " C";

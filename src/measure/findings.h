@@ -47,12 +47,28 @@ struct TemperatureTrack {
 /// "41 C", of the last sample; empty where the drive does not tell.
 std::string temperature_text(const TemperatureTrack& track);
 
+/// The search for the exact places behind a read.
+struct Pinpoint {
+  bool running = false;
+  bool made = false;
+  std::int64_t suspects = 0;   // transfers that failed or stalled, as many as are kept
+  std::int64_t looked_at = 0;  // to the end
+  std::int64_t recovered = 0;  // of these, that could be read again without trouble
+  std::int64_t reads = 0;
+  double seconds = 0.0;
+  std::string stopped{};  // why it ended early; empty where it did not
+};
+
+/// The share of its transfers that it has looked at, 0 to 1.
+double share_of(const Pinpoint& pinpoint);
+
 struct RunFindings {
   int drive = kNoDrive;
   bool judged = false;
   Verdict verdict{};
   TemperatureTrack temperature{};
-  std::vector<BadRange> bad{};             // by LBA
+  std::vector<BadRange> bad{};  // by LBA
+  Pinpoint pinpoint{};
   std::vector<std::string> grown_since{};  // against the drive's history: "pending sectors 0 on 2 March, 8 now"
 };
 

@@ -52,18 +52,34 @@ const char* class_text(LatencyClass which) {
 }
 
 LatencyClass class_of(const Transfer& transfer) {
-  constexpr double kFullSize = 256.0;  // sectors
   if (transfer.error != 0) return LatencyClass::error;
-  const auto sectors = static_cast<double>(transfer.sectors);
-  double milliseconds = transfer.seconds * 1000.0;
-  if (sectors > kFullSize) milliseconds *= kFullSize / sectors;
+  const double milliseconds = transfer.beyond * 1000.0;
   std::size_t which = 0;
   while (which < kClassLimits.size() && milliseconds >= kClassLimits.at(which)) ++which;
   return static_cast<LatencyClass>(which);
 }
 
-void add_latency(const Transfer& transfer, LatencyClass which, Latency* latency) {
+bool is_stalled(const Transfer& transfer) {
+  return transfer.error == 0 && class_of(transfer) >= LatencyClass::under_500;
+}
+
+double beyond_nothing(const Transfer& transfer) {
+  constexpr double kFullSize = 256.0;  // sectors
+  const auto sectors = static_cast<double>(transfer.sectors);
+  return sectors > kFullSize ? transfer.seconds * kFullSize / sectors : transfer.seconds;
+}
+
+void add_latency_class(const Transfer& transfer, LatencyClass which, Latency* latency) {
   ++latency->classes.at(static_cast<std::size_t>(which));
+  const bool may_be_kept =
+      latency->slowest_kept > 0 && transfer.seconds >= latency->slowest.at(latency->slowest_kept - 1).seconds;
+  if (!may_be_kept) return;
+  for (Transfer& slow : latency->slowest) {
+    if (slow.start == transfer.start && slow.lba == transfer.lba) slow.beyond = transfer.beyond;
+  }
+}
+
+void add_latency(const Transfer& transfer, Latency* latency) {
   keep_slowest(transfer, latency);
   if (transfer.error != 0) return;
   ++latency->buckets.at(bucket_of(transfer.seconds));

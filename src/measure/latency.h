@@ -5,9 +5,9 @@
 
 #include "measure/transfer_record.h"
 
-/// The classes that surface scanners use: a transfer took under 3, 10, 50, 150 or 500 ms, longer, or it failed. The
-/// limits are for a transfer of at most 256 sectors; the milliseconds of a larger one are divided by sectors / 256, so
-/// that a transfer's size does not decide its class.
+/// The classes that surface scanners use: a transfer took less than 3, 10, 50, 150 or 500 ms beyond the usual time for
+/// its length, longer, or it failed. So neither its size nor the disk's pace decides its class, and one late sector in
+/// 10 MiB is seen.
 enum class LatencyClass : std::uint8_t { under_3, under_10, under_50, under_150, under_500, longer, error };
 
 inline constexpr std::size_t kLatencyClasses = 7;
@@ -16,7 +16,15 @@ inline constexpr std::array<double, 5> kClassLimits = {3.0, 10.0, 50.0, 150.0, 5
 /// The class in words, as "< 3 ms", ">= 500 ms", "error".
 const char* class_text(LatencyClass which);
 
+/// By the transfer's time beyond the usual one.
 LatencyClass class_of(const Transfer& transfer);
+
+/// True for a transfer that succeeded at least 150 ms late.
+bool is_stalled(const Transfer& transfer);
+
+/// The time beyond the usual one of a transfer without a neighbourhood: all of it for at most 256 sectors, of a larger
+/// one the time that 256 of its sectors took.
+double beyond_nothing(const Transfer& transfer);
 
 /// How long transfers took, in a fixed number of buckets: 64 to every doubling, so a percentile is off by less than
 /// 1 %. Failed transfers are in their class and among the slowest, not in the percentiles.
@@ -32,7 +40,10 @@ struct Latency {
   std::size_t slowest_kept = 0;
 };
 
-void add_latency(const Transfer& transfer, LatencyClass which, Latency* latency);
+void add_latency(const Transfer& transfer, Latency* latency);
+
+/// The same transfer's class, once it is known.
+void add_latency_class(const Transfer& transfer, LatencyClass which, Latency* latency);
 
 /// The milliseconds that `percent` (0 to 100) of the transfers did not exceed; 0 without transfers.
 double percentile(const Latency& latency, double percent);

@@ -40,7 +40,46 @@ void keep_error(const Transfer& transfer) {
   ++measure.failed;
   measure.failed_writes += writes(transfer.phase) ? 1 : 0;
   if (measure.errors_kept == Measure::kMostErrors) return;
-  measure.errors.at(measure.errors_kept++) = {transfer.lba, transfer.sectors, transfer.error, transfer.phase};
+  measure.errors.at(measure.errors_kept++) = {transfer.lba, transfer.sectors, transfer.error, transfer.phase,
+                                              transfer.seconds};
+}
+
+/// The time beyond the usual one is known: what depends on it.
+void settle(const Transfer& transfer) {
+  const LatencyClass which = class_of(transfer);
+  add_latency_class(transfer, which, &measure.latency);
+  if (transfer.error == 0) add_class(transfer, which, &measure.map);
+  if (is_stalled(transfer)) {
+    ++measure.stalled;
+    if (measure.stalls_kept < Measure::kMostStalls) measure.stalls.at(measure.stalls_kept++) = transfer;
+  }
+  if (measure.on_transfer != nullptr) measure.on_transfer(transfer);
+}
+
+/// Settles the waiting transfers from the first one on, as far as their neighbours are known. `most` more may wait.
+void settle_waiting(std::size_t most) {
+  Waiting& waiting = measure.waiting;
+  while (waiting.kept > 0) {
+    Waiting::One& one = waiting.ones.at(waiting.first);
+    const bool failed = one.transfer.error != 0;
+    if (!failed && waiting.kept <= most && !is_surrounded(one.transfer.phase, one.number, measure.usual)) return;
+    if (!failed) {
+      const std::optional<double> usual = usual_seconds(one.transfer, one.number, measure.usual);
+      one.transfer.beyond = usual ? std::max(one.transfer.seconds - *usual, 0.0) : beyond_nothing(one.transfer);
+    }
+    settle(one.transfer);
+    waiting.first = (waiting.first + 1) % Waiting::kMost;
+    --waiting.kept;
+  }
+}
+
+void wait_for_neighbours(const Transfer& transfer) {
+  Waiting& waiting = measure.waiting;
+  Waiting::One& one = waiting.ones.at((waiting.first + waiting.kept) % Waiting::kMost);
+  one.transfer = transfer;
+  if (transfer.error == 0) one.number = add_usual(transfer, &measure.usual);
+  ++waiting.kept;
+  settle_waiting(Waiting::kMost - 1);
 }
 
 }  // namespace
@@ -61,15 +100,17 @@ void begin_measuring(const RunPlan& plan) {
   measure.runs = runs;
   measure.on_transfer = on_transfer;
   measure.plan = plan;
-  if (plan.work <= 0) measure.plan.work = plan.sectors;
+  if (plan.work < 0) measure.plan.work = plan.sectors;
   measure.running = true;
   measure.phase = first_phase(plan.kind);
+  measure.next_lba = plan.first_lba;
   lay_out(plan.first_lba, plan.sectors, is_random(plan.kind), &measure.map);
 }
 
 void end_measuring(bool stopped) {
   if (!measure.running) return;
   measure.running = false;
+  settle_waiting(0);
   measure.stopped = stopped;
 }
 
@@ -80,20 +121,30 @@ void measure_phase(Phase phase) {
 void measure_transfer(const Timed& timed) {
   if (measure.plan.kind == RunKind::none) return;
   const Transfer transfer = transfer_of(timed);
-  const LatencyClass which = class_of(transfer);
   ++measure.transfers;
   measure.done += transfer.sectors;
+  measure.next_lba = transfer.lba + transfer.sectors;
   measure.seconds = transfer.start + transfer.seconds;
   if (measure.transfers == 1) note_pace(transfer.start, 0, &measure.pace);
   note_pace(measure.seconds, measure.done, &measure.pace);
-  add_latency(transfer, which, &measure.latency);
-  add_rate(transfer, which, &measure.map);
-  if (transfer.error != 0) keep_error(transfer);
+  add_latency(transfer, &measure.latency);
+  add_rate(transfer, &measure.map);
+  if (transfer.error != 0) {
+    keep_error(transfer);
+    add_class(transfer, LatencyClass::error, &measure.map);
+  }
   if (transfer.slow) {
     ++measure.slow;
     add_slow(transfer, &measure.zones);
   }
-  if (measure.on_transfer != nullptr) measure.on_transfer(transfer);
+  wait_for_neighbours(transfer);
+}
+
+int percent_not_done(const Measure& of) {
+  constexpr double kPercent = 100.0;
+  if (of.plan.work <= 0 || of.done >= of.plan.work) return 0;
+  const double left = static_cast<double>(of.plan.work - of.done) / static_cast<double>(of.plan.work);
+  return std::max(static_cast<int>(kPercent * left), 1);
 }
 
 HowFar how_far(const Measure& of) {

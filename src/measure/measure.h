@@ -8,6 +8,7 @@
 #include "measure/slow_zones.h"
 #include "measure/time_left.h"
 #include "measure/transfer_record.h"
+#include "measure/usual_time.h"
 
 /// What a run measured: plain data of one fixed size, whatever the disk's size and however many transfers there are.
 /// Nothing here knows of windows or files.
@@ -38,7 +39,7 @@ struct RunPlan {
   RunKind kind = RunKind::none;
   std::int64_t first_lba = 0;
   std::int64_t sectors = 0;  // of the range
-  std::int64_t work = 0;     // sectors that will be transferred in all; 0: as many as the range has
+  std::int64_t work = -1;    // sectors that will be transferred in all; -1: as many as the range has
 };
 
 /// A failed transfer.
@@ -47,10 +48,26 @@ struct TransferError {
   std::int64_t sectors = 0;
   std::uint32_t code = 0;
   Phase phase = Phase::reading;
+  double seconds = 0.0;
+};
+
+/// The last transfers, as long as their neighbours are not known: in the order of the run, from `first` on around the
+/// end of the array.
+struct Waiting {
+  static constexpr std::size_t kMost = 64;
+
+  struct One {
+    Transfer transfer;
+    std::int64_t number = 0;  // in its phase, of those that succeeded
+  };
+  std::array<One, kMost> ones{};
+  std::size_t first = 0;
+  std::size_t kept = 0;
 };
 
 struct Measure {
   static constexpr std::size_t kMostErrors = 1000;
+  static constexpr std::size_t kMostStalls = 1000;
 
   RunPlan plan;
   Phase phase = Phase::reading;
@@ -65,16 +82,23 @@ struct Measure {
   double first_start = 0.0;
   double last_start = 0.0;  // times of day; `days` midnights lie between them
   double days = 0.0;
+  std::int64_t next_lba = 0;  // behind the last transfer
   Pace pace;
   Latency latency;
   SlowZones zones;
   std::array<TransferError, kMostErrors> errors{};  // the first ones; `failed` counts all
   std::size_t errors_kept = 0;
+  std::int64_t stalled = 0;
+  std::array<Transfer, kMostStalls> stalls{};  // the first stalled transfers; `stalled` counts all
+  std::size_t stalls_kept = 0;
+  UsualTime usual;
+  Waiting waiting;
   RateMap map;
 
   // These two outlive a run.
-  std::uint64_t runs = 0;                          // grows by one at every begin_measuring()
-  void (*on_transfer)(const Transfer&) = nullptr;  // told of every transfer; null for nobody
+  std::uint64_t runs = 0;  // grows by one at every begin_measuring()
+  /// Told of every transfer in the run's order, once its class is known; null for nobody.
+  void (*on_transfer)(const Transfer&) = nullptr;
 };
 
 inline Measure measure;
@@ -110,3 +134,6 @@ struct HowFar {
   Phase phase = Phase::reading;
 };
 HowFar how_far(const Measure& of);
+
+/// The percent of the run's work that were not done, rounded down, but not to 0 while something is left.
+int percent_not_done(const Measure& of);

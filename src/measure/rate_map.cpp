@@ -6,11 +6,10 @@
 
 namespace {
 
-void add_to_column(const Transfer& transfer, LatencyClass which, float rate, std::int64_t sectors, RateColumn* column) {
+void add_to_column(const Transfer& transfer, float rate, std::int64_t sectors, RateColumn* column) {
   ++column->transfers;
   column->slow += transfer.slow ? 1U : 0U;
   column->errors += transfer.error != 0 ? 1U : 0U;
-  column->worst = std::max(column->worst, which);
   column->longest = std::max(column->longest, static_cast<float>(transfer.seconds));
   if (rate <= 0.0F) return;
   const bool first = column->seconds <= 0.0;
@@ -44,8 +43,24 @@ void merge(const RateColumn& from, RateColumn* into) {
   into->longest = std::max(into->longest, from.longest);
   into->transfers += from.transfers;
   into->slow += from.slow;
+  into->stalled += from.stalled;
   into->errors += from.errors;
   into->worst = std::max(into->worst, from.worst);
+}
+
+/// Calls `add` with each stretch that the transfer touches, and with how many of its sectors lie in it.
+template <typename Add>
+void each_column(const Transfer& transfer, RateMap* map, Add add) {
+  // Distances from the range's start cannot overflow once they are known to lie in it.
+  if (transfer.lba < map->first_lba || transfer.sectors <= 0) return;
+  const std::int64_t from = transfer.lba - map->first_lba;
+  if (from >= map->sectors) return;
+  const std::int64_t end = from + std::min(transfer.sectors, map->sectors - from);
+  for (std::int64_t i = from / map->column_sectors; i * map->column_sectors < end; ++i) {
+    const std::int64_t begin = i * map->column_sectors;
+    const std::int64_t within = std::min(end - begin, map->column_sectors) - std::max<std::int64_t>(from - begin, 0);
+    add(within, &map->column.at(static_cast<std::size_t>(i)));
+  }
 }
 
 }  // namespace
@@ -63,20 +78,21 @@ void lay_out(std::int64_t first_lba, std::int64_t sectors, bool keeps_points, Ra
   map->keeps_points = keeps_points;
 }
 
-void add_rate(const Transfer& transfer, LatencyClass which, RateMap* map) {
+void add_rate(const Transfer& transfer, RateMap* map) {
   const auto rate = static_cast<float>(rate_of(transfer));
   map->highest = std::max(map->highest, rate);
   if (map->keeps_points) add_point(transfer, rate, map);
-  // Distances from the range's start cannot overflow once they are known to lie in it.
-  if (transfer.lba < map->first_lba || transfer.sectors <= 0) return;
-  const std::int64_t from = transfer.lba - map->first_lba;
-  if (from >= map->sectors) return;
-  const std::int64_t end = from + std::min(transfer.sectors, map->sectors - from);
-  for (std::int64_t i = from / map->column_sectors; i * map->column_sectors < end; ++i) {
-    const std::int64_t begin = i * map->column_sectors;
-    const std::int64_t within = std::min(end - begin, map->column_sectors) - std::max<std::int64_t>(from - begin, 0);
-    add_to_column(transfer, which, rate, within, &map->column.at(static_cast<std::size_t>(i)));
-  }
+  each_column(transfer, map,
+              [&](std::int64_t within, RateColumn* column) { add_to_column(transfer, rate, within, column); });
+}
+
+void add_class(const Transfer& transfer, LatencyClass which, RateMap* map) {
+  if (which == LatencyClass::under_3) return;
+  const std::uint32_t stalled = is_stalled(transfer) ? 1 : 0;
+  each_column(transfer, map, [&](std::int64_t /*within*/, RateColumn* column) {
+    column->worst = std::max(column->worst, which);
+    column->stalled += stalled;
+  });
 }
 
 void fetch_column(std::int64_t lba, const RateMap& map) {

@@ -16,6 +16,7 @@ struct RateColumn {
   float longest = 0.0F;  // seconds of the longest transfer that touches the stretch, failed or not
   std::uint32_t transfers = 0;
   std::uint32_t slow = 0;
+  std::uint32_t stalled = 0;
   std::uint32_t errors = 0;
   LatencyClass worst = LatencyClass::under_3;
 };
@@ -52,8 +53,10 @@ struct RateMap {
 /// Lays the stretches over `sectors` sectors from `first_lba`; the map is empty before.
 void lay_out(std::int64_t first_lba, std::int64_t sectors, bool keeps_points, RateMap* map);
 
-/// Adds a transfer to the stretches it touches; what lies outside the range is left out.
-void add_rate(const Transfer& transfer, LatencyClass which, RateMap* map);
+/// Adds a transfer to the stretches it touches; what lies outside the range is left out. Its class comes once it is
+/// known.
+void add_rate(const Transfer& transfer, RateMap* map);
+void add_class(const Transfer& transfer, LatencyClass which, RateMap* map);
 
 /// A transfer from `lba` begins: the stretch that add_rate() will change comes into the processor's cache meanwhile. On
 /// a random test each is somewhere else, and its memory would be waited for after every transfer.

@@ -9,15 +9,17 @@
 /// What a transfer was part of.
 enum class Phase : std::uint8_t { reading, writing, verifying, restoring, searching };
 
+inline constexpr std::size_t kPhases = 5;
+
 /// The phase in a word: "reading", "writing", "verifying", "restoring", "searching".
 inline const char* phase_text(Phase phase) {
-  constexpr std::array<const char*, 5> kTexts = {"reading", "writing", "verifying", "restoring", "searching"};
+  constexpr std::array<const char*, kPhases> kTexts = {"reading", "writing", "verifying", "restoring", "searching"};
   return kTexts.at(static_cast<std::size_t>(phase));
 }
 
 /// The phase as files name it: "read", "write", "verify", "restore", "search".
 inline const char* phase_name(Phase phase) {
-  constexpr std::array<const char*, 5> kNames = {"read", "write", "verify", "restore", "search"};
+  constexpr std::array<const char*, kPhases> kNames = {"read", "write", "verify", "restore", "search"};
   return kNames.at(static_cast<std::size_t>(phase));
 }
 
@@ -35,6 +37,7 @@ struct Transfer {
   std::int64_t sectors = 0;
   double start = 0.0;  // since the run's first transfer began
   double seconds = 0.0;
+  double beyond = 0.0;  // the usual time for its length; 0 for a failed one
 };
 
 /// A transfer's rate in MB/s; 0 for a failed one, which moved nothing, and for one too short for the clock.

@@ -16,7 +16,7 @@ using platform::Rect;
 constexpr int kSmallestCell = 9;  // pixels at 96 dpi
 
 std::vector<LegendEntry> legend_of(const Measure& measured, const Palette& palette) {
-  std::vector<LegendEntry> entries;
+  std::vector<LegendEntry> entries{{LegendEntry::Sign::none, {}, "beyond usual:"}};
   for (std::size_t i = 0; i < kLatencyClasses; ++i) {
     const auto which = static_cast<LatencyClass>(i);
     const auto sign = which == LatencyClass::error ? LegendEntry::Sign::crossed_box : LegendEntry::Sign::box;

@@ -17,6 +17,11 @@ using platform::Rect;
 constexpr int kBar = 10;  // pixels at 96 dpi
 constexpr int kPercent = 100;
 
+/// Of the run, or of the search behind it.
+double share_shown() {
+  return run_findings.pinpoint.running ? share_of(run_findings.pinpoint) : how_far(measure).share;
+}
+
 std::string description() {
   const ProgressWords words = progress_words();
   if (words.what.empty()) return "Progress";
@@ -37,13 +42,13 @@ void paint(Canvas* canvas) {
   fill(canvas, {0, top, size.width, size.height - top}, palette.frame);
   const Rect inner{edge, top + edge, size.width - 2 * edge, size.height - top - 2 * edge};
   fill(canvas, inner, palette.paper);
-  const int done = static_cast<int>(how_far(measure).share * inner.width);
+  const int done = static_cast<int>(share_shown() * inner.width);
   if (done > 0) fill(canvas, {inner.x, inner.y, done, inner.height}, palette.average);
 }
 
 std::uint64_t revision() {
   constexpr double kSteps = 10000.0;
-  const auto share = static_cast<std::uint64_t>(how_far(measure).share * kSteps);
+  const auto share = static_cast<std::uint64_t>(share_shown() * kSteps);
   return std::hash<std::string>{}(description()) + share;
 }
 
@@ -53,6 +58,11 @@ const platform::Picture kProgressPicture = {paint, revision, description, nullpt
 
 ProgressWords progress_words() {
   if (measure.plan.kind == RunKind::none) return {};
+  if (const Pinpoint& pinpoint = run_findings.pinpoint; pinpoint.running) {
+    const std::string waited = progress_bar.waiting > 0 ? "waiting " + std::to_string(progress_bar.waiting) + " s" : "";
+    return {"pinpointing " + std::to_string(pinpoint.looked_at + 1) + " of " + std::to_string(pinpoint.suspects),
+            waited};
+  }
   const HowFar how = how_far(measure);
   const std::string percent = std::to_string(static_cast<int>(how.share * kPercent)) + "%";
   if (!measure.running) return {measure.stopped ? "stopped at " + percent : "finished", {}};
@@ -64,6 +74,7 @@ ProgressWords progress_words() {
 }
 
 platform::Share progress_share() {
+  if (run_findings.pinpoint.running) return {share_of(run_findings.pinpoint), measure.failed > 0, -1.0};
   const HowFar how = how_far(measure);
   return {how.share, measure.failed > 0, how.seconds_left};
 }

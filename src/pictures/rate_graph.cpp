@@ -54,6 +54,9 @@ std::vector<LegendEntry> legend_of(const Measure& measured, double slow_limit, c
   }
   entries.push_back({Sign::dashes, palette.limit, "limit " + double_text(slow_limit)});
   entries.push_back({Sign::triangle, palette.slow, "slow: " + std::to_string(measured.slow)});
+  if (measured.stalled > 0) {
+    entries.push_back({Sign::triangle, palette.slow, "stalled: " + std::to_string(measured.stalled)});
+  }
   entries.push_back({Sign::cross, palette.error, "errors: " + std::to_string(measured.failed)});
   return entries;
 }

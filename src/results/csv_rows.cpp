@@ -39,7 +39,7 @@ std::string flush() {
 }  // namespace
 
 std::string_view csv_header() {
-  return "seconds,operation,lba,sectors,milliseconds,mb_per_s,error\r\n";
+  return "seconds,operation,lba,sectors,milliseconds,mb_per_s,error,beyond_ms\r\n";
 }
 
 void begin_csv(const std::string& name) {
@@ -67,6 +67,8 @@ void add_csv_row(const Transfer& transfer) {
   put_fixed(rate_of(transfer), kThousandths);
   put(",");
   put_number(transfer.error);
+  put(",");
+  put_fixed(transfer.beyond * 1000.0, kThousandths);
   put("\r\n");
   // Between a visit's write and its write-back no file is waited for either: there is room for the visit's other rows.
   const std::size_t rows_of_room = output.report_held ? 1 : kRowsOfVisit;

@@ -11,7 +11,7 @@
 /// The CSV file (RFC 4180, lines end in CR LF): the names of the columns, then a row a transfer, written while the run
 /// goes on from a buffer of fixed size.
 
-/// seconds,operation,lba,sectors,milliseconds,mb_per_s,error
+/// seconds,operation,lba,sectors,milliseconds,mb_per_s,error,beyond_ms
 std::string_view csv_header();
 
 struct CsvRows {

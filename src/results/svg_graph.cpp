@@ -25,7 +25,7 @@ constexpr int kMostTicksY = 8;
 constexpr const char* kStyle =
     "<style>text{font:12px sans-serif;fill:#222}.title{font-size:15px}.tick{stroke:#ddd}.frame{fill:none;stroke:#888}"
     ".band{fill:#a6cee3}.line{fill:none;stroke:#1f4e79;stroke-width:1.5}.point{fill:#1f4e79}"
-    ".limit{stroke:#666;stroke-dasharray:6 4}.slow{fill:#e08214;stroke:#7f3b08}"
+    ".limit{stroke:#666;stroke-dasharray:6 4}.slow,.stalled{fill:#e08214;stroke:#7f3b08}"
     ".error{fill:none;stroke:#b2182b;stroke-width:2.5}.hover{fill:#000;fill-opacity:0}"
     ".hover:hover{fill-opacity:.08}</style>\n";
 
@@ -158,7 +158,7 @@ std::string marks(const Drawing& drawing) {
   for (const GraphMark& mark : graph_marks(drawing.measured.map, kPlotWidth, kWidestMark)) {
     const double x = kLeft + static_cast<double>(mark.pixel) + 0.5;
     const double y = mark.error ? kErrorLine : y_at(drawing, mark.lowest_rate);
-    const char* const kind = mark.error ? "error" : "slow";
+    const char* const kind = mark.error ? "error" : mark.stalled ? "stalled" : "slow";
     svg += std::string("<path class=\"") + kind + "\" data-first-lba=\"" + std::to_string(mark.first_lba) +
            "\" data-end-lba=\"" + std::to_string(mark.end_lba) + "\" d=\"" + mark_shape(mark.error, x, y) +
            "\"><title>" + kind + ": " + range_text(mark.first_lba, mark.end_lba) + ", " +
@@ -191,13 +191,14 @@ std::string legend(const Drawing& drawing) {
   constexpr int kY = kBottom + 52;
   constexpr int kBelow = kBottom + 74;
   const Measure& measured = drawing.measured;
-  std::string classes = "Transfers: ";
+  std::string classes = "Transfers by the time beyond the usual: ";
   for (std::size_t i = 0; i < kLatencyClasses; ++i) {
     classes += std::string(i == 0 ? "" : ", ") + class_text(static_cast<LatencyClass>(i)) + ": " +
                std::to_string(measured.latency.classes.at(i));
   }
   return "<path class=\"slow\" d=\"" + mark_shape(false, kLeft + 6, kY - 4) + "\"/>\n" +
-         text_at(kLeft + 18, kY, "", "slow transfers: " + std::to_string(measured.slow)) +
+         text_at(kLeft + 18, kY, "",
+                 "slow: " + std::to_string(measured.slow) + ", stalled: " + std::to_string(measured.stalled)) +
          "<path class=\"error\" d=\"" + mark_shape(true, kLeft + 186, kY - 4) + "\"/>\n" +
          text_at(kLeft + 198, kY, "", "errors: " + std::to_string(measured.failed)) + "<line class=\"limit\" x1=\"" +
          std::to_string(kLeft + 340) + "\" x2=\"" + std::to_string(kLeft + 376) + "\" y1=\"" + std::to_string(kY - 4) +

@@ -30,18 +30,39 @@ class MeasureTest : public Rig {
   double now = 1000.0;
 };
 
-TEST_F(MeasureTest, ClassesAreScaledToTheTransfersSize) {
-  const auto at = [](std::int64_t sectors, double ms, std::uint32_t error = 0) {
-    return class_of({.error = error, .sectors = sectors, .seconds = ms / 1000.0});
-  };
-  EXPECT_EQ(at(1, 2.99), LatencyClass::under_3);
-  EXPECT_EQ(at(256, 3.01), LatencyClass::under_10);
-  EXPECT_EQ(at(512, 5.9), LatencyClass::under_3);
-  EXPECT_EQ(at(20480, 80 * 49.0), LatencyClass::under_50);
-  EXPECT_EQ(at(256, 149.0), LatencyClass::under_150);
-  EXPECT_EQ(at(256, 499.0), LatencyClass::under_500);
-  EXPECT_EQ(at(256, 500.0), LatencyClass::longer);
-  EXPECT_EQ(at(256, 1.0, 23), LatencyClass::error);
+TEST_F(MeasureTest, AStalledSectorIsSeenWhateverTheTransfersLength) {
+  for (const std::int64_t sectors : {std::int64_t{8}, std::int64_t{20480}}) {
+    begin_measuring({.kind = RunKind::read, .sectors = 30 * sectors});
+    lba = 0;
+    const double usual = static_cast<double>(sectors) / 2048.0 / 100.0;
+    for (const double stall : {0.7, 0.0, 0.0, 0.45, 0.0, 0.0, 0.0, 0.3, 0.3, 0.0, 0.1, 0.0, 0.0, 0.02, 0.0, 0.51})
+      transfer(sectors, usual + stall);
+    end_measuring(false);
+    EXPECT_EQ(measure.latency.classes, (std::array<std::int64_t, kLatencyClasses>{9, 0, 1, 1, 3, 2, 0})) << sectors;
+    EXPECT_EQ(measure.stalled, 5);
+    EXPECT_EQ(measure.stalls.at(0).lba, 0);
+    EXPECT_NEAR(measure.stalls.at(1).beyond, 0.45, 1e-9);
+    EXPECT_EQ(pixel_column(measure.map, 3, 30).facts.worst, LatencyClass::under_500) << "a cell is its worst transfer";
+    EXPECT_GT(pixel_column(measure.map, 15, 30).facts.stalled, 0U);
+  }
+}
+
+TEST_F(MeasureTest, ADiskThatIsSlowOrGetsSlowerDoesNotStall) {
+  begin_measuring({.kind = RunKind::read, .sectors = 300 * 20480});
+  for (int i = 0; i < 100; ++i) transfers(1, 20480, 180.0 - i);
+  for (int i = 0; i < 100; ++i) transfers(1, 20480, 2.0);
+  end_measuring(false);
+  EXPECT_GE(measure.latency.classes.at(0), 185);
+  EXPECT_LE(measure.stalled, 7) << "where the pace breaks";
+}
+
+TEST_F(MeasureTest, AFewTransfersAreJudgedByTheirLengthAlone) {
+  begin_measuring({.kind = RunKind::read, .sectors = 100000});
+  transfer(256, 0.2);
+  transfer(20480, 0.2);
+  transfer(256, 0.01, false, 23);
+  end_measuring(false);
+  EXPECT_EQ(measure.latency.classes, (std::array<std::int64_t, kLatencyClasses>{1, 0, 0, 0, 1, 0, 1}));
 }
 
 TEST_F(MeasureTest, PercentilesStayWithinOnePercent) {
@@ -160,6 +181,7 @@ TEST_F(MeasureTest, PhasesNameWhatATransferWasPartOf) {
   one(false);
   measure_phase(Phase::restoring);
   one(true);
+  end_measuring(false);
   EXPECT_EQ(seen, (std::vector<std::string>{"reading", "writing", "verifying", "restoring"}));
 }
 

@@ -78,7 +78,7 @@ TEST_F(PanelPicture, MarksStandWhereTheDiskIsSlowAndUnreadable) {
     EXPECT_THAT(marks(canvas, Mark::triangle), ::testing::ElementsAre(::testing::DoubleNear(kSlow / kSectors, 0.01)));
     EXPECT_THAT(marks(canvas, Mark::cross),
                 ::testing::ElementsAre(::testing::DoubleNear(kUnreadable / kSectors, 0.01)));
-    EXPECT_THAT(texts(canvas), ::testing::IsSupersetOf({"MB/s", "slow: 2", "errors: 1", "0.2 GB", "100"}));
+    EXPECT_THAT(texts(canvas), ::testing::IsSupersetOf({"MB/s", "slow: 2", "stalled: 2", "errors: 1", "0.2 GB", "100"}));
   }
 }
 
@@ -139,7 +139,7 @@ TEST_F(PanelPicture, TheBlockMapShowsTheWorstOfEachCell) {
   map_tab_click();
   EXPECT_TRUE(panel.map_tab.on() && !panel.graph_tab.on());
   const Canvas canvas = painted();
-  EXPECT_THAT(texts(canvas), ::testing::IsSupersetOf({"error: 1", "< 50 ms: 2", "< 3 ms: 100"}));
+  EXPECT_THAT(texts(canvas), ::testing::IsSupersetOf({"error: 1", ">= 500 ms: 2", "< 150 ms: 0", "beyond usual:"}));
   const auto color_at = [&](double lba) {
     const auto cell = static_cast<std::int64_t>(lba / kSectors * static_cast<double>(panel.grid.cells));
     const platform::Rect place = place_of_cell(panel.grid, cell);
