@@ -58,6 +58,7 @@ bool read_operation(const std::string& value, Asked* result) {
   if (command == nullptr || !command->has_switch) return false;
   result->op = command->name;
   result->writes = command->writes;
+  result->has_range = command->has_range;
   return true;
 }
 
@@ -119,6 +120,23 @@ bool read_max_celsius(const std::string& value, Asked* result) {
   return taken;
 }
 
+/// OFF, or nothing, or seconds, or seconds and errors: "120", "120,50".
+bool read_pinpoint(const std::string& value, Asked* result) {
+  constexpr std::int64_t kMost = 1'000'000;
+  result->pinpoint = upper_case(value) != "OFF";
+  if (value.empty() || !*result->pinpoint) return true;
+  const std::size_t comma = value.find(',');
+  std::int64_t seconds = 0;
+  if (!take_number(std::string_view(value).substr(0, comma), 1, kMost, &seconds)) return false;
+  result->pinpoint_seconds = static_cast<int>(seconds);
+  return comma == std::string::npos ||
+         take_number(std::string_view(value).substr(comma + 1), 1, kMost, &result->pinpoint_errors);
+}
+
+bool read_stop_after(const std::string& value, Asked* result) {
+  return take_number(value, 1, std::numeric_limits<std::int64_t>::max(), &result->stop_after);
+}
+
 bool read_exit(const std::string& value, Asked* result) {
   result->exit_by_verdict = upper_case(value) == "VERDICT";
   return result->exit_by_verdict;
@@ -134,65 +152,88 @@ bool read_usage(const std::string& /*value*/, Asked* result) {
   return true;
 }
 
+/// Whether a colon and a value stand behind a switch.
+enum class Takes : std::uint8_t { nothing, value, either };
+
 /// A switch of our own: how it is taken from its value, and its line of help.
 struct Switch {
   const char* name;
-  bool has_value;
+  Takes takes;
   bool repeats;
   bool (*take)(const std::string& value, Asked* result);
   const char* help;
 };
 
 constexpr std::array kSwitches = {
-    Switch{"/VDISK", true, true, read_virtual_disk,
+    Switch{"/VDISK", Takes::value, true, read_virtual_disk,
            "/VDISK:n=FILE     attach a virtual disk as drive n: a disk file (.vd), an image (.img .raw .bin .dd),\r\n"
            "                  or DEMO, the practice disk"},
-    Switch{"/OP", true, false, read_operation,
+    Switch{"/OP", Takes::value, false, read_operation,
            "/OP:NAME          run one command and end with its exit code: READ, WRITE (pattern), RANDOMREAD,\r\n"
            "                  RANDOMWRITE (non-destructive), SEARCH, SHOW (sectors in hex), SMART (listing),\r\n"
            "                  RESTORE (give back what an interrupted RANDOMWRITE left)"},
-    Switch{"/LIST", false, false, read_list,
+    Switch{"/LIST", Takes::nothing, false, read_list,
            "/LIST             list the drives that answer: number, model, serial, firmware, sectors, size"},
-    Switch{"/START", true, false, read_start, "/START:lba        first LBA of the run"},
-    Switch{"/COUNT", true, false, read_count,
+    Switch{"/START", Takes::value, false, read_start, "/START:lba        first LBA of the run"},
+    Switch{"/COUNT", Takes::value, false, read_count,
            "/COUNT:n          number of sectors; of a random test: sectors per visit, at most 16065"},
-    Switch{"/PASSES", true, false, read_passes, "/PASSES:n         passes of a random test"},
-    Switch{"/SLOW", true, false, read_slow,
+    Switch{"/PASSES", Takes::value, false, read_passes, "/PASSES:n         passes of a random test"},
+    Switch{"/SLOW", Takes::value, false, read_slow,
            "/SLOW:n           report transfers slower than n MB/s; AUTO: half the average"},
-    Switch{"/PATTERN", true, false, read_pattern, "/PATTERN:hex      fill pattern: 2, 4, 6 or 8 hex digits"},
-    Switch{"/FIND", true, false, read_find,
+    Switch{"/PATTERN", Takes::value, false, read_pattern, "/PATTERN:hex      fill pattern: 2, 4, 6 or 8 hex digits"},
+    Switch{"/FIND", Takes::value, false, read_find,
            "/FIND:text        search string: tText, TText (any case), H0531 (bytes), !H2E (first other byte)"},
-    Switch{"/SERIAL", true, false,
+    Switch{"/SERIAL", Takes::value, false,
            [](const std::string& value, Asked* result) { return take_text(value, &result->serial); },
            "/SERIAL:text      serial number that the drive must carry; WRITE needs it"},
-    Switch{"/JOURNAL", true, false,
+    Switch{"/JOURNAL", Takes::value, false,
            [](const std::string& value, Asked* result) { return take_text(value, &result->journal); },
            "/JOURNAL:FOLDER   where RANDOMWRITE keeps its undo journal; never on the disk under test"},
-    Switch{"/HISTORY", true, false,
+    Switch{"/HISTORY", Takes::value, false,
            [](const std::string& value, Asked* result) { return take_text(value, &result->history); },
            "/HISTORY:FOLDER   add a line for this run to the drive's history there, and tell what grew since the last"},
-    Switch{"/MAXTEMP", true, false, read_max_celsius,
+    Switch{"/MAXTEMP", Takes::value, false, read_max_celsius,
            "/MAXTEMP:c        pause at c degrees Celsius (20 to 120) until the drive is 5 degrees cooler"},
-    Switch{"/EXIT", true, false, read_exit,
+    Switch{"/EXIT", Takes::value, false, read_exit,
            "/EXIT:VERDICT     end with the verdict on the drive: 100001 GOOD, 100002 NOTE, 100003 NO DATA,\r\n"
            "                  100004 DOUBTFUL, 100005 WORSE, 100006 FAILING"},
-    Switch{"/REPORT", true, false,
+    Switch{
+        "/PINPOINT", Takes::either, false, read_pinpoint,
+        "/PINPOINT         behind READ and SEARCH find the exact bad sectors of what failed or stalled, by reading\r\n"
+        "                  it again in pieces; on in a window. /PINPOINT:s or :s,n for at most s seconds (300) and "
+        "n\r\n"
+        "                  failed reads (1000), /PINPOINT:OFF for not at all"},
+    Switch{"/STOPAFTER", Takes::value, false, read_stop_after,
+           "/STOPAFTER:n      end the run when n transfers have failed"},
+    Switch{"/REPORT", Takes::value, false,
            [](const std::string& value, Asked* result) { return take_text(value, &result->report); },
            "/REPORT:FILE      write the report to FILE; - is standard output, the default with /OP"},
-    Switch{"/VARS", true, false,
+    Switch{"/VARS", Takes::value, false,
            [](const std::string& value, Asked* result) { return take_text(value, &result->vars); },
            "/VARS:FILE        append the report variables to FILE; - likewise"},
-    Switch{"/CSV", true, false, [](const std::string& value, Asked* result) { return take_text(value, &result->csv); },
+    Switch{"/CSV", Takes::value, false,
+           [](const std::string& value, Asked* result) { return take_text(value, &result->csv); },
            "/CSV:FILE         write a row for every transfer"},
-    Switch{"/JSON", true, false,
+    Switch{"/JSON", Takes::value, false,
            [](const std::string& value, Asked* result) { return take_text(value, &result->json); },
            "/JSON:FILE        write the whole result as one JSON document"},
-    Switch{"/GRAPH", true, false,
+    Switch{"/GRAPH", Takes::value, false,
            [](const std::string& value, Asked* result) { return take_text(value, &result->graph); },
            "/GRAPH:FILE.svg   write the transfer-rate graph"},
-    Switch{"/QUIET", false, false, [](const std::string&, Asked* result) { return result->quiet = true; },
+    Switch{
+        "/MAP", Takes::value, false,
+        [](const std::string& value, Asked* result) { return take_text(value, &result->map); },
+        "/MAP:FILE         write a map of what was read, failed and not tried, every 30 seconds and at the end: a\r\n"
+        "                  mapfile of GNU ddrescue"},
+    Switch{"/RESUME", Takes::value, false,
+           [](const std::string& value, Asked* result) { return take_text(value, &result->resume); },
+           "/RESUME:FILE      READ only what such a map says was not done; the drive must be the one of the map"},
+    Switch{"/BADLIST", Takes::value, false,
+           [](const std::string& value, Asked* result) { return take_text(value, &result->badlist); },
+           "/BADLIST:FILE     write a line for each bad range: first LBA, sectors, kind, system error"},
+    Switch{"/QUIET", Takes::nothing, false, [](const std::string&, Asked* result) { return result->quiet = true; },
            "/QUIET            no progress on standard error"},
-    Switch{"/?", false, false, read_usage, "/?                this text"},
+    Switch{"/?", Takes::nothing, false, read_usage, "/?                this text"},
 };
 
 /// The switch that `token` gives, or null: its whole text, or its name up to a colon.
@@ -236,6 +277,7 @@ std::string judge_operation(const Asked& result) {
   const Command& command = result.op.empty() ? none : *command_named(result.op);
   const std::string shown = "/OP:" + result.op;
   if (command.needs_serial && !result.serial) return shown + " needs /SERIAL:text, the drive's serial number.";
+  if (result.resume && result.op != "READ") return "/RESUME needs /OP:READ.";
   if (result.find && !command.takes_find) return "/FIND needs /OP:SEARCH.";
   if (command.takes_find && !result.find) return shown + " needs /FIND:text.";
   if (command.most_count != 0 && result.count > command.most_count) return command.above_most;
@@ -244,11 +286,13 @@ std::string judge_operation(const Asked& result) {
 
 /// Without a drive nothing is written.
 std::string judge_outputs(const Asked& result) {
-  const std::array<std::pair<const char*, bool>, 5> outputs = {{{"/REPORT", result.report.has_value()},
+  const std::array<std::pair<const char*, bool>, 7> outputs = {{{"/REPORT", result.report.has_value()},
                                                                 {"/VARS", result.vars.has_value()},
                                                                 {"/CSV", result.csv.has_value()},
                                                                 {"/JSON", result.json.has_value()},
-                                                                {"/GRAPH", result.graph.has_value()}}};
+                                                                {"/GRAPH", result.graph.has_value()},
+                                                                {"/BADLIST", result.badlist.has_value()},
+                                                                {"/MAP", result.map.has_value()}}};
   for (const auto& [name, given] : outputs) {
     if (given) return std::string(name) + " needs /D:n, n from 0 to 7.";
   }
@@ -278,7 +322,8 @@ std::string take_switch(const Switch& row, const Token& token, std::vector<const
   if (token.unclosed) return shown + " has a quote that is not closed.";
   const std::size_t colon = token.text.find(':');
   const bool has_value = colon != std::string::npos;
-  if (row.has_value != has_value || !row.take(has_value ? token.text.substr(colon + 1) : std::string(), result)) {
+  const bool shaped = row.takes == Takes::either || (row.takes == Takes::value) == has_value;
+  if (!shaped || !row.take(has_value ? token.text.substr(colon + 1) : std::string(), result)) {
     return shown + " has a bad value; /? lists all switches.";
   }
   return {};

@@ -14,12 +14,15 @@
 #include "form/progress_line.h"
 #include "ops/frame.h"
 #include "ops/operations.h"
+#include "ops/pinpoint.h"
+#include "ops/range_end.h"
 #include "ops/restore.h"
 #include "ops/selection.h"
 #include "ops/write_guard.h"
 #include "platform/window.h"
 #include "results/health_report.h"
 #include "results/results.h"
+#include "results/run_report.h"
 #include "results/sector_report.h"
 
 namespace {
@@ -46,13 +49,16 @@ std::string wipe_title() {
 constexpr std::array kCommands = {
     Command{.name = "READ",
             .has_switch = true,
+            .has_range = true,
             .trace = "READTOEND",
             .plan = plan_read,
             .transfer = Seq_Read,
-            .report = report_read},
+            .report = report_read,
+            .finds_bad_places = true},
     Command{.name = "WRITE",
             .has_switch = true,
             .needs_serial = true,
+            .has_range = true,
             .prepare = fill,
             .trace = "WRITETOEND",
             .question = wipe_title,
@@ -89,21 +95,25 @@ constexpr std::array kCommands = {
     Command{.name = "SEARCH",
             .has_switch = true,
             .takes_find = true,
+            .has_range = true,
             .prepare = ask_search_string,
             .trace = "READTOEND",
             .plan = plan_search,
             .timed = false,
             .transfer = search_range,
-            .report = report_search},
+            .report = report_search,
+            .finds_bad_places = true},
     Command{.name = "SHOW",
             .has_switch = true,
             .most_count = kShownSectors,
             .above_most = "/OP:SHOW shows at most 20 sectors.",
+            .has_range = true,
             .plan = plan_show,
             .transfer = Seq_Read,
             .report = report_show},
     Command{.name = "SMART", .has_switch = true, .alone = list_smart, .unmeasured_name = "smart"},
     Command{.name = "WRITE BUFFER",
+            .has_range = true,
             .prepare = take_edited_buffer,
             .trace = "WRITEBUFFTOEND",
             .question = write_buffer_title,
@@ -145,6 +155,7 @@ void run_operation(const Command& command) {
 
 bool may_begin(const Command& command) {
   if (command.prepare != nullptr && !command.prepare()) return false;
+  if (command.has_range && !confirm_range()) return false;
   if (command.trace != nullptr) ShowMessage(std::string("Started HDD - ") + command.trace);
   if (command.question != nullptr && !confirm_write(command.question(), Overwritten::range)) return false;
   return command.confirm == nullptr || command.confirm();
@@ -157,6 +168,12 @@ void run_writing(const Command& command) {
   MY_DISMOUNT_VOLUME(disk.hDrive);
   run_operation(command);
   Lock_Unlock_All_Volumes(form1.SelectedDrive, "UNLOCK");
+}
+
+void find_bad_places() {
+  list_bad_transfers();
+  if (wants_pinpoint()) pinpoint();
+  tell_bad_places();
 }
 
 void run_in_frame(const Command& command) {
@@ -175,6 +192,9 @@ void run_in_frame(const Command& command) {
   End_Operation();
   tell_sector_sizes(command.writes);
   tell_health(command.writes);
+  end_measuring(form1.MyCancel);
+  tell_run_end();
+  if (command.finds_bad_places && measured_something()) find_bad_places();
 }
 
 /// Deals with what was pressed meanwhile as during the command, then gives the buttons back.

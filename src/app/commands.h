@@ -23,8 +23,10 @@ struct Command {
   const char* above_most = "";  // what a larger one is told
 
   // Before its frame, in this order.
-  bool (*prepare)() = nullptr;          // false leaves the command
-  const char* trace = nullptr;          // the line that says what has started
+  bool has_range = false;       // its place is the range in the fields, which is asked about where it ends behind
+                                // the disk, after `prepare`
+  bool (*prepare)() = nullptr;  // false leaves the command
+  const char* trace = nullptr;  // the line that says what has started
   std::string (*question)() = nullptr;  // title of the question whether the disk may be overwritten
   bool (*confirm)() = nullptr;          // asks what no mode leaves out
 
@@ -35,6 +37,7 @@ struct Command {
   bool timed = true;  // the totals tell the time between its first and last transfer
   void (*transfer)(const RunPlan& plan) = nullptr;
   void (*report)() = nullptr;
+  bool finds_bad_places = false;  // behind the frame, where its transfers failed or stalled
 
   // In place of all that for a command that is no operation: it has no frame, and nothing to measure.
   void (*alone)() = nullptr;

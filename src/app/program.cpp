@@ -15,6 +15,7 @@
 #include "ops/restore.h"
 #include "platform/console.h"
 #include "platform/window.h"
+#include "results/map_writer.h"
 #include "results/output_file.h"
 #include "virtualdisk/virtualdisk.h"
 
@@ -37,10 +38,11 @@ std::string attach_virtual_disks() {
   return {};
 }
 
-/// Looks at the names of all output files, opens the report and names the variables file; both are standard output for
-/// a batch unless it says otherwise.
+/// Looks at the names of all output files, takes the map of a run that is resumed, opens the report and names the
+/// variables file; both are standard output for a batch unless it says otherwise.
 std::string open_outputs() {
   std::string problem = check_output_names();
+  if (problem.empty()) problem = load_resumed_map();
   if (!problem.empty()) return problem;
   output.ReportFileName = asked.vars.value_or(in_batch() ? "-" : "");
   const std::string report = asked.report.value_or(in_batch() ? "-" : "");

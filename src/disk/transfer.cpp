@@ -6,6 +6,7 @@
 
 #include "disk/counters.h"
 #include "disk/drive.h"
+#include "disk/early_end.h"
 #include "disk/error_text.h"
 #include "disk/progress.h"
 #include "form/form1.h"
@@ -81,7 +82,9 @@ bool transfer_once(std::int64_t lba, std::int64_t sectors, bool tells_slow, bool
                     .sectors = sectors,
                     .start = progress.XferStart,
                     .end = progress.XferEnd});
+  const std::uint32_t code = done ? 0 : disk.Errno;
   if (!done) direction.report_failure(lba, sectors);
+  note_outcome(code);
   counters.Sectors_Done += sectors;
   return done;
 }
@@ -104,7 +107,7 @@ bool transfer_all(std::int64_t* lba, std::int64_t total, std::int64_t per_transf
       const bool shown = show_progress_line();
       const bool pumped = platform::pump_events();
       const bool worked = work_between_transfers();
-      if (form1.MyCancel) break;
+      if (told_to_stop()) break;
       in_a_row = progress.in_a_row && !shown && !pumped && !worked;
     }
     const bool done = transfer_once<direction>(*lba, per_transfer, true, in_a_row);
@@ -120,18 +123,22 @@ bool transfer_all(std::int64_t* lba, std::int64_t total, std::int64_t per_transf
   return all_done;
 }
 
+bool do_what_is_due(BetweenTransfers::Due* due) {
+  constexpr std::uint64_t kEvery = 30'000;  // milliseconds
+  if (due->work == nullptr) return false;
+  const std::uint64_t now = platform::coarse_milliseconds();
+  if (due->due == 0) due->due = now + kEvery;
+  if (now < due->due) return false;
+  due->due = now + kEvery;
+  due->work();
+  return true;
+}
+
 }  // namespace
 
 bool work_between_transfers() {
-  constexpr std::uint64_t kEvery = 30'000;  // milliseconds
-  BetweenTransfers& between = between_transfers;
-  if (between.work == nullptr) return false;
-  const std::uint64_t now = platform::coarse_milliseconds();
-  if (between.due == 0) between.due = now + kEvery;
-  if (now < between.due) return false;
-  between.due = now + kEvery;
-  between.work();
-  return true;
+  const bool looked = do_what_is_due(&between_transfers.temperature);
+  return do_what_is_due(&between_transfers.map) || looked;
 }
 
 std::int64_t lba_after(std::int64_t lba, std::int64_t sectors) {

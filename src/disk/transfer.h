@@ -2,26 +2,31 @@
 
 #include <cstdint>
 
-/// Whether pending events run, and MyCancel is tested, before each transfer. They wait while a disk holds data that are
-/// not its own.
+/// Whether pending events run, and it is asked whether to stop, before each transfer. They wait while a disk holds data
+/// that are not its own.
 enum class Events : std::uint8_t { run, wait };
 
 /// What is done every so often between two transfers, while the disk holds nothing that is not its own.
 struct BetweenTransfers {
-  void (*work)() = nullptr;  // null for nothing
-  std::uint64_t due = 0;     // by the coarse clock
+  struct Due {
+    void (*work)() = nullptr;  // null for nothing
+    std::uint64_t due = 0;     // by the coarse clock
+  };
+  Due temperature;
+  Due map;
 };
 
 inline BetweenTransfers between_transfers;
 
-/// Does the work where it is due. False when there was nothing to do; that costs a look at a pointer, or at the coarse
-/// clock.
+/// Does the work where it is due. False when there was nothing to do; that costs a look at two pointers, or at the
+/// coarse clock.
 bool work_between_transfers();
 
 /// Reads `total` sectors from `*lba` in whole transfers of `per_transfer` sectors; a remainder smaller than one
-/// transfer is not read. Before each transfer pending events run and MyCancel is tested. Each transfer adds to
-/// Sectors_Done and advances `*lba`, failed ones too; a failed one is counted and reported, never retried. A read that
-/// the user gives up while it does not come back ends it: that is no failure. True when all succeeded.
+/// transfer is not read. Before each transfer pending events run and it is asked whether to stop (disk/early_end.h).
+/// Each transfer adds to Sectors_Done and advances `*lba`, failed ones too; a failed one is counted and reported, never
+/// retried. A read that the user gives up while it does not come back ends it: that is no failure. True when all
+/// succeeded.
 bool Read_sectors(std::int64_t* lba, std::int64_t total, std::int64_t per_transfer, Events events = Events::run);
 
 /// The same for writing from the start of Sec_Buf.

@@ -20,8 +20,9 @@ enum class Mode : std::uint8_t {
 /// What the command line asked for. Values not given stay empty or 0.
 struct Asked {
   Mode mode = Mode::window;
-  std::string op;       // of /OP: the command's name in the table of commands
-  bool writes = false;  // that command writes to the disk
+  std::string op;          // of /OP: the command's name in the table of commands
+  bool writes = false;     // that command writes to the disk
+  bool has_range = false;  // and works on a range of it
   /// "/D:n" stands in the text beside our switches, in rising order; with /OP exactly one.
   std::vector<int> named_drives;
   bool ends_without_drive = false;  // a missing drive ends the program: /D:, /OP or text that is no switch was given
@@ -39,11 +40,18 @@ struct Asked {
   std::optional<std::string> history;  // folder of the drives' histories
   std::optional<int> max_celsius;      // at which a run pauses
   bool exit_by_verdict = false;
-  std::optional<std::string> report;  // file, or "-" for standard output
+  std::optional<bool> pinpoint;  // whether bad sectors are looked for behind a read; not given: in a window alone
+  int pinpoint_seconds = 300;    // for how long at most,
+  std::int64_t pinpoint_errors = 1000;  // and until how many reads have failed
+  std::int64_t stop_after = 0;          // failed transfers that end the run; 0 for none
+  std::optional<std::string> report;    // file, or "-" for standard output
   std::optional<std::string> vars;
   std::optional<std::string> csv;
   std::optional<std::string> json;
   std::optional<std::string> graph;
+  std::optional<std::string> badlist;
+  std::optional<std::string> map;
+  std::optional<std::string> resume;
 };
 
 inline Asked asked;

@@ -15,16 +15,6 @@
 
 namespace {
 
-/// True for a failure that says something of the drive, not of what the program may do or asked for.
-bool is_of_the_drive(const TransferError& error) {
-  // winerror.h: ACCESS_DENIED, INVALID_HANDLE, INVALID_DATA, WRITE_PROTECT, SHARING_VIOLATION, LOCK_VIOLATION,
-  // INVALID_PARAMETER.
-  constexpr std::array<std::uint32_t, 7> kRefusals = {
-      platform::kAccessDenied, 6, kRefusedTransfer, platform::kWriteProtect, 32, 33, 87};
-  const bool on_the_disk = error.lba + error.sectors <= identification.Drive_Sectors;
-  return on_the_disk && std::find(kRefusals.begin(), kRefusals.end(), error.code) == kRefusals.end();
-}
-
 RunTotals totals_of_run() {
   const auto* const first = measure.errors.begin();
   const std::int64_t by_drive = std::count_if(first, first + measure.errors_kept, is_of_the_drive);
@@ -37,6 +27,15 @@ RunTotals totals_of_run() {
 }
 
 }  // namespace
+
+bool is_of_the_drive(const TransferError& error) {
+  // winerror.h: ACCESS_DENIED, INVALID_HANDLE, INVALID_DATA, WRITE_PROTECT, SHARING_VIOLATION, LOCK_VIOLATION,
+  // INVALID_PARAMETER.
+  constexpr std::array<std::uint32_t, 7> kRefusals = {
+      platform::kAccessDenied, 6, kRefusedTransfer, platform::kWriteProtect, 32, 33, 87};
+  const bool on_the_disk = error.lba + error.sectors <= identification.Drive_Sectors;
+  return on_the_disk && std::find(kRefusals.begin(), kRefusals.end(), error.code) == kRefusals.end();
+}
 
 void begin_drive_health() {
   run_findings = {.drive = form1.SelectedDrive};

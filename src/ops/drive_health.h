@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "health/health.h"
+#include "measure/measure.h"
 
 /// The drive's health around an operation, and the verdict that comes of it and of what the run met.
 struct DriveHealth {
@@ -11,6 +12,9 @@ struct DriveHealth {
 };
 
 inline DriveHealth drive_health;
+
+/// True for a failure that says something of the selected drive, not of what the program may do or asked for.
+bool is_of_the_drive(const TransferError& error);
 
 /// The drive was identified and its first SMART snapshot taken: asks it how it is. What was found of a run before is
 /// forgotten.

@@ -5,12 +5,15 @@
 
 #include "disk/counters.h"
 #include "disk/drive.h"
+#include "disk/early_end.h"
 #include "disk/progress.h"
 #include "eventlog/event_log.h"
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
 #include "ops/drive_health.h"
+#include "ops/range_end.h"
+#include "ops/resume.h"
 #include "ops/selection.h"
 #include "ops/temperature.h"
 #include "ops/visit.h"
@@ -23,8 +26,8 @@
 
 namespace {
 
-/// Ends a run with /OP whose drive is not the one that it may work on.
-void refuse_wrong_drive(const std::string& why) {
+/// Ends a run with /OP that may not work on its drive, or not there.
+void refuse_run(const std::string& why) {
   tell_on_stderr(why);
   output.ExitCode = 1;
   close_drive();
@@ -35,16 +38,20 @@ void refuse_wrong_drive(const std::string& why) {
 void check_drive_of_run() {
   if (!in_batch()) return;
   if (asked.serial && !serial_is_its_own()) {
-    refuse_wrong_drive("The serial number of drive " + std::to_string(form1.SelectedDrive) +
-                       " was told by the SCSI port of that number, which may be another drive's: nothing was done.");
+    refuse_run("The serial number of drive " + std::to_string(form1.SelectedDrive) +
+               " was told by the SCSI port of that number, which may be another drive's: nothing was done.");
   }
   if (asked.serial && identification.Disk_Serial != *asked.serial) {
-    refuse_wrong_drive("Drive " + std::to_string(form1.SelectedDrive) + " has the serial number \"" +
-                       identification.Disk_Serial + "\", not \"" + *asked.serial + "\": nothing was done.");
+    refuse_run("Drive " + std::to_string(form1.SelectedDrive) + " has the serial number \"" +
+               identification.Disk_Serial + "\", not \"" + *asked.serial + "\": nothing was done.");
   }
+  if (const std::string beyond = asked_range_beyond_end(); !beyond.empty()) {
+    refuse_run(beyond + " Nothing was done.");
+  }
+  if (const std::string other = why_no_resume(); !other.empty()) refuse_run(other + " Nothing was read.");
   if (!asked.writes) return;
   const std::string reason = why_not_written();
-  if (!reason.empty()) refuse_wrong_drive(reason);
+  if (!reason.empty()) refuse_run(reason);
 }
 
 void refuse_missing_drive() {
@@ -118,6 +125,7 @@ void End_Operation() {
 
 void Clear_Counters() {
   counters = {};
+  begin_early_end(asked.stop_after);
   clear_progress();
 }
 

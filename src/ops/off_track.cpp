@@ -5,6 +5,7 @@
 
 #include "disk/counters.h"
 #include "disk/drive.h"
+#include "disk/early_end.h"
 #include "disk/transfer.h"
 #include "form/form1.h"
 #include "form/number_text.h"
@@ -89,7 +90,7 @@ void make_passes(std::int32_t passes) {
     const Places places = next_places();
     tested.at(index) = places.tested;
     make_pass(places);
-    if (form1.MyCancel || visits.ended) return;
+    if (told_to_stop() || visits.ended) return;
     ++index;
     if (index == kRemembered) {
       verify(tested);

@@ -7,6 +7,7 @@
 #include "buffer/pattern.h"
 #include "disk/counters.h"
 #include "disk/drive.h"
+#include "disk/early_end.h"
 #include "disk/transfer.h"
 #include "form/asked.h"
 #include "form/form1.h"
@@ -68,7 +69,7 @@ void make_visits(void (*visit)()) {
   for (std::int32_t pass = 0; pass < random_test.passes; ++pass) {
     visit();
     ++random_test.Ops_Done;
-    if (form1.MyCancel || visits.ended) break;
+    if (told_to_stop() || visits.ended) break;
   }
 }
 
@@ -114,7 +115,7 @@ void destructive_visit() {
   std::int64_t write_lba = lba;
   measure_phase(Phase::writing);
   Write_sectors(&write_lba, counters.No_Secs, counters.No_Secs);
-  if (form1.MyCancel) return;
+  if (told_to_stop()) return;
   std::int64_t read_lba = lba;
   measure_phase(Phase::verifying);
   count_compare(random_test.pattern, Read_sectors(&read_lba, counters.No_Secs, counters.No_Secs, Events::wait));

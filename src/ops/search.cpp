@@ -8,6 +8,7 @@
 #include "buffer/hex_text.h"
 #include "disk/counters.h"
 #include "disk/drive.h"
+#include "disk/early_end.h"
 #include "disk/transfer.h"
 #include "form/asked.h"
 #include "form/form1.h"
@@ -90,7 +91,7 @@ std::optional<std::int64_t> ReadSearchSectors(const Search& search, std::int64_t
   for (std::int64_t left = count; left > 0;) {
     platform::pump_events();
     work_between_transfers();
-    if (form1.MyCancel) return std::nullopt;
+    if (told_to_stop()) return std::nullopt;
     const std::int64_t sectors = left > chunk ? chunk - behind_boundary(*lba) : left;
     const bool read = read_once(*lba, sectors);
     if (disk.given_up) break;

@@ -4,13 +4,16 @@
 #include "buffer/display.h"
 #include "disk/counters.h"
 #include "disk/drive.h"
+#include "disk/early_end.h"
 #include "disk/transfer.h"
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "form/output.h"
+#include "measure/run_map.h"
 #include "ops/frame.h"
 #include "ops/operations.h"
+#include "ops/resume.h"
 #include "ops/selection.h"
 
 namespace {
@@ -26,10 +29,11 @@ void announce(const std::string& doing) {
 /// logical sector it is shortened, so that of the chunks only the first and the last cover logical sectors in part.
 void transfer_range(bool (*transfer)(std::int64_t*, std::int64_t, std::int64_t, Events), std::int64_t lba,
                     std::int64_t sectors, std::int64_t chunk) {
+  const std::int64_t end = counters.Sectors_Done + sectors;
   const std::int64_t first = chunk - behind_boundary(lba);
   if (first < chunk && chunk < sectors) transfer(&lba, first, first, Events::run);
-  transfer(&lba, sectors - counters.Sectors_Done, chunk, Events::run);
-  const std::int64_t left = sectors - counters.Sectors_Done;
+  transfer(&lba, end - counters.Sectors_Done, chunk, Events::run);
+  const std::int64_t left = end - counters.Sectors_Done;
   if (left > 0) transfer(&lba, left, left, Events::run);
 }
 
@@ -44,11 +48,19 @@ std::optional<RunPlan> plan_read() {
   const std::int64_t start = take_range();
   announce("Reading");
   remake_buffer(read_chunk(counters.No_Secs) * kSectorSize, start);
-  return RunPlan{.kind = RunKind::read, .first_lba = start, .sectors = counters.No_Secs};
+  RunPlan plan{.kind = RunKind::read, .first_lba = start, .sectors = counters.No_Secs};
+  plan.work = 0;
+  for (const SectorRun& run : left_to_read(start, plan.sectors)) plan.work += run.sectors;
+  run_map.done_before = plan.sectors - plan.work;
+  counters.No_Secs = plan.work;  // what the status and the totals are about
+  return plan;
 }
 
 void Seq_Read(const RunPlan& plan) {
-  transfer_range(Read_sectors, plan.first_lba, plan.sectors, read_chunk(plan.sectors));
+  for (const SectorRun& run : left_to_read(plan.first_lba, plan.sectors)) {
+    if (told_to_stop()) break;
+    transfer_range(Read_sectors, run.first, run.sectors, read_chunk(run.sectors));
+  }
 }
 
 void report_read() {

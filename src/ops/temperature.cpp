@@ -26,7 +26,7 @@ std::optional<int> look() {
   TemperatureTrack& track = run_findings.temperature;
   track.tells = celsius && platform::steady_seconds() - asked_at <= kAtOnce;
   if (!track.tells) {
-    between_transfers.work = nullptr;
+    between_transfers.temperature.work = nullptr;
     return std::nullopt;
   }
   if (track.samples.empty()) track.began = asked_at;
@@ -68,12 +68,12 @@ void look_between_transfers() {
 }  // namespace
 
 void begin_temperature_watch() {
-  between_transfers = {.work = look_between_transfers};
+  between_transfers.temperature = {.work = look_between_transfers};
   if (!look() && asked.max_celsius) {
     tell_on_stderr("/MAXTEMP does nothing: the drive does not tell its temperature without disturbing transfers.");
   }
 }
 
 void end_temperature_watch() {
-  between_transfers = {};
+  between_transfers.temperature = {};
 }

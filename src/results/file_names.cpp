@@ -21,12 +21,14 @@ struct OutputName {
   bool replaced;  // written under a temporary name
 };
 
-const std::array<OutputName, 5>& outputs() {
-  static const std::array<OutputName, 5> names = {{{"/REPORT", &asked.report, false},
+const std::array<OutputName, 7>& outputs() {
+  static const std::array<OutputName, 7> names = {{{"/REPORT", &asked.report, false},
                                                    {"/VARS", &asked.vars, false},
                                                    {"/CSV", &asked.csv, true},
                                                    {"/JSON", &asked.json, true},
-                                                   {"/GRAPH", &asked.graph, true}}};
+                                                   {"/GRAPH", &asked.graph, true},
+                                                   {"/BADLIST", &asked.badlist, true},
+                                                   {"/MAP", &asked.map, true}}};
   return names;
 }
 

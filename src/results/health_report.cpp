@@ -181,7 +181,7 @@ bool is_bad(Grade grade) {
 /// The verdict's code, but not over a run that did not come to its end, or whose failures the verdict does not tell of.
 void set_exit_code() {
   if (!asked.exit_by_verdict || form1.MyCancel || identification.Drive_Sectors == 0) return;
-  const bool refused = measure.runs == results.runs_before && output.ExitCode != 0;
+  const bool refused = !measured_something() && output.ExitCode != 0;
   const bool failed = counters.TotalErrors + counters.TotalCErrors > 0;
   if (refused || (failed && !is_bad(run_findings.verdict.grade))) return;
   output.verdict_code = code_of(run_findings.verdict.grade);

@@ -51,6 +51,7 @@ void put_totals(const Result& result, const Measure& measured, JsonText* json) {
   json->number("sectors", measured.done);
   json->real("seconds", measured.seconds, kThousandths);
   json->number("slow_transfers", measured.slow);
+  json->number("stalled_transfers", measured.stalled);
   json->number("errors", measured.failed);
   json->number("read_errors", measured.failed - measured.failed_writes);
   json->number("write_errors", measured.failed_writes);
@@ -76,6 +77,7 @@ void put_transfer(const Transfer& transfer, JsonText* json) {
   json->text("operation", phase_name(transfer.phase));
   json->real("milliseconds", transfer.seconds * 1000.0, kThousandths);
   json->number("error", transfer.error);
+  json->real("beyond_ms", transfer.beyond * 1000.0, kThousandths);
   json->close_object();
 }
 
@@ -198,6 +200,8 @@ std::string json_result(const Result& result, const Measure& measured) {
   put_latency(measured.latency, &json);
   put_zones(measured.zones, &json);
   put_errors(measured, &json);
+  put_run_end(result, measured, &json);
+  put_bad_places(result, &json);
   json.open_object("smart");
   put_snapshot("before", result.before, &json);
   put_snapshot("after", result.after, &json);

@@ -68,9 +68,13 @@ void abandon_output(OutputFile* file) {
   kernel32::DeleteFileA(file->temporary.c_str());
 }
 
-std::string write_whole_file(const std::string& name, std::string_view text) {
+std::string write_whole_file(const std::string& name, std::string_view text, Reach reach) {
   OutputFile file;
   std::string error = open_output(name, &file);
   if (error.empty()) error = write_output(text, &file);
+  if (error.empty() && reach == Reach::medium && !kernel32::FlushFileBuffers(file.handle)) {
+    error = failure(file, "cannot be written", kernel32::GetLastError());
+    abandon_output(&file);
+  }
   return error.empty() ? finish_output(&file) : error;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -30,8 +31,11 @@ std::string finish_output(OutputFile* file);
 /// Closes and deletes the temporary file, if there is one.
 void abandon_output(OutputFile* file);
 
+/// How far a file has got when it has its name: into the system, or onto its disk.
+enum class Reach : std::uint8_t { system, medium };
+
 /// All of that at once.
-std::string write_whole_file(const std::string& name, std::string_view text);
+std::string write_whole_file(const std::string& name, std::string_view text, Reach reach = Reach::system);
 
 /// Looks at the names of all files that the run is to write, before anything is written. An empty text, or one line
 /// that says what is wrong: a folder, a device, a file that cannot be written, one that is also a virtual disk or named

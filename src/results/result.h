@@ -26,6 +26,7 @@ struct Result {
   platform::DateTime end_utc;
   int drive = 0;
   bool cancelled = false;
+  std::string stopped;  // why the run ended early by itself; empty where it did not
   Identification disk;
   SectorSizes sizes;
   Counters counters;
@@ -43,6 +44,13 @@ struct Result {
 std::string json_result(const Result& result, const Measure& measured);
 
 class JsonText;
+
+/// The members "run_end", "bad_places" and "pinpoint" of that document.
+void put_run_end(const Result& result, const Measure& measured, JsonText* json);
+void put_bad_places(const Result& result, JsonText* json);
+
+/// The file of /BADLIST: a line for each range, "first LBA,sectors,kind,system error".
+std::string bad_list(const std::vector<BadRange>& ranges);
 
 /// The member "health" of that document: the verdict, both snapshots with the pages as they came, the temperatures.
 void put_health(const Result& result, JsonText* json);

@@ -1,20 +1,19 @@
 #include "results/results.h"
 
 #include "disk/drive.h"
+#include "disk/early_end.h"
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
 #include "measure/measure.h"
 #include "ops/drive_health.h"
 #include "ops/frame.h"
+#include "ops/pinpoint.h"
 #include "results/csv_rows.h"
+#include "results/map_writer.h"
 #include "results/result.h"
 
 namespace {
-
-bool measured_something() {
-  return measure.runs != results.runs_before;
-}
 
 Result collect() {
   Result result;
@@ -27,7 +26,8 @@ Result collect() {
   result.end_local = platform::local_time();
   result.end_utc = platform::utc_time();
   result.drive = form1.SelectedDrive;
-  result.cancelled = form1.MyCancel;
+  result.cancelled = framed ? measure.stopped : form1.MyCancel;
+  result.stopped = early_end.why;
   result.disk = identification;
   result.sizes = disk.sizes;
   result.counters = counters;
@@ -46,9 +46,15 @@ void tell_failure(const std::string& error) {
   if (!error.empty()) tell_and_show(error);
 }
 
+void note_transfer(const Transfer& transfer) {
+  if (asked.csv) add_csv_row(transfer);
+  note_in_map(transfer);
+}
+
 void close_results(const Result& result) {
   results.open = false;
   measure.on_transfer = nullptr;
+  end_map();
   // A batch gets its files even where nothing was to be transferred.
   if (!measured_something() && !in_batch()) {
     abandon_csv();
@@ -56,10 +62,16 @@ void close_results(const Result& result) {
   }
   if (asked.csv) tell_failure(finish_csv());
   if (asked.json) tell_failure(write_whole_file(*asked.json, json_result(result, measure)));
+  if (asked.map) tell_failure(write_map());
+  if (asked.badlist) tell_failure(write_whole_file(*asked.badlist, bad_list(result.findings.bad)));
   if (asked.graph) tell_failure(write_whole_file(*asked.graph, svg_graph(result, measure)));
 }
 
 }  // namespace
+
+bool measured_something() {
+  return measure.runs != results.runs_before;
+}
 
 void begin_results(const std::string& version, const std::string& unmeasured_name) {
   results = {.version = version,
@@ -68,9 +80,9 @@ void begin_results(const std::string& version, const std::string& unmeasured_nam
              .command_local = platform::local_time(),
              .command_utc = platform::utc_time(),
              .open = true};
-  if (!asked.csv) return;
-  begin_csv(*asked.csv);
-  measure.on_transfer = add_csv_row;
+  if (asked.csv) begin_csv(*asked.csv);
+  begin_map();
+  if (asked.csv || asked.map) measure.on_transfer = note_transfer;
 }
 
 std::string operation_name() {
@@ -84,10 +96,12 @@ void finish_results() {
 void leave_results() {
   if (!results.open || !measured_something()) {
     measure.on_transfer = nullptr;
+    end_map();
     abandon_csv();
     return;
   }
   end_measuring(true);
+  if (!run_findings.pinpoint.made) list_bad_transfers();
   Result result = collect();
   result.cancelled = true;
   result.after = {};

@@ -21,6 +21,9 @@ inline Results results;
 /// `unmeasured_name` what the files call the command should nothing be measured.
 void begin_results(const std::string& version, const std::string& unmeasured_name);
 
+/// True once the command that runs has begun an operation.
+bool measured_something();
+
 /// What runs, or the last run, in the words of the result files: "read", "smart".
 std::string operation_name();
 

@@ -44,7 +44,7 @@ std::string range_line(const Stretch& range, bool writes) {
 
 std::string operation_line(bool writes) {
   const RunPlan& plan = measure.plan;
-  if (measure.runs == results.runs_before) return {};
+  if (!measured_something()) return {};
   return is_random(plan.kind) ? places_line(writes) : range_line({plan.first_lba, plan.sectors}, writes);
 }
 

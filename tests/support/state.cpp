@@ -5,6 +5,7 @@
 #include "device/wmi.h"
 #include "disk/counters.h"
 #include "disk/drive.h"
+#include "disk/early_end.h"
 #include "disk/progress.h"
 #include "disk/transfer.h"
 #include "disk/volume.h"
@@ -16,6 +17,7 @@
 #include "journal/journal.h"
 #include "measure/findings.h"
 #include "measure/measure.h"
+#include "measure/run_map.h"
 #include "ops/drive_health.h"
 #include "ops/frame.h"
 #include "ops/operations.h"
@@ -41,10 +43,12 @@ void reset_program() {
   between_transfers = {};
   disk = {};
   drive_health = {};
+  early_end = {};
   editor = {};
   event_log = {};
   form1 = {};
   run_findings = {};
+  run_map = {};
   frame = {};
   identification = {};
   journal = {};

@@ -234,7 +234,7 @@ TEST_F(HealthRun, TheLineAboveTheGraphIsAboutTheSelectedDrive) {
   click(CmdRead_Click);
   EXPECT_EQ(health_words().grade, "FAILING");
   EXPECT_THAT(health_words().text, StartsWith("attribute 5"));
-  EXPECT_THAT(form1.Text1.text(), EndsWith("SET QV_H_SINCE=\r\n"));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("SET QV_H_SINCE=\r\n\r\n\r\nBAD PLACES\r\n"));
   click(Option2_Click);
   EXPECT_EQ(health_words().grade, "");
 }

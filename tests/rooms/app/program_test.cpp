@@ -192,7 +192,7 @@ TEST_F(Program, LostOutputIsTold) {
   headless::desktop.out_fails = 112;
   EXPECT_EQ(start(disk_switch(0, "sectors 10\n") + "/D:0 /OP:READ"), 0U);
   EXPECT_EQ(count_of(err(), "The report cannot be written: error 112."), 1);
-  EXPECT_EQ(count_of(err(), "The variables cannot be written to \"-\": error 112."), 4);
+  EXPECT_EQ(count_of(err(), "The variables cannot be written to \"-\": error 112."), 5);
 }
 
 TEST_F(Program, MistakesAreOneLineAndOpenNoDisk) {

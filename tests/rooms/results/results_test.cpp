@@ -34,6 +34,7 @@ struct Row {
   double milliseconds = 0.0;
   double rate = 0.0;
   std::int64_t error = 0;
+  double beyond = 0.0;
 };
 
 class ResultsTest : public Rig {
@@ -49,14 +50,14 @@ class ResultsTest : public Rig {
     std::vector<Row> all;
     std::string line;
     std::getline(lines, line);
-    EXPECT_EQ(line, "seconds,operation,lba,sectors,milliseconds,mb_per_s,error\r");
+    EXPECT_EQ(line, "seconds,operation,lba,sectors,milliseconds,mb_per_s,error,beyond_ms\r");
     while (std::getline(lines, line)) {
       std::istringstream fields(line);
       std::vector<std::string> texts;
       for (std::string text; std::getline(fields, text, ',');) texts.push_back(text);
-      if (texts.size() != 7) throw std::runtime_error("not seven fields: " + line);
+      if (texts.size() != 8) throw std::runtime_error("not eight fields: " + line);
       all.push_back({std::stod(texts[0]), texts[1], std::stoll(texts[2]), std::stoll(texts[3]), std::stod(texts[4]),
-                     std::stod(texts[5]), std::stoll(texts[6])});
+                     std::stod(texts[5]), std::stoll(texts[6]), std::stod(texts[7])});
     }
     return all;
   }
@@ -86,6 +87,7 @@ TEST_F(ResultsTest, ThePracticeDisksFaultsAreWhereAllThreeFilesSay) {
     EXPECT_EQ(row.operation, "read");
     if (row.error != 0) bad.push_back(row.lba);
     if (row.error == 0 && row.rate < 10.0) slow.push_back(row.lba);
+    EXPECT_EQ(row.beyond > 1150.0, row.error == 0 && row.rate < 10.0);
   }
   EXPECT_EQ(next, 2097152);
   EXPECT_THAT(slow, ElementsAre(1228800, 1249280));
@@ -99,6 +101,8 @@ TEST_F(ResultsTest, ThePracticeDisksFaultsAreWhereAllThreeFilesSay) {
   EXPECT_EQ(result["errors"][0]["code"], 23);
   EXPECT_EQ(result["totals"]["read_errors"], 1);
   EXPECT_EQ(result["histogram"][6]["transfers"], 1);
+  EXPECT_EQ(result["histogram"][5]["transfers"], 2) << "the slow zone, in its true class";
+  EXPECT_EQ(result["totals"]["stalled_transfers"], 2);
   EXPECT_EQ(result["smart"]["difference"][1]["id"], 197);
   EXPECT_EQ(result["smart"]["difference"][1]["raw"], 8);
 
@@ -115,6 +119,8 @@ TEST_F(ResultsTest, ASearchHasNoSlowTransfersSinceItsReportHasNone) {
   EXPECT_EQ(document()["slow_zones"].size(), 0U);
   EXPECT_EQ(count_of(form1.Text1.text(), "Slow xfer"), 0);
   EXPECT_TRUE(marks("slow").empty());
+  EXPECT_EQ(document()["totals"]["stalled_transfers"], 2) << "whatever the limit is";
+  EXPECT_FALSE(marks("stalled").empty());
 }
 
 TEST_F(ResultsTest, SmartDataAreToldOfADriveThatWasNotTested) {
