@@ -12,6 +12,7 @@
 #include "form/form1.h"
 #include "form/output.h"
 #include "form/progress_line.h"
+#include "measure/findings.h"
 #include "ops/frame.h"
 #include "ops/operations.h"
 #include "ops/pinpoint.h"
@@ -19,6 +20,7 @@
 #include "ops/restore.h"
 #include "ops/selection.h"
 #include "ops/write_guard.h"
+#include "places/owners.h"
 #include "platform/window.h"
 #include "results/health_report.h"
 #include "results/results.h"
@@ -173,6 +175,7 @@ void run_writing(const Command& command) {
 void find_bad_places() {
   list_bad_transfers();
   if (wants_pinpoint()) pinpoint();
+  if (!run_findings.bad.empty()) name_owners(form1.SelectedDrive, &run_findings.bad);
   tell_bad_places();
 }
 

@@ -9,6 +9,7 @@
 #include "disk/drive.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "places/table_text.h"
 
 namespace {
 
@@ -16,6 +17,13 @@ void show(std::span<const std::uint8_t> buffer, std::string_view title) {
   form1.Text1.append(hex_view(buffer, disk.Buf_LBA, disk.Buf_Secs, title));
   form1.Text1.caret_to_end();
   if (disk.Buf_LBA == 0) ShowMBRParams();
+}
+
+/// True where Sec_Buf holds what the selected drive's first sector held when it was read.
+bool shows_first_sector() {
+  const Source& source = disk.source;
+  return source.kind == Source::Kind::sectors && source.drive == form1.SelectedDrive && source.lba == 0 &&
+         source.sectors > 0 && disk.Buf_LBA == 0;
 }
 
 }  // namespace
@@ -30,7 +38,10 @@ void Display_Buf(std::span<const std::uint8_t> buffer) {
 }
 
 void ShowMBRParams() {
-  form1.Text1.append(partition_table_text(disk.Sec_Buf.bytes(), sectors_per_logical()));
+  const std::span<const std::uint8_t> sector = disk.Sec_Buf.bytes();
+  form1.Text1.append(partition_table_text(sector, sectors_per_logical()));
+  if (!shows_first_sector()) return;
+  form1.Text1.append(further_partitions_text(disk.source.drive, sector, disk.sizes.logical));
 }
 
 void show_buffer_for_editing() {

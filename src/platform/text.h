@@ -8,4 +8,7 @@ namespace platform {
 /// `text` of the system's ANSI code page in UTF-8. Bytes that the code page does not have become U+FFFD.
 std::string utf8_of_ansi(std::string_view text);
 
+/// UTF-16 in the system's ANSI code page. Units that the code page does not have become "?".
+std::string ansi_of_utf16(std::u16string_view units);
+
 }  // namespace platform

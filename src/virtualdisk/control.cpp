@@ -8,6 +8,7 @@
 #include "platform/units.h"
 #include "virtualdisk/identify.h"
 #include "virtualdisk/properties.h"
+#include "virtualdisk/volume_control.h"
 
 namespace virtualdisk {
 namespace {
@@ -30,6 +31,9 @@ constexpr std::uint32_t kPassThrough = 0x4D004;        // IOCTL_SCSI_PASS_THROUG
 constexpr std::uint32_t kLockVolume = 0x90018;         // FSCTL_LOCK_VOLUME
 constexpr std::uint32_t kUnlockVolume = 0x9001C;       // FSCTL_UNLOCK_VOLUME
 constexpr std::uint32_t kDismountVolume = 0x90020;     // FSCTL_DISMOUNT_VOLUME
+constexpr std::uint32_t kVolumeExtents = 0x560000;     // IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS
+constexpr std::uint32_t kVolumeBitmap = 0x9006F;       // FSCTL_GET_VOLUME_BITMAP
+constexpr std::uint32_t kLookupStream = 0x901FC;       // FSCTL_LOOKUP_STREAM_FROM_CLUSTER
 
 // SENDCMDINPARAMS and SENDCMDOUTPARAMS without their first data byte.
 constexpr std::size_t kCommandBytes = 32;
@@ -252,8 +256,10 @@ std::uint32_t control_port(VirtualDisk& disk, std::uint32_t code, In in, Out out
   return 0;
 }
 
-std::uint32_t control_volume(VirtualDisk& disk, std::size_t volume, platform::Handle handle, std::uint32_t code) {
-  platform::Handle& lock = disk.locks[volume];
+std::uint32_t control_volume(VirtualDisk& disk, const AskedVolume& asked, std::uint32_t code, In in, Out out,
+                             std::uint32_t* returned) {
+  const platform::Handle handle = asked.handle;
+  platform::Handle& lock = disk.locks[asked.volume];
   switch (code) {
     case kLockVolume:
       if (lock != platform::kInvalidHandle) return kAccessDenied;
@@ -265,6 +271,12 @@ std::uint32_t control_volume(VirtualDisk& disk, std::size_t volume, platform::Ha
       return 0;
     case kDismountVolume:
       return 0;
+    case kVolumeExtents:
+      return volume_extents(disk, asked.volume, out, returned);
+    case kVolumeBitmap:
+      return asked.may_read ? volume_bitmap(disk, asked.volume, in, out, returned) : kInvalidFunction;
+    case kLookupStream:
+      return asked.may_read ? lookup_streams(disk, asked.volume, in, out, returned) : kInvalidFunction;
     default:
       return kInvalidFunction;
   }

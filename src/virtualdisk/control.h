@@ -23,8 +23,15 @@ std::uint32_t control_drive(VirtualDisk& disk, std::uint32_t code, std::span<con
 std::uint32_t control_port(VirtualDisk& disk, std::uint32_t code, std::span<const std::uint8_t> in,
                            std::span<std::uint8_t> out, std::uint32_t* returned);
 
-/// On volume `volume` of the disk, through `handle`. A volume has one lock; the handle that holds it may not lock
-/// twice.
-std::uint32_t control_volume(VirtualDisk& disk, std::size_t volume, platform::Handle handle, std::uint32_t code);
+/// A volume of the disk and the handle through which it is asked.
+struct AskedVolume {
+  std::size_t volume = 0;
+  platform::Handle handle = platform::kInvalidHandle;
+  bool may_read = false;  // without, no request reaches the file system
+};
+
+/// On a volume of the disk. It has one lock; the handle that holds it may not lock twice.
+std::uint32_t control_volume(VirtualDisk& disk, const AskedVolume& asked, std::uint32_t code,
+                             std::span<const std::uint8_t> in, std::span<std::uint8_t> out, std::uint32_t* returned);
 
 }  // namespace virtualdisk

@@ -248,14 +248,19 @@ void read_vanish(LineReader& line, int /*number*/, DiskFile& disk) {
   disk.vanish_after = line.number("transfers", 0, INT64_MAX);
 }
 
-void read_volume(LineReader& line, int number, DiskFile& disk) {
+/// "X:", upper case; empty, and the line at fault, for anything else.
+std::string volume_name(LineReader& line) {
   const std::string_view name = line.word("volume");
-  if (name.size() != 2 || std::isalpha(static_cast<unsigned char>(name[0])) == 0 || name[1] != ':') {
-    line.fail("bad volume, a letter and a colon are expected: " + std::string(name));
-    return;
+  if (name.size() == 2 && std::isalpha(static_cast<unsigned char>(name[0])) != 0 && name[1] == ':') {
+    return {static_cast<char>(std::toupper(static_cast<unsigned char>(name[0]))), ':'};
   }
+  line.fail("bad volume, a letter and a colon are expected: " + std::string(name));
+  return {};
+}
+
+void read_volume(LineReader& line, int number, DiskFile& disk) {
   Volume volume;
-  volume.name = {static_cast<char>(std::toupper(static_cast<unsigned char>(name[0]))), ':'};
+  volume.name = volume_name(line);
   volume.line = number;
   if (!line.at_end()) {
     const std::string_view state = line.word("busy");
@@ -268,13 +273,29 @@ void read_volume(LineReader& line, int number, DiskFile& disk) {
   disk.volumes.push_back(std::move(volume));
 }
 
+OwnedSectors owned_sectors(LineReader& line, int number, bool metadata) {
+  OwnedSectors owned{
+      .volume = volume_name(line), .range = range(line), .path = {}, .metadata = metadata, .line = number};
+  owned.path = line.text("path", kLongestName);
+  if (!owned.path.starts_with('\\')) owned.path.insert(0, 1, '\\');
+  return owned;
+}
+
+void read_file_line(LineReader& line, int number, DiskFile& disk) {
+  disk.owned.push_back(owned_sectors(line, number, false));
+}
+
+void read_metadata(LineReader& line, int number, DiskFile& disk) {
+  disk.owned.push_back(owned_sectors(line, number, true));
+}
+
 struct Directive {
   std::string_view name;
   void (*read)(LineReader&, int, DiskFile&);
   bool once;
 };
 
-constexpr std::array<Directive, 29> kDirectives = {{
+constexpr std::array<Directive, 31> kDirectives = {{
     {"sectors", read_sectors, true},
     {"logical", read_logical, true},
     {"physical", read_physical, true},
@@ -304,6 +325,8 @@ constexpr std::array<Directive, 29> kDirectives = {{
     {"drop", read_drop, false},
     {"vanish", read_vanish, true},
     {"volume", read_volume, false},
+    {"file", read_file_line, false},
+    {"metadata", read_metadata, false},
 }};
 
 /// What is wrong with one line, or an empty text.
@@ -332,6 +355,11 @@ std::pair<int, std::string> check_whole(const DiskFile& disk) {
     if (!listed && disk.attribute_page.name.empty()) {
       return {growth.line, "no attribute " + std::to_string(growth.id) + " to grow"};
     }
+  }
+  for (const OwnedSectors& owned : disk.owned) {
+    const bool listed = std::any_of(disk.volumes.begin(), disk.volumes.end(),
+                                    [&](const Volume& volume) { return volume.name == owned.volume; });
+    if (!listed) return {owned.line, "volume " + owned.volume + " is not listed"};
   }
   return {};
 }

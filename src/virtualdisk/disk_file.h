@@ -74,6 +74,15 @@ struct Volume {
   int line = 0;
 };
 
+/// Sectors of the disk that a file of a volume owns.
+struct OwnedSectors {
+  std::string volume;  // "X:", upper case
+  Range range;
+  std::string path;       // from the volume's root, which "\\" begins
+  bool metadata = false;  // a file of the file system itself
+  int line = 0;
+};
+
 /// A file named by a directive, as it stands there; empty where the directive is absent.
 struct NamedFile {
   std::string name;
@@ -109,6 +118,7 @@ struct DiskFile {
   std::vector<Range> drops;
   std::optional<std::int64_t> vanish_after;  // transfers
   std::vector<Volume> volumes;
+  std::vector<OwnedSectors> owned;
   std::int64_t logical = 512;            // bytes of a sector that it is addressed by
   std::optional<std::int64_t> physical;  // of one that its medium has
   int sectors_line = 0;

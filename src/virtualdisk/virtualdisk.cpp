@@ -8,6 +8,7 @@
 #include "virtualdisk/control.h"
 #include "virtualdisk/disk.h"
 #include "virtualdisk/state.h"
+#include "virtualdisk/volume_control.h"
 
 namespace virtualdisk {
 
@@ -54,7 +55,8 @@ std::uint32_t transfer_refused(const OpenHandle* open, std::uint32_t access) {
   if (open == nullptr) return kInvalidHandleCode;
   if (vanished(disk_of(open->target))) return kNotConnected;
   if ((open->access & access) == 0) return kAccessDenied;
-  return open->target.kind == Kind::drive ? 0 : kInvalidFunction;
+  const bool readable = open->target.kind == Kind::volume && access == platform::kGenericRead;
+  return open->target.kind == Kind::drive || readable ? 0 : kInvalidFunction;
 }
 
 }  // namespace
@@ -127,7 +129,10 @@ std::uint32_t read(platform::Handle handle, void* buffer, std::uint32_t bytes, s
   OpenHandle* open = handle_named(handle);
   const std::uint32_t refused = transfer_refused(open, platform::kGenericRead);
   if (refused != 0) return refused;
-  const std::uint32_t code = read_disk(disk_of(open->target), open->position, buffer, bytes, moved);
+  VirtualDisk& disk = disk_of(open->target);
+  const std::uint32_t code = open->target.kind == Kind::volume
+                                 ? read_volume(disk, open->target.volume, open->position, buffer, bytes, moved)
+                                 : read_disk(disk, open->position, buffer, bytes, moved);
   if (code == 0) open->position += *moved;
   return code;
 }
@@ -177,8 +182,10 @@ std::uint32_t control(platform::Handle handle, std::uint32_t code, const void* i
       return control_drive(disk, code, request, reply, returned);
     case Kind::port:
       return control_port(disk, code, request, reply, returned);
-    case Kind::volume:
-      return control_volume(disk, open->target.volume, handle, code);
+    case Kind::volume: {
+      const bool may_read = (open->access & platform::kGenericRead) != 0;
+      return control_volume(disk, {open->target.volume, handle, may_read}, code, request, reply, returned);
+    }
   }
   return kInvalidFunction;
 }

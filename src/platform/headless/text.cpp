@@ -1,5 +1,6 @@
 #include "platform/text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -35,6 +36,19 @@ std::string utf8_of_ansi(std::string_view text) {
     append(byte >= 0x80 && byte < 0xA0 ? kUpper.at(byte - 0x80U) : byte, &utf8);
   }
   return utf8;
+}
+
+std::string ansi_of_utf16(std::u16string_view units) {
+  std::string text;
+  for (const char16_t unit : units) {
+    const auto* const upper = std::find(kUpper.begin(), kUpper.end(), unit);
+    if (unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF)) {
+      text += static_cast<char>(unit);
+    } else {
+      text += upper == kUpper.end() || unit == kNone ? '?' : static_cast<char>(0x80 + (upper - kUpper.begin()));
+    }
+  }
+  return text;
 }
 
 }  // namespace platform

@@ -16,4 +16,15 @@ std::string utf8_of_ansi(std::string_view text) {
   return utf8;
 }
 
+std::string ansi_of_utf16(std::u16string_view units) {
+  if (units.empty()) return {};
+  const std::wstring wide(units.begin(), units.end());
+  const int count = static_cast<int>(wide.size());
+  // Without the best fit: a letter that only looks like a backslash would make another path of a name.
+  const int bytes = ::WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), count, nullptr, 0, "?", nullptr);
+  std::string text(static_cast<std::size_t>(bytes), '\0');
+  ::WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), count, text.data(), bytes, "?", nullptr);
+  return text;
+}
+
 }  // namespace platform

@@ -39,6 +39,8 @@ TEST(DiskFile, NamesFileAndLineOfWhatIsWrong) {
   EXPECT_EQ(error_of("sectors 8\nrate 0"), "my.vd:2: bad number for outer rate: 0");
   EXPECT_EQ(error_of("sectors 8\nvolume EE:"), "my.vd:2: bad volume, a letter and a colon are expected: EE:");
   EXPECT_EQ(error_of("sectors 8\nvolume E:\nvolume e:"), "my.vd:3: volume E: is listed twice");
+  EXPECT_EQ(error_of("sectors 8\nfile e: 1 1 a\nvolume F:"), "my.vd:2: volume E: is not listed");
+  EXPECT_EQ(error_of("sectors 8\nvolume E:\nmetadata E: 1 1"), "my.vd:3: missing path");
   EXPECT_EQ(error_of("sectors 8\ngrow 5 1 on slow"), "my.vd:2: no attribute 5 to grow");
   EXPECT_EQ(error_of("sectors 8\nlogical 2048"), "my.vd:2: unknown bytes of a sector, 512 or 4096: 2048");
   EXPECT_EQ(error_of("sectors 8\nphysical 512\nlogical 4096"),
