@@ -147,10 +147,11 @@ constexpr std::array kSwitches = {
     Switch{"/VDISK", true, true, read_virtual_disk,
            "/VDISK:n=FILE     attach a virtual disk as drive n: a disk file (.vd), an image (.img .raw .bin .dd),\r\n"
            "                  or DEMO, the practice disk"},
-    Switch{"/OP", true, false, read_operation,
-           "/OP:NAME          run one command and end with its exit code: READ, WRITE (pattern), RANDOMREAD,\r\n"
-           "                  RANDOMWRITE (non-destructive), SEARCH, SHOW (sectors in hex), SMART (listing),\r\n"
-           "                  RESTORE (give back what an interrupted RANDOMWRITE left)"},
+    Switch{
+        "/OP", true, false, read_operation,
+        "/OP:NAME          run one command and end with its exit code: READ, WRITE (pattern), VERIFY (compare with\r\n"
+        "                  the pattern), RANDOMREAD, RANDOMWRITE (non-destructive), SEARCH, SHOW (sectors in hex),\r\n"
+        "                  SMART (listing), RESTORE (give back what an interrupted RANDOMWRITE left)"},
     Switch{"/LIST", false, false, read_list,
            "/LIST             list the drives that answer: number, model, serial, firmware, sectors, size"},
     Switch{"/START", true, false, read_start, "/START:lba        first LBA of the run"},

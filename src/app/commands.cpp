@@ -21,6 +21,7 @@
 #include "results/health_report.h"
 #include "results/results.h"
 #include "results/sector_report.h"
+#include "results/verify_report.h"
 
 namespace {
 
@@ -60,7 +61,14 @@ constexpr std::array kCommands = {
             .from_buffer = true,
             .plan = plan_write,
             .transfer = Seq_Write,
-            .report = report_write},
+            .report = report_write,
+            .read_back = verify_written},
+    Command{.name = "VERIFY",
+            .has_switch = true,
+            .trace = "VERIFYTOEND",
+            .plan = plan_verify,
+            .transfer = verify_range,
+            .report = report_verify},
     Command{.name = "RANDOMREAD",
             .has_switch = true,
             .most_count = kChunkSectors,
@@ -141,12 +149,16 @@ void run_operation(const Command& command) {
   if (!command.from_buffer) note_source();
   if (command.timed) end_timing();
   command.report();
+  if (command.read_back != nullptr) command.read_back(*plan);
 }
 
 bool may_begin(const Command& command) {
   if (command.prepare != nullptr && !command.prepare()) return false;
   if (command.trace != nullptr) ShowMessage(std::string("Started HDD - ") + command.trace);
-  if (command.question != nullptr && !confirm_write(command.question(), Overwritten::range)) return false;
+  const bool offers_read_back = command.read_back != nullptr;
+  if (command.question != nullptr && !confirm_write(command.question(), Overwritten::range, offers_read_back)) {
+    return false;
+  }
   return command.confirm == nullptr || command.confirm();
 }
 
@@ -175,6 +187,7 @@ void run_in_frame(const Command& command) {
   End_Operation();
   tell_sector_sizes(command.writes);
   tell_health(command.writes);
+  tell_verify();
 }
 
 /// Deals with what was pressed meanwhile as during the command, then gives the buttons back.
@@ -206,6 +219,7 @@ void run_command(std::string_view name) {
   form1.command_running = true;
   platform::begin_command();
   begin_results(program_version(), command.unmeasured_name);
+  verify_run = {};
   if (command.alone != nullptr) {
     command.alone();
   } else {

@@ -7,11 +7,11 @@
 #include "disk/transfer.h"
 #include "form/asked.h"
 #include "form/form1.h"
-#include "form/number_text.h"
 #include "form/output.h"
 #include "ops/frame.h"
 #include "ops/operations.h"
 #include "ops/selection.h"
+#include "ops/write_guard.h"
 
 namespace {
 
@@ -31,11 +31,6 @@ void transfer_range(bool (*transfer)(std::int64_t*, std::int64_t, std::int64_t, 
   transfer(&lba, sectors - counters.Sectors_Done, chunk, Events::run);
   const std::int64_t left = sectors - counters.Sectors_Done;
   if (left > 0) transfer(&lba, left, left, Events::run);
-}
-
-std::string time_taken() {
-  return "Time taken= " + single_text(elapsed_seconds()) + " seconds for " + std::to_string(counters.No_Secs) +
-         " sectors.\r\n";
 }
 
 }  // namespace
@@ -58,7 +53,11 @@ void report_read() {
 std::optional<RunPlan> plan_write() {
   const std::int64_t start = take_range();
   announce("Writing");
-  return RunPlan{.kind = RunKind::write, .first_lba = start, .sectors = counters.No_Secs};
+  const std::int64_t sectors = counters.No_Secs;
+  return RunPlan{.kind = RunKind::write,
+                 .first_lba = start,
+                 .sectors = sectors,
+                 .work = write_guard.read_back ? lba_after(sectors, sectors) : sectors};
 }
 
 void Seq_Write(const RunPlan& plan) {

@@ -61,6 +61,7 @@ void reset_program() {
   results = {};
   search_run = {};
   smart = {};
+  verify_run = {};
   visits = {};
   volumes = {};
   wmi::state = {};
