@@ -168,10 +168,11 @@ constexpr std::array kSwitches = {
     Switch{"/VDISK", Takes::value, true, read_virtual_disk,
            "/VDISK:n=FILE     attach a virtual disk as drive n: a disk file (.vd), an image (.img .raw .bin .dd),\r\n"
            "                  or DEMO, the practice disk"},
-    Switch{"/OP", Takes::value, false, read_operation,
-           "/OP:NAME          run one command and end with its exit code: READ, WRITE (pattern), RANDOMREAD,\r\n"
-           "                  RANDOMWRITE (non-destructive), SEARCH, SHOW (sectors in hex), SMART (listing),\r\n"
-           "                  RESTORE (give back what an interrupted RANDOMWRITE left)"},
+    Switch{
+        "/OP", Takes::value, false, read_operation,
+        "/OP:NAME          run one command and end with its exit code: READ, WRITE (pattern), VERIFY (compare with\r\n"
+        "                  the pattern), RANDOMREAD, RANDOMWRITE (non-destructive), SEARCH, SHOW (sectors in hex),\r\n"
+        "                  SMART (listing), RESTORE (give back what an interrupted RANDOMWRITE left)"},
     Switch{"/LIST", Takes::nothing, false, read_list,
            "/LIST             list the drives that answer: number, model, serial, firmware, sectors, size"},
     Switch{"/START", Takes::value, false, read_start, "/START:lba        first LBA of the run"},

@@ -26,6 +26,7 @@
 #include "results/results.h"
 #include "results/run_report.h"
 #include "results/sector_report.h"
+#include "results/verify_report.h"
 
 namespace {
 
@@ -68,7 +69,15 @@ constexpr std::array kCommands = {
             .from_buffer = true,
             .plan = plan_write,
             .transfer = Seq_Write,
-            .report = report_write},
+            .report = report_write,
+            .read_back = verify_written},
+    Command{.name = "VERIFY",
+            .has_switch = true,
+            .has_range = true,
+            .trace = "VERIFYTOEND",
+            .plan = plan_verify,
+            .transfer = verify_range,
+            .report = report_verify},
     Command{.name = "RANDOMREAD",
             .has_switch = true,
             .most_count = kChunkSectors,
@@ -153,13 +162,17 @@ void run_operation(const Command& command) {
   if (!command.from_buffer) note_source();
   if (command.timed) end_timing();
   command.report();
+  if (command.read_back != nullptr) command.read_back(*plan);
 }
 
 bool may_begin(const Command& command) {
   if (command.prepare != nullptr && !command.prepare()) return false;
   if (command.has_range && !confirm_range()) return false;
   if (command.trace != nullptr) ShowMessage(std::string("Started HDD - ") + command.trace);
-  if (command.question != nullptr && !confirm_write(command.question(), Overwritten::range)) return false;
+  const bool offers_read_back = command.read_back != nullptr;
+  if (command.question != nullptr && !confirm_write(command.question(), Overwritten::range, offers_read_back)) {
+    return false;
+  }
   return command.confirm == nullptr || command.confirm();
 }
 
@@ -195,6 +208,7 @@ void run_in_frame(const Command& command) {
   End_Operation();
   tell_sector_sizes(command.writes);
   tell_health(command.writes);
+  tell_verify();
   end_measuring(form1.MyCancel);
   tell_run_end();
   if (command.finds_bad_places && measured_something()) find_bad_places();
@@ -229,6 +243,7 @@ void run_command(std::string_view name) {
   form1.command_running = true;
   platform::begin_command();
   begin_results(program_version(), command.unmeasured_name);
+  verify_run = {};
   if (command.alone != nullptr) {
     command.alone();
   } else {

@@ -3,8 +3,10 @@
 #include <emmintrin.h>
 
 #include <algorithm>
+#include <cstring>
 
 #include "buffer/hex_text.h"
+#include "platform/units.h"
 
 namespace {
 
@@ -54,6 +56,25 @@ void fill_pattern(std::span<std::uint8_t> bytes, std::span<const std::uint8_t> p
     _mm_storeu_si128(to + 2, v2);
   }
   std::copy_n(block.begin(), bytes.size() - at, bytes.begin() + static_cast<std::ptrdiff_t>(at));
+}
+
+PatternDifference difference_from(std::span<const std::uint8_t> bytes, std::span<const std::uint8_t> pattern) {
+  // Every length from 1 to 4 divides three sectors.
+  constexpr std::size_t kSector = kSectorSize;
+  std::array<std::uint8_t, 3 * kSector> block;
+  fill_pattern(block, pattern);
+  PatternDifference difference;
+  for (std::size_t at = 0; at + kSector <= bytes.size(); at += kSector) {
+    const std::uint8_t* const sector = &bytes[at];
+    const std::uint8_t* const expected = &block.at(at % block.size());
+    if (std::memcmp(sector, expected, kSector) == 0) continue;
+    if (difference.sectors == 0) {
+      difference.first =
+          at + static_cast<std::size_t>(std::mismatch(sector, sector + kSector, expected).first - sector);
+    }
+    ++difference.sectors;
+  }
+  return difference;
 }
 
 std::size_t count_differing(std::span<const std::uint8_t> a, std::span<const std::uint8_t> b) {

@@ -32,5 +32,12 @@ std::string pattern_text(const Pattern& pattern);
 /// Fills `bytes` from its start with `pattern`, 1 to 4 bytes, repeated end to end; the last one may be cut.
 void fill_pattern(std::span<std::uint8_t> bytes, std::span<const std::uint8_t> pattern);
 
+/// Where bytes of whole sectors differ from a pattern, 1 to 4 bytes, repeated from their start.
+struct PatternDifference {
+  std::int64_t sectors = 0;  // in which a byte differs
+  std::size_t first = 0;     // the first such byte, where there is one
+};
+PatternDifference difference_from(std::span<const std::uint8_t> bytes, std::span<const std::uint8_t> pattern);
+
 /// How many bytes differ between `a` and `b`, as far as both reach.
 std::size_t count_differing(std::span<const std::uint8_t> a, std::span<const std::uint8_t> b);

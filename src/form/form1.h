@@ -23,6 +23,7 @@ struct Form1 {
   bool MyCancel = false;         // every loop of transfers stops at its next test of it
   bool RangeEdited = false;      // the user touched the range: a drive selection keeps it
   int SelectedDrive = kNoDrive;  // 0 to 7, or kNoDrive
+  bool read_back = false;        // how the check box of the pattern write's question was left last
   bool CommandLineMode = false;  // "/D:" was on the command line: no questions, report output is written
   bool OsIsNT = false;           // what the system said it is; nothing is gated on it
   std::uint32_t OsMajorVersion = 0;

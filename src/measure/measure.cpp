@@ -9,6 +9,7 @@ constexpr double kDay = 86400.0;  // seconds
 
 Phase first_phase(RunKind kind) {
   if (kind == RunKind::write) return Phase::writing;
+  if (kind == RunKind::verify) return Phase::verifying;
   return kind == RunKind::search ? Phase::searching : Phase::reading;
 }
 
@@ -85,9 +86,10 @@ void wait_for_neighbours(const Transfer& transfer) {
 }  // namespace
 
 const char* run_kind_text(RunKind kind) {
-  constexpr std::array<const char*, 9> kTexts = {
-      "none",           "read", "write", "search", "restore", "random read", "random write", "destructive random write",
-      "off-track write"};
+  constexpr std::array<const char*, 10> kTexts = {"none",           "read",         "write",
+                                                  "search",         "restore",      "verify",
+                                                  "random read",    "random write", "destructive random write",
+                                                  "off-track write"};
   return kTexts.at(static_cast<std::size_t>(kind));
 }
 

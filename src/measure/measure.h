@@ -20,14 +20,15 @@ enum class RunKind : std::uint8_t {
   write,
   search,
   restore,
+  verify,
   random_read,
   random_write,
   destructive_write,
   off_track
 };
 
-/// The run in a word: "none", "read", "write", "search", "restore", "random read", "random write", "destructive random
-/// write", "off-track write".
+/// The run in a word: "none", "read", "write", "search", "restore", "verify", "random read", "random write",
+/// "destructive random write", "off-track write".
 const char* run_kind_text(RunKind kind);
 
 constexpr bool is_random(RunKind kind) {

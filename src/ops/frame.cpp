@@ -10,6 +10,7 @@
 #include "eventlog/event_log.h"
 #include "form/asked.h"
 #include "form/form1.h"
+#include "form/number_text.h"
 #include "form/output.h"
 #include "ops/drive_health.h"
 #include "ops/range_end.h"
@@ -139,7 +140,7 @@ void end_timing() {
   platform::pump_events();
 }
 
-void Do_errors() {
+void tell_totals() {
   const std::string total = std::to_string(counters.TotalErrors);
   const std::string reads = std::to_string(counters.TotalRErrors);
   const std::string writes = std::to_string(counters.TotalWErrors);
@@ -150,7 +151,16 @@ void Do_errors() {
                                 "\r\nSET QV_D_WRITEERR=" + writes + "\r\nSET QV_D_CMPERR=" + compares + "\r\n";
   AppendReportVars(variables);
   form1.Text1.append(variables);
+}
+
+void Do_errors() {
+  tell_totals();
   add_to_exit_code(counters.TotalErrors);
+}
+
+std::string time_taken() {
+  return "Time taken= " + single_text(elapsed_seconds()) + " seconds for " + std::to_string(counters.No_Secs) +
+         " sectors.\r\n";
 }
 
 void report_end(const std::string& line) {

@@ -40,8 +40,14 @@ void start_timing();
 /// counts.
 void end_timing();
 
-/// Reports the totals, writes their report variables and adds TotalErrors, not the compare errors, to the exit code.
+/// Reports the totals and writes their report variables.
+void tell_totals();
+
+/// tell_totals(), and adds TotalErrors, not the compare errors, to the exit code.
 void Do_errors();
+
+/// "Time taken= 0.5 seconds for 3 sectors.", with its line end.
+std::string time_taken();
 
 /// Reports `line`, the time taken, then the totals.
 void report_end(const std::string& line);

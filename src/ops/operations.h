@@ -26,6 +26,36 @@ std::optional<RunPlan> plan_write();
 void Seq_Write(const RunPlan& plan);
 void report_write();
 
+/// Reads the range in the fields in the chunks of a write of it and compares each with the pattern in TxtPattern,
+/// repeated from the chunk's start. A chunk that differs is a compare error; the exit code takes these too.
+struct VerifyRun {
+  static constexpr std::size_t kMostListed = 1000;
+  struct Difference {
+    std::int64_t lba = 0;      // of a chunk's first byte that differs
+    std::int64_t offset = 0;   // of that byte in its sector
+    std::int64_t sectors = 0;  // of the chunk that differ
+  };
+
+  bool asked = false;                // by this command; nothing else counts else
+  std::string pattern{};             // hex
+  std::int64_t chunks = 0;           // of the range
+  std::int64_t compared = 0;         // chunks that were read
+  std::int64_t failed = 0;           // chunks that could not be
+  std::int64_t differing = 0;        // of those compared
+  std::vector<Difference> listed{};  // the first ones, by LBA
+  std::int64_t errors_before = 0;    // failed transfers of the write before it
+};
+
+inline VerifyRun verify_run;
+
+std::optional<RunPlan> plan_verify();
+void verify_range(const RunPlan& plan);
+void report_verify();
+
+/// The same behind a write whose question was answered so, unless that was cancelled. Sec_Buf is left as the write
+/// left it.
+void verify_written(const RunPlan& plan);
+
 /// A read of one sector, unless /COUNT gave a number, that shows the buffer and, at LBA 0, the partition table in the
 /// report. Its transfers are Seq_Read's.
 std::optional<RunPlan> plan_show();

@@ -8,13 +8,13 @@
 #include "disk/transfer.h"
 #include "form/asked.h"
 #include "form/form1.h"
-#include "form/number_text.h"
 #include "form/output.h"
 #include "measure/run_map.h"
 #include "ops/frame.h"
 #include "ops/operations.h"
 #include "ops/resume.h"
 #include "ops/selection.h"
+#include "ops/write_guard.h"
 
 namespace {
 
@@ -35,11 +35,6 @@ void transfer_range(bool (*transfer)(std::int64_t*, std::int64_t, std::int64_t, 
   transfer(&lba, end - counters.Sectors_Done, chunk, Events::run);
   const std::int64_t left = end - counters.Sectors_Done;
   if (left > 0) transfer(&lba, left, left, Events::run);
-}
-
-std::string time_taken() {
-  return "Time taken= " + single_text(elapsed_seconds()) + " seconds for " + std::to_string(counters.No_Secs) +
-         " sectors.\r\n";
 }
 
 }  // namespace
@@ -70,7 +65,11 @@ void report_read() {
 std::optional<RunPlan> plan_write() {
   const std::int64_t start = take_range();
   announce("Writing");
-  return RunPlan{.kind = RunKind::write, .first_lba = start, .sectors = counters.No_Secs};
+  const std::int64_t sectors = counters.No_Secs;
+  return RunPlan{.kind = RunKind::write,
+                 .first_lba = start,
+                 .sectors = sectors,
+                 .work = write_guard.read_back ? lba_after(sectors, sectors) : sectors};
 }
 
 void Seq_Write(const RunPlan& plan) {

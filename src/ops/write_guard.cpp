@@ -10,6 +10,7 @@
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "form/output.h"
+#include "platform/window.h"
 #include "smart/identification.h"
 #include "virtualdisk/virtualdisk.h"
 
@@ -101,6 +102,14 @@ bool refused() {
   return !reason.empty();
 }
 
+bool ask_with_read_back(const std::string& question, const std::string& title) {
+  platform::CheckBox read_back{"&Read back and compare afterwards", form1.read_back};
+  if (!platform::checked_box(question, title, &read_back)) return false;
+  form1.read_back = read_back.ticked;
+  write_guard.read_back = read_back.ticked;
+  return true;
+}
+
 /// The object's name: of the drive's number, or of a virtual disk's image; empty for a disk in this process's memory.
 std::string object_name() {
   constexpr std::size_t kLongest = 200;  // of the system's 260 characters
@@ -126,11 +135,12 @@ std::string named_range() {
   return drive + range_text(range) + ", " + std::to_string(range.sectors) + " sectors" + ends_text(range);
 }
 
-bool confirm_write(const std::string& title, Overwritten what) {
+bool confirm_write(const std::string& title, Overwritten what, bool offers_read_back) {
   if (form1.CommandLineMode) return true;
   if (refused()) return false;
   const std::string warning = "Warning: This Disk " + std::to_string(form1.SelectedDrive) +
                               " Write operation will overwrite all existing data!";
+  if (offers_read_back) return ask_with_read_back(warning + named_range(), title);
   if (what == Overwritten::range) return ask_user(warning + named_range(), title);
   return ask_user(warning + named_drive() + "Places anywhere in " + std::to_string(write_guard.sectors) + " sectors",
                   title);

@@ -14,6 +14,7 @@ struct WriteGuard {
   std::string model;
   std::string serial;
   std::int64_t sectors = 0;
+  bool read_back = false;  // the question was answered so that the write is read back and compared
   kernel32::Handle held = kernel32::kInvalidHandle;
 };
 
@@ -24,9 +25,10 @@ bool range_is_plain();
 
 /// Asks with `title` whether the selected drive may be overwritten, and names what is: the drive as it answers now and
 /// the range in the fields, or all of the drive. True without a question in command-line mode; false, told with the
-/// reason, for a drive that is not written to at all.
+/// reason, for a drive that is not written to at all. `offers_read_back`: the question has a check box for it, which
+/// stands as it was left last.
 enum class Overwritten : std::uint8_t { range, anywhere };
-bool confirm_write(const std::string& title, Overwritten what);
+bool confirm_write(const std::string& title, Overwritten what, bool offers_read_back = false);
 
 /// The drive and the range in the fields, as lines for a question of one's own.
 std::string named_range();

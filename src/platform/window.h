@@ -115,6 +115,15 @@ enum class BoxIcon : std::uint8_t { none, information };
 /// Shows a modal box over the main window; true for OK, false for Cancel (also by Esc or closing it).
 bool message_box(const std::string& text, Buttons buttons, const std::string& title, BoxIcon icon = BoxIcon::none);
 
+/// A check box of a question.
+struct CheckBox {
+  std::string caption;
+  bool ticked = false;  // as shown first, then as the user left it
+};
+
+/// A question, as message_box() asks it for OK or Cancel, with a check box, which changes on OK alone.
+bool checked_box(const std::string& text, const std::string& title, CheckBox* check);
+
 /// Asks for a line of text in a modal box; empty for Cancel as well as for an empty answer.
 std::string input_box(const std::string& prompt, const std::string& title, const std::string& default_answer);
 

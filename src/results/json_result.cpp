@@ -208,6 +208,7 @@ std::string json_result(const Result& result, const Measure& measured) {
   put_difference(result.before, result.after, &json);
   json.close_object();
   put_health(result, &json);
+  put_verify(result, &json);
   put_events(result.events, &json);
   json.number("exit_code", result.exit_code);
   return json.finish();

@@ -11,6 +11,7 @@
 #include "health/health.h"
 #include "measure/findings.h"
 #include "measure/measure.h"
+#include "ops/operations.h"
 #include "platform/clock.h"
 #include "smart/identification.h"
 #include "smart/snapshot.h"
@@ -37,6 +38,7 @@ struct Result {
   std::optional<Health> health_before;
   std::optional<Health> health_after;
   RunFindings findings;
+  VerifyRun verify;
   std::int32_t exit_code = 0;
 };
 
@@ -54,6 +56,9 @@ std::string bad_list(const std::vector<BadRange>& ranges);
 
 /// The member "health" of that document: the verdict, both snapshots with the pages as they came, the temperatures.
 void put_health(const Result& result, JsonText* json);
+
+/// The member "verify", of a run that read back and compared.
+void put_verify(const Result& result, JsonText* json);
 
 /// The rate graph as one SVG document that needs nothing else, as the window draws it: the average as a line within the
 /// band of lowest to highest, random tests as points, the slow limit dashed, slow transfers as triangles and errors as

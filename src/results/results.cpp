@@ -38,6 +38,7 @@ Result collect() {
   result.health_before = drive_health.before;
   result.health_after = drive_health.after;
   result.findings = run_findings;
+  result.verify = verify_run;
   result.exit_code = exit_code();
   return result;
 }

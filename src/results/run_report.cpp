@@ -22,7 +22,8 @@ constexpr std::size_t kMostLines = 1000;
 std::string not_done_text() {
   const char* done = "done";
   if (measure.plan.kind == RunKind::read) done = "read";
-  if (measure.plan.kind == RunKind::write) done = "written";
+  if (measure.plan.kind == RunKind::write && measure.plan.work == measure.plan.sectors) done = "written";
+  if (measure.plan.kind == RunKind::verify) done = "compared";
   if (measure.plan.kind == RunKind::search) done = "searched";
   return std::to_string(percent_not_done(measure)) + " % not " + done;
 }
@@ -43,7 +44,7 @@ std::string resumed_line() {
 std::string range_line(const BadRange& range) {
   std::string line = std::string(bad_kind_text(range.kind)) + ": " + lba_text(range) + ", " +
                      std::to_string(range.sectors) + (range.sectors == 1 ? " sector" : " sectors");
-  if (range.code != 0) line += ", " + coded_error_text(range.code);
+  if (range.code != 0) line += ", error " + std::to_string(range.code) + " - " + GetErrMsg(range.code);
   line += ", up to " + fixed_text(range.milliseconds, 0) + " ms";
   if (!range.partition.empty()) line += "; " + range.partition;
   if (!range.owner.empty()) line += "; " + range.owner;

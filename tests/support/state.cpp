@@ -65,6 +65,7 @@ void reset_program() {
   results = {};
   search_run = {};
   smart = {};
+  verify_run = {};
   visits = {};
   volumes = {};
   wmi::state = {};

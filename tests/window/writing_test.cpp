@@ -78,6 +78,47 @@ TEST(Writes, TheQuestionNamesTheDiskAndEnterMeansCancel) {
   EXPECT_TRUE(read_file("w.img") == image);
 }
 
+TEST(Writes, TheQuestionsCheckBoxHasTheWriteReadBackAndStaysAsItWasLeft) {
+  make_disk("drop 8 1\n");
+  const Program program("/VDISK:0=w.vd /START:7 /COUNT:3");
+  program.press("Fill Buffer with Pattern and WRITE");
+  HWND box = program.wait_for_box("WIPE DRIVE?");
+  ASSERT_NE(box, nullptr);
+  const auto part = [&](const char* caption) { return ::FindWindowExA(box, nullptr, "BUTTON", caption); };
+  const auto tab_to = [&](const char* caption) {
+    program.key(VK_TAB);
+    EXPECT_TRUE(wait_until([&] { return program.focus() == part(caption); })) << caption;
+  };
+  const char* const kCheckBox = "&Read back and compare afterwards";
+  EXPECT_TRUE(wait_until([&] { return program.focus() == part("Cancel"); }));
+  EXPECT_FALSE(checked(part(kCheckBox)));
+  EXPECT_FALSE(enabled(program.window()));
+  tab_to(kCheckBox);
+  program.key(VK_SPACE);
+  EXPECT_TRUE(wait_until([&] { return checked(part(kCheckBox)); }));
+  tab_to("OK");
+  program.key(VK_RETURN);
+  EXPECT_TRUE(wait_until([&] {
+    return text_of(program.edit(kText)).find("VERIFY: 1 of 1 chunks differs, first difference at LBA 8 byte 0.") !=
+           std::string::npos;
+  }));
+  EXPECT_TRUE(wait_until([&] { return idle(program); }));
+
+  const std::string written = read_file("w.img");
+  program.press("Fill Buffer with Pattern and WRITE");
+  box = program.wait_for_box("WIPE DRIVE?");
+  EXPECT_TRUE(checked(part(kCheckBox)));
+  program.set_focus(part(kCheckBox));
+  program.key(VK_RETURN);
+  EXPECT_TRUE(wait_until([&] { return idle(program); }));
+  EXPECT_FALSE(program.box_is_open()) << "Enter on the check box means Cancel";
+  program.press("Fill Buffer with Pattern and WRITE");
+  box = program.wait_for_box("WIPE DRIVE?");
+  program.key(VK_ESCAPE);
+  EXPECT_TRUE(wait_until([&] { return idle(program); }));
+  EXPECT_TRUE(read_file("w.img") == written);
+}
+
 TEST(Writes, AStartThatIsNoNumberStopsBeforeTheQuestion) {
   const std::string image = make_disk("");
   const Program program("/VDISK:0=w.vd");

@@ -96,6 +96,14 @@ bool message_box(const std::string& text, Buttons /*buttons*/, const std::string
   return headless::take_answer({text, title, false, {}}) == "OK";
 }
 
+bool checked_box(const std::string& text, const std::string& title, CheckBox* check) {
+  const std::string answer =
+      headless::take_answer({.text = text, .title = title, .check_box = check->caption, .ticked = check->ticked});
+  if (answer == "OK TICKED") check->ticked = true;
+  if (answer == "OK UNTICKED") check->ticked = false;
+  return answer.starts_with("OK");
+}
+
 std::string input_box(const std::string& prompt, const std::string& title, const std::string& /*default_answer*/) {
   const std::string answer = headless::take_answer({prompt, title, true, {}});
   return answer == "CANCEL" ? std::string() : answer;

@@ -30,7 +30,9 @@ struct Box {
   std::string text;
   std::string title;
   bool asks_line = false;
-  std::string answer;
+  std::string answer{};
+  std::string check_box{};  // its caption; empty for none
+  bool ticked = false;      // as it was shown
 };
 
 /// What the management service answers to a query that begins with `query`.
@@ -49,8 +51,8 @@ struct WmiCursor {
 
 struct Desktop {
   // Script.
-  std::deque<std::string> answers;   // to boxes, in order: "OK", "CANCEL", or the line typed
-  std::string otherwise;             // to boxes for which none is left; empty throws
+  std::deque<std::string> answers;  // to boxes, in order: "OK", "CANCEL", "OK TICKED", "OK UNTICKED", or the line typed
+  std::string otherwise;            // to boxes for which none is left; empty throws
   std::function<void(int)> at_pump;  // called with the pump's number, from 1: events of the user
   std::function<void()> at_box;      // called while a box is open
   bool has_display = false;

@@ -14,19 +14,19 @@ namespace {
 constexpr int kPromptId = 100;
 constexpr int kAnswerId = 101;
 
-/// What an input box asks, and what it was given.
+/// What a box of our own asks, and what it was given: a line of text, or a check box where there is one.
 struct Question {
   const std::string& prompt;
   const std::string& title;
-  const std::string& default_answer;
-  std::string answer;
+  std::string answer;  // proposed, then given
+  platform::CheckBox* check = nullptr;
   HFONT font = nullptr;
 };
 
-/// Measures, makes and places the controls of an input box from its prompt, at the main window's scale.
-class InputLayout {
+/// Measures, makes and places the controls of a box from its prompt, at the main window's scale.
+class BoxLayout {
  public:
-  InputLayout(HWND box, const Question& question) : box_(box), question_(question), dpi_(main_window.dpi) {}
+  BoxLayout(HWND box, const Question& question) : box_(box), question_(question), dpi_(main_window.dpi) {}
 
   void build() {
     const int margin = at(12);
@@ -38,13 +38,19 @@ class InputLayout {
     add("STATIC", question_.prompt, SS_LEFT | SS_NOPREFIX, 0, kPromptId,
         {margin, y, width, static_cast<int>(prompt.cy)});
     y += static_cast<int>(prompt.cy) + at(10);
-    add("EDIT", question_.default_answer, WS_TABSTOP | ES_AUTOHSCROLL, WS_EX_CLIENTEDGE, kAnswerId,
-        {margin, y, width, at(23)});
+    const bool checked = question_.check != nullptr;
+    if (checked) {
+      add("BUTTON", question_.check->caption, WS_TABSTOP | BS_AUTOCHECKBOX, 0, kAnswerId, {margin, y, width, at(23)});
+    } else {
+      add("EDIT", question_.answer, WS_TABSTOP | ES_AUTOHSCROLL, WS_EX_CLIENTEDGE, kAnswerId,
+          {margin, y, width, at(23)});
+    }
     y += at(23) + at(14);
+    const DWORD ok = checked ? BS_PUSHBUTTON : BS_DEFPUSHBUTTON;
+    const DWORD cancel = checked ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON;
     const int cancel_x = margin + width - button_width;
-    add("BUTTON", "OK", WS_TABSTOP | BS_DEFPUSHBUTTON, 0, IDOK,
-        {cancel_x - at(8) - button_width, y, button_width, button_height});
-    add("BUTTON", "Cancel", WS_TABSTOP | BS_PUSHBUTTON, 0, IDCANCEL, {cancel_x, y, button_width, button_height});
+    add("BUTTON", "OK", WS_TABSTOP | ok, 0, IDOK, {cancel_x - at(8) - button_width, y, button_width, button_height});
+    add("BUTTON", "Cancel", WS_TABSTOP | cancel, 0, IDCANCEL, {cancel_x, y, button_width, button_height});
     place_box({width + 2 * margin, y + button_height + margin});
   }
 
@@ -89,25 +95,36 @@ class InputLayout {
   int dpi_;
 };
 
-void open_input(HWND box, Question* question) {
+void open_box(HWND box, Question* question) {
   ::SetWindowLongPtrA(box, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(question));
   ::SetWindowTextA(box, question->title.c_str());
   question->font = make_gui_font(main_window.window, main_window.dpi);
-  InputLayout(box, *question).build();
-  ::SendDlgItemMessageA(box, kAnswerId, EM_SETSEL, 0, -1);
-  ::SetFocus(::GetDlgItem(box, kAnswerId));
+  BoxLayout(box, *question).build();
+  if (question->check == nullptr) {
+    ::SendDlgItemMessageA(box, kAnswerId, EM_SETSEL, 0, -1);
+    ::SetFocus(::GetDlgItem(box, kAnswerId));
+    return;
+  }
+  ::SendDlgItemMessageA(box, kAnswerId, BM_SETCHECK, question->check->ticked ? BST_CHECKED : BST_UNCHECKED, 0);
+  // As in a message box whose default is Cancel, from wherever Enter is pressed.
+  ::SendMessageA(box, DM_SETDEFID, IDCANCEL, 0);
+  ::SetFocus(::GetDlgItem(box, IDCANCEL));
 }
 
 void take_answer(HWND box, Question* question) {
+  if (question->check != nullptr) {
+    question->check->ticked = ::SendDlgItemMessageA(box, kAnswerId, BM_GETCHECK, 0, 0) == BST_CHECKED;
+    return;
+  }
   HWND const edit = ::GetDlgItem(box, kAnswerId);
   const int length = ::GetWindowTextLengthA(edit);
   question->answer.resize(static_cast<std::size_t>(length) + 1);
   question->answer.resize(static_cast<std::size_t>(::GetWindowTextA(edit, question->answer.data(), length + 1)));
 }
 
-INT_PTR CALLBACK input_procedure(HWND box, UINT message, WPARAM word, LPARAM long_word) {
+INT_PTR CALLBACK box_procedure(HWND box, UINT message, WPARAM word, LPARAM long_word) {
   if (message == WM_INITDIALOG) {
-    open_input(box, reinterpret_cast<Question*>(long_word));
+    open_box(box, reinterpret_cast<Question*>(long_word));
     return FALSE;  // the focus is set
   }
   if (message == WM_COMMAND && (LOWORD(word) == IDOK || LOWORD(word) == IDCANCEL)) {
@@ -123,6 +140,21 @@ INT_PTR CALLBACK input_procedure(HWND box, UINT message, WPARAM word, LPARAM lon
 void before_box() {
   hand_over_typing();
   show_soon();
+}
+
+/// On the window's thread: what ended the box, IDOK or IDCANCEL, or -1 where the system could not show it.
+INT_PTR show_box(Question* question) {
+  // An empty dialog; its controls are made when it opens. The template is followed by no menu, no class and no title.
+  struct alignas(DWORD) Template {
+    DLGTEMPLATE head;
+    std::array<WORD, 3> none;
+  };
+  Template blank{{WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | WS_VISIBLE, 0, 0, 0, 0, 10, 10}, {}};
+  before_box();
+  const INT_PTR ended = ::DialogBoxIndirectParamA(::GetModuleHandleA(nullptr), &blank.head, main_window.window,
+                                                  box_procedure, reinterpret_cast<LPARAM>(question));
+  if (question->font != nullptr) ::DeleteObject(question->font);
+  return ended;
 }
 
 /// On the window's thread.
@@ -148,26 +180,33 @@ bool message_box(const std::string& text, Buttons buttons, const std::string& ti
 
 std::string input_box(const std::string& prompt, const std::string& title, const std::string& default_answer) {
   if (win32::main_window.window == nullptr) return {};
-  win32::Question question{prompt, title, default_answer, {}};
-  // An empty dialog; its controls are made when it opens. The template is followed by no menu, no class and no title.
-  struct alignas(DWORD) Template {
-    DLGTEMPLATE head;
-    std::array<WORD, 3> none;
-  };
-  Template blank{{WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | WS_VISIBLE, 0, 0, 0, 0, 10, 10}, {}};
+  win32::Question question{.prompt = prompt, .title = title, .answer = default_answer};
+  INT_PTR ended = IDCANCEL;
   const auto ask = [&] {
-    win32::before_box();
-    const INT_PTR shown = ::DialogBoxIndirectParamA(::GetModuleHandleA(nullptr), &blank.head, win32::main_window.window,
-                                                    win32::input_procedure, reinterpret_cast<LPARAM>(&question));
-    if (shown == -1) {
+    ended = win32::show_box(&question);
+    if (ended == -1) {
       win32::show_message(
           "The question \"" + title + "\" cannot be shown: error " + std::to_string(::GetLastError()) + ".", title,
           MB_OK);
     }
-    if (question.font != nullptr) ::DeleteObject(question.font);
   };
   win32::ask_window(ask, true);
-  return question.answer;
+  return ended == IDOK ? question.answer : std::string();
+}
+
+bool checked_box(const std::string& text, const std::string& title, CheckBox* check) {
+  if (win32::main_window.window == nullptr) return false;
+  win32::Question question{.prompt = text, .title = title, .answer = {}, .check = check};
+  INT_PTR ended = IDCANCEL;
+  const auto ask = [&] {
+    ended = win32::show_box(&question);
+    if (ended != -1) return;
+    // What cannot be asked with a check box is asked without.
+    check->ticked = false;
+    ended = win32::show_message(text, title, MB_OKCANCEL | MB_DEFBUTTON2);
+  };
+  win32::ask_window(ask, true);
+  return ended == IDOK;
 }
 
 }  // namespace platform

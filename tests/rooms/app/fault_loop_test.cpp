@@ -46,6 +46,8 @@ class FaultLoop : public Rig, public ::testing::WithParamInterface<Scenario> {
     headless::desktop.fail_last = last;
     headless::desktop.has_display = GetParam().button != nullptr;
     headless::desktop.answers = GetParam().answers;
+    // Where the window asks before it writes, it tells in boxes too.
+    if (*GetParam().switches == '\0') headless::desktop.otherwise = "OK";
     const std::uint32_t code = start("/VDISK:0=" + path("d.vd") + " " + GetParam().switches);
     if (GetParam().button != nullptr && code == 0) {
       click(GetParam().button);
@@ -91,6 +93,7 @@ INSTANTIATE_TEST_SUITE_P(
     Runs, FaultLoop,
     ::testing::Values(Scenario{"Read", "/D:0 /OP:READ", false},
                       Scenario{"Write", "/D:0 /OP:WRITE /SERIAL:S /START:3 /COUNT:2", true},
+                      Scenario{"Verify", "/D:0 /OP:VERIFY /START:3 /COUNT:2", false},
                       Scenario{"RandomRead", "/D:0 /OP:RANDOMREAD /PASSES:2 /COUNT:4", false},
                       Scenario{"Search", "/D:0 /OP:SEARCH /FIND:t33", false}, Scenario{"Show", "/D:0 /OP:SHOW", false},
                       Scenario{"Smart", "/D:0 /OP:SMART", false}, Scenario{"List", "/LIST", false},
@@ -98,6 +101,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Scenario{"ReadButton", "/D:0", false, CmdRead_Click},
                       Scenario{"SearchButton", "/D:0", false, CmdFind_Click, {"t33"}},
                       Scenario{"WriteButton", "/D:0", true, CmdWrite_Click, {"OK"}},
+                      Scenario{"WriteAndReadBackButton", "", true, CmdWrite_Click, {"OK TICKED"}},
                       Scenario{"DestructiveButton", "/D:0", true, Cmd_Destructive_Random_Write, {"OK", "2", "4"}}),
     [](const auto& info) { return info.param.name; });
 
