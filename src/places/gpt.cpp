@@ -74,7 +74,7 @@ Side read_side(const DiskReader& disk, std::int64_t lba, const std::string& name
   const std::string fault = gpt_header_fault(*side.header, sector, lba);
   if (!fault.empty()) damages->push_back(subject + " " + fault + ".");
   const std::string entries_fault = read_entries(disk, &side);
-  if (!entries_fault.empty()) damages->push_back("The entries of the " + name + " " + entries_fault + ".");
+  if (!entries_fault.empty()) damages->push_back("The " + name + "'s entries " + entries_fault + ".");
   side.header_sound = fault.empty();
   side.sound = fault.empty() && entries_fault.empty();
   return side;
@@ -91,7 +91,7 @@ Side read_backup(const DiskReader& disk, const Side& first, std::vector<std::str
     return {};
   }
   std::vector<std::string> at_end;
-  const Side last = read_side(disk, disk.sectors - 1, name, &at_end);
+  Side last = read_side(disk, disk.sectors - 1, name, &at_end);
   if (last.header || !told_elsewhere) {
     damages->insert(damages->end(), at_end.begin(), at_end.end());
     return last;

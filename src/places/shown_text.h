@@ -9,7 +9,7 @@
 
 /// UTF-16LE up to its first zero in the system's ANSI code page. Control characters become "?", and so does what the
 /// code page does not have.
-std::string text_of_utf16(std::span<const std::uint8_t> bytes);
+std::string text_of_utf16(std::span<const std::uint8_t> data);
 
 /// Upper-case hexadecimal digits, zeros in front of them up to `width`.
 std::string hex_digits(std::uint64_t value, std::size_t width = 1);

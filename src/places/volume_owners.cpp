@@ -181,7 +181,8 @@ std::vector<std::string> volume_owners(int drive, const std::string& name, std::
   std::map<std::int64_t, ClusterOwner> owners;
   const std::vector<std::int64_t> clusters(asked.begin(), asked.end());
   const std::uint32_t code = ask_owners(send, clusters, &owners);
-  std::vector<std::string> texts;
-  for (const Found& one : found) texts.push_back(owner_text(one, owners, code));
+  std::vector<std::string> texts(found.size());
+  std::transform(found.begin(), found.end(), texts.begin(),
+                 [&](const Found& one) { return owner_text(one, owners, code); });
   return texts;
 }

@@ -56,7 +56,7 @@ TEST_F(GptTest, TakesTheBackupWhereTheFirstHeaderIsDamaged) {
 
 TEST_F(GptTest, TakesTheBackupsEntriesWhereTheFirstOnesAreDamaged) {
   image.at(2)[32] = 41;
-  EXPECT_THAT(table().damages, ElementsAre(HasSubstr("The entries of the GPT header at LBA 2 have a bad checksum: ")));
+  EXPECT_THAT(table().damages, ElementsAre(HasSubstr("The GPT header's entries at LBA 2 have a bad checksum: ")));
   EXPECT_EQ(table().partitions.at(0).first_lba, 40) << "the backup's";
   image.at(199)[0] = 0;
   EXPECT_EQ(table().damages.size(), 2U);
