@@ -96,15 +96,32 @@ void on_double_click(Point point) {
   form1.RangeEdited = true;  // as typing it does
 }
 
+void mark(platform::Field* tab, bool on) {
+  if (tab->on() != on) tab->set_on(on);
+}
+
+/// The report has a tab only where it shares its place with the pictures.
+void mark_tabs() {
+  const bool report = !panel.has_own_place && form1.report_in_front;
+  mark(&panel.report_tab, report);
+  mark(&panel.graph_tab, !report && panel.view == PanelView::rate_graph);
+  mark(&panel.map_tab, !report && panel.view == PanelView::block_map);
+}
+
 }  // namespace
 
 const platform::Picture kPanelPicture = {paint, revision, description, on_hover, on_double_click};
 
 void show_panel_view(PanelView view) {
   panel.view = view;
-  panel.graph_tab.set_on(view == PanelView::rate_graph);
-  panel.map_tab.set_on(view == PanelView::block_map);
+  if (!panel.has_own_place) form1.report_in_front = false;
+  mark_tabs();
   ++panel.changes;
+}
+
+void report_tab_click() {
+  form1.report_in_front = true;
+  mark_tabs();
 }
 
 void graph_tab_click() {
@@ -113,4 +130,10 @@ void graph_tab_click() {
 
 void map_tab_click() {
   show_panel_view(PanelView::block_map);
+}
+
+bool panel_in_front(bool has_own_place) {
+  panel.has_own_place = has_own_place;
+  mark_tabs();
+  return !has_own_place && !form1.report_in_front;
 }

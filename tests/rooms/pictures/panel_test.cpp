@@ -195,6 +195,38 @@ TEST_F(PanelPicture, AMarkNamesItsSectorsAndWhatADoubleClickTakes) {
   EXPECT_THAT(kPanelPicture.description(), ::testing::Not(HasSubstr("double click")));
 }
 
+TEST_F(PanelPicture, SharesTheReportsPlaceWhereItHasNone) {
+  read_practice_disk();
+  const auto tabs = [] { return std::vector{panel.report_tab.on(), panel.graph_tab.on(), panel.map_tab.on()}; };
+  map_tab_click();
+  EXPECT_FALSE(panel_in_front(false)) << "the report is seen first";
+  EXPECT_EQ(tabs(), (std::vector{true, false, false}));
+  graph_tab_click();
+  EXPECT_TRUE(panel_in_front(false));
+  EXPECT_EQ(tabs(), (std::vector{false, true, false}));
+  click(CmdRead_Click);
+  EXPECT_TRUE(panel_in_front(false));
+  click(CmdDisplay_Click);
+  EXPECT_FALSE(panel_in_front(false));
+  EXPECT_FALSE(panel_in_front(true));
+  EXPECT_EQ(tabs(), (std::vector{false, true, false}));
+}
+
+TEST_F(PanelPicture, BytesToLookAtBringTheReportForward) {
+  read_practice_disk();
+  range("0", "1");
+  headless::desktop.otherwise = "CANCEL";
+  for (const auto press : {CmdDisplay_Click, cmdWriteBuffer_Click, CmdFillBuffer_Click}) {
+    form1.report_in_front = false;
+    click(press);
+    EXPECT_TRUE(form1.report_in_front);
+  }
+  form1.report_in_front = false;
+  headless::desktop.answers = {"H55AA"};
+  click(CmdFind_Click);
+  EXPECT_TRUE(form1.report_in_front);
+}
+
 TEST_F(PanelPicture, ARunningCommandKeepsItsStart) {
   read_practice_disk();
   painted();
