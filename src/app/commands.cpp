@@ -34,6 +34,12 @@ bool fill() {
   return (in_batch() || range_is_plain()) && fill_buffer();
 }
 
+/// Edits that Text1 holds are from now on compared with the pattern, so they come into view.
+void fill_buffer_alone() {
+  form1.report_in_front = true;
+  fill_buffer();
+}
+
 bool take_edited_buffer() {
   return disk.Sec_Buf.allocated() && range_is_plain() && take_edits(named_range());
 }
@@ -148,7 +154,7 @@ constexpr std::array kCommands = {
             .transfer = OffTrack_Write_Test,
             .report = report_off_track},
     Command{.name = "SHOW BUFFER", .alone = show_buffer_for_editing},
-    Command{.name = "FILL BUFFER", .alone = [] { fill_buffer(); }},
+    Command{.name = "FILL BUFFER", .alone = fill_buffer_alone},
 };
 
 /// The part of an operation that is counted and measured.

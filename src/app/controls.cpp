@@ -102,6 +102,7 @@ const std::array<Control, kControlCount> kControls = {{
     picture("health_line", &kHealthPicture, "How the drive is, by its own word and by what the last run met"),
     button("history_button", "H&istory...", "Keep a line for every run, and tell what grew since the last one",
            ask_history_folder),
+    tab("report_tab", "R&eport", "Show the report and the bytes to edit", &panel.report_tab, report_tab_click),
     tab("graph_tab", "Rate &graph", "Show the transfer rates over the range", &panel.graph_tab, graph_tab_click),
     tab("map_tab", "Bl&ock map", "Show the slowest transfer of each part of the range", &panel.map_tab, map_tab_click),
     picture("picture", &kPanelPicture),
@@ -110,12 +111,17 @@ const std::array<Control, kControlCount> kControls = {{
     {"Text1", ControlKind::memo, "", "", &form1.Text1, nullptr, nullptr, WhileBusy::read_only},
 }};
 
+int arrangement(platform::Size client, int dpi) {
+  return panel_in_front(panel_has_own_place(client, dpi)) ? kPictureInFront : kReportInFront;
+}
+
 }  // namespace
 
 platform::WindowTable main_window() {
   return {.caption = &form1.Caption,
           .controls = kControls,
           .layout = place_controls,
+          .arrangement = arrangement,
           .first = kFirstSize,
           .least = kLeastSize,
           .whole = kWholeSize,

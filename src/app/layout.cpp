@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 
 #include "app/controls.h"
 #include "platform/geometry.h"
@@ -149,38 +150,61 @@ void place_panel(Placing* placing, int x, int y, int height) {
   placing->put(Id::picture, x, picture, placing->right() - x, y + height - picture);
 }
 
-/// The panel beside what stands between `top` and `y`, or from `y` on. Returns where the next group begins.
-int place_panel_somewhere(Placing* placing, int top, int y) {
-  if (placing->is_wide()) {
-    place_panel(placing, kControlsRight + kPanelGap, top, y - kGroupGap - top);
-    return y;
-  }
-  // The text keeps most of the height.
+/// The height of a panel that stands above the status at `y`; 0 where there is none: the text keeps most of the height.
+int panel_height_above(const Placing& placing, int y) {
   constexpr int kShare = 45;  // percent
   constexpr int kMost = 260;
-  const int room = placing->bottom() - y - kGroupGap - kStatusHeight - kApart;
+  const int room = placing.bottom() - y - kGroupGap - kStatusHeight - kApart;
   const int height = std::min(room * kShare / 100, kMost);
-  if (height < kLeastPanelHeight) return y;
-  place_panel(placing, kMargin, y, height);
-  return y + height + kGroupGap;
+  return height < kLeastPanelHeight ? 0 : height;
 }
 
-/// The status of two lines, and the text with all the rest.
-void place_texts(Placing* placing, int y) {
-  const int width = placing->right() - kMargin;
-  placing->put(Id::TxtStatus, kMargin, y, width, kStatusHeight);
-  const int text = y + kStatusHeight + kApart;
-  placing->put(Id::Text1, kMargin, text, width, placing->bottom() - text);
+/// The tabs of what shares the rest of the window, in one row with the drive's health, and `front` below them. The
+/// window is small: the row is low.
+void place_shared(Placing* placing, int y, Id front) {
+  constexpr int kTabWidth = 84;
+  constexpr int kHistoryWidth = 84;
+  constexpr int kHeight = 22;
+  constexpr int kGap = 4;
+  int x = kMargin;
+  for (const Id tab : {Id::report_tab, Id::graph_tab, Id::map_tab}) {
+    placing->put(tab, x, y, kTabWidth, kHeight);
+    x += kTabWidth;
+  }
+  const int history = placing->right() - kHistoryWidth;
+  placing->put(Id::health_line, x + kApart, y, history - kApart - x - kApart, kHeight);
+  placing->put(Id::history_button, history, y, kHistoryWidth, kHeight);
+  const int below = y + kHeight + kGap;
+  placing->put(front, kMargin, below, placing->right() - kMargin, placing->bottom() - below);
 }
 
 }  // namespace
 
-void place_controls(platform::Size client, int dpi, std::span<Rect> places) {
+bool panel_has_own_place(platform::Size client, int dpi) {
+  std::array<Rect, kControlCount> places;
+  place_controls(client, dpi, kReportInFront, places);
+  return places.at(static_cast<std::size_t>(Id::report_tab)).width == 0;
+}
+
+void place_controls(platform::Size client, int dpi, int arrangement, std::span<Rect> places) {
   std::fill(places.begin(), places.end(), Rect{});
   Placing placing(client, dpi, places);
   const int commands = place_drives(&placing, kMargin);
   int y = place_commands(&placing, commands);
   y = place_sector_functions(&placing, y);
-  y = place_panel_somewhere(&placing, commands, y);
-  place_texts(&placing, y);
+  const int width = placing.right() - kMargin;
+  const int panel_height = panel_height_above(placing, y);
+  if (placing.is_wide()) {
+    place_panel(&placing, kControlsRight + kPanelGap, commands, y - kGroupGap - commands);
+  } else if (panel_height > 0) {
+    place_panel(&placing, kMargin, y, panel_height);
+    y += panel_height + kGroupGap;
+  }
+  placing.put(Id::TxtStatus, kMargin, y, width, kStatusHeight);
+  y += kStatusHeight + kApart;
+  if (placing.is_wide() || panel_height > 0) {
+    placing.put(Id::Text1, kMargin, y, width, placing.bottom() - y);
+  } else {
+    place_shared(&placing, y, arrangement == kPictureInFront ? Id::picture : Id::Text1);
+  }
 }

@@ -16,6 +16,7 @@ namespace {
 void show(std::span<const std::uint8_t> buffer, std::string_view title) {
   form1.Text1.append(hex_view(buffer, disk.Buf_LBA, disk.Buf_Secs, title));
   form1.Text1.caret_to_end();
+  form1.report_in_front = true;
   if (disk.Buf_LBA == 0) ShowMBRParams();
 }
 

@@ -99,6 +99,7 @@ bool Get_text_to_Buffer() {
 
 bool take_edits(const std::string& place) {
   if (!disk.Sec_Buf.allocated()) return false;
+  form1.report_in_front = true;  // whether it holds edits is to be seen
   if (form1.Text1.text().find(kEditMark) == std::string::npos) return true;
   if (!Get_text_to_Buffer()) return false;
   form1.Text1.set_text({});

@@ -28,6 +28,7 @@ struct Form1 {
   bool OsIsNT = false;           // what the system said it is; nothing is gated on it
   std::uint32_t OsMajorVersion = 0;
   bool command_running = false;
+  bool report_in_front = true;   // in a window in which Text1 and the pictures share a place: Text1 is shown
   int pending_drive = kNoDrive;  // pressed while a command ran; selected when it has ended
 };
 

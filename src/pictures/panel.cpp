@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "disk/progress.h"
 #include "form/form1.h"
-#include "form/number_text.h"
+#include "measure/bad_words.h"
+#include "measure/findings.h"
 #include "measure/measure.h"
 #include "pictures/palette.h"
+#include "pictures/panel_place.h"
 #include "pictures/parts.h"
 #include "pictures/views.h"
 #include "platform/geometry.h"
@@ -20,8 +23,8 @@ using platform::Rect;
 
 void draw_pointed_at(Canvas* canvas) {
   if (!panel.pointer) return;
-  const std::optional<PixelColumn> stretch = stretch_at(*panel.pointer);
-  if (!stretch) return;
+  const std::optional<PanelPlace> place = place_at(*panel.pointer);
+  if (!place) return;
   const Palette palette = palette_of(colors_of(*canvas));
   const int width = std::max(platform::scaled(1, dpi_of(*canvas)), 1);
   if (panel.view == PanelView::rate_graph) {
@@ -36,12 +39,13 @@ void draw_pointed_at(Canvas* canvas) {
                                      {cell.x, cell.y}};
     draw_polyline(canvas, edge, {palette.text, width});
   }
-  draw_note(canvas, *panel.pointer, stretch_lines(*stretch));
+  draw_note(canvas, *panel.pointer, place_lines(*place));
 }
 
 void paint(Canvas* canvas) {
   draw_paper(canvas);
   panel.plot = {};
+  panel.marks = {};
   panel.grid = {};
   if (measure.map.columns == 0) {
     draw_hint(canvas, panel.view == PanelView::rate_graph ? "The rates of a run appear here."
@@ -49,7 +53,9 @@ void paint(Canvas* canvas) {
     return;
   }
   if (panel.view == PanelView::rate_graph) {
-    panel.plot = draw_rate_graph(measure, progress.SlowRate, canvas);
+    GraphView graph = draw_rate_graph(measure, progress.SlowRate, canvas);
+    panel.plot = graph.plot;
+    panel.marks = std::move(graph.marks);
   } else {
     panel.grid = draw_block_map(measure, canvas);
   }
@@ -57,17 +63,22 @@ void paint(Canvas* canvas) {
 }
 
 std::uint64_t revision() {
-  // Any of them moving on gives another number; a whole run of one cannot make up for the other.
-  constexpr std::uint64_t kChange = std::uint64_t{1} << 40;
   const auto limit = static_cast<std::uint64_t>(std::llround(progress.SlowRate * 1000.0));
-  return (measure.runs + panel.changes) * kChange + static_cast<std::uint64_t>(measure.transfers) + (limit << 20);
+  std::uint64_t mixed = 0;
+  for (const std::uint64_t part :
+       {measure.runs, panel.changes, static_cast<std::uint64_t>(measure.transfers), limit,
+        std::uint64_t{run_findings.bad.size()}, std::uint64_t{form1.command_running ? 1U : 0U}}) {
+    constexpr std::uint64_t kPrime = 0x100000001B3;  // of the 64-bit FNV hash
+    mixed = (mixed ^ part) * kPrime;
+  }
+  return mixed;
 }
 
+/// Of the place under the pointer, else of the whole run.
 std::string description() {
   std::string text = panel.view == PanelView::rate_graph ? "Rate graph" : "Block map";
-  const std::optional<PixelColumn> stretch = panel.pointer ? stretch_at(*panel.pointer) : std::nullopt;
-  if (!stretch) return text;
-  for (const std::string& line : stretch_lines(*stretch)) text += ", " + line;
+  const std::optional<PanelPlace> place = panel.pointer ? place_at(*panel.pointer) : std::nullopt;
+  for (const std::string& line : place ? place_lines(*place) : bad_range_lines(run_findings.bad)) text += ", " + line;
   return text;
 }
 
@@ -76,11 +87,25 @@ void on_hover(const Point* pointer) {
   ++panel.changes;
 }
 
-void on_double_click(Point place) {
-  const std::optional<PixelColumn> stretch = stretch_at(place);
-  if (!stretch || form1.command_running) return;
-  form1.TxtStartLBA.set_text(std::to_string(stretch->first_lba));
+void on_double_click(Point point) {
+  const std::optional<PanelPlace> place = place_at(point);
+  if (!place || form1.command_running) return;
+  const std::int64_t first = place->taken ? place->taken->first_lba : place->stretch.first_lba;
+  form1.TxtStartLBA.set_text(std::to_string(first));
+  if (place->taken) form1.TxtNoSecs.set_text(std::to_string(place->taken->end_lba - first));
   form1.RangeEdited = true;  // as typing it does
+}
+
+void mark(platform::Field* tab, bool on) {
+  if (tab->on() != on) tab->set_on(on);
+}
+
+/// The report has a tab only where it shares its place with the pictures.
+void mark_tabs() {
+  const bool report = !panel.has_own_place && form1.report_in_front;
+  mark(&panel.report_tab, report);
+  mark(&panel.graph_tab, !report && panel.view == PanelView::rate_graph);
+  mark(&panel.map_tab, !report && panel.view == PanelView::block_map);
 }
 
 }  // namespace
@@ -89,9 +114,14 @@ const platform::Picture kPanelPicture = {paint, revision, description, on_hover,
 
 void show_panel_view(PanelView view) {
   panel.view = view;
-  panel.graph_tab.set_on(view == PanelView::rate_graph);
-  panel.map_tab.set_on(view == PanelView::block_map);
+  if (!panel.has_own_place) form1.report_in_front = false;
+  mark_tabs();
   ++panel.changes;
+}
+
+void report_tab_click() {
+  form1.report_in_front = true;
+  mark_tabs();
 }
 
 void graph_tab_click() {
@@ -102,31 +132,8 @@ void map_tab_click() {
   show_panel_view(PanelView::block_map);
 }
 
-std::optional<PixelColumn> stretch_at(Point point) {
-  if (panel.view == PanelView::rate_graph) {
-    if (!contains(panel.plot, point)) return std::nullopt;
-    return pixel_column(measure.map, point.x - panel.plot.x, panel.plot.width);
-  }
-  const std::optional<std::int64_t> cell = cell_at(panel.grid, point);
-  if (!cell) return std::nullopt;
-  return pixel_column(measure.map, *cell, panel.grid.cells);
-}
-
-std::vector<std::string> stretch_lines(const PixelColumn& stretch) {
-  const RateColumn& facts = stretch.facts;
-  std::vector<std::string> lines = {"LBA " + std::to_string(stretch.first_lba) + " to " +
-                                    std::to_string(stretch.end_lba - 1)};
-  if (facts.transfers == 0) {
-    lines.emplace_back("nothing transferred");
-    return lines;
-  }
-  if (facts.seconds > 0.0) {
-    lines.push_back(fixed_text(average_rate(facts), 1) + " MB/s (" + fixed_text(facts.lowest, 1) + " to " +
-                    fixed_text(facts.highest, 1) + ")");
-  }
-  constexpr double kMilliseconds = 1000.0;
-  lines.push_back("up to " + fixed_text(facts.longest * kMilliseconds, 1) + " ms");
-  if (facts.slow > 0) lines.emplace_back("slow");
-  if (facts.errors > 0) lines.emplace_back("error");
-  return lines;
+bool panel_in_front(bool has_own_place) {
+  panel.has_own_place = has_own_place;
+  mark_tabs();
+  return !has_own_place && !form1.report_in_front;
 }

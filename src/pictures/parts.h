@@ -32,5 +32,5 @@ void draw_paper(platform::Canvas* canvas);
 /// A calm line in the middle of a picture that has nothing to show yet.
 void draw_hint(platform::Canvas* canvas, const std::string& hint);
 
-/// A small box of lines beside `at`, inside the canvas.
-void draw_note(platform::Canvas* canvas, platform::Point at, const std::vector<std::string>& lines);
+/// A small box of facts beside `at`, inside the canvas: one a line, or several where it is not high enough for that.
+void draw_note(platform::Canvas* canvas, platform::Point at, const std::vector<std::string>& facts);

@@ -140,21 +140,24 @@ void draw_slow_limit(const Drawing& drawing) {
 }
 
 /// Slow transfers stand at their rate, errors, which have none, at the upper edge.
-void draw_marks(const Drawing& drawing) {
+std::vector<PlacedMark> draw_marks(const Drawing& drawing) {
   const int size = drawing.px(kMark);
   const std::int64_t widest = std::int64_t{2} * size;
+  std::vector<PlacedMark> placed;
   for (const GraphMark& mark : graph_marks(drawing.measured.map, drawing.plot.width, widest)) {
     const int x = drawing.plot.x + static_cast<int>(mark.pixel);
     const int y =
         mark.error ? drawing.plot.y + size : std::min(drawing.y_at(mark.lowest_rate), drawing.bottom() - size);
     draw_mark(drawing.canvas, mark.error ? Mark::cross : Mark::triangle, {x, y}, size,
               {mark.error ? drawing.palette.error : drawing.palette.slow, drawing.px(2)});
+    placed.push_back({mark, {x - size / 2, y - size / 2, size + 1, size + 1}});
   }
+  return placed;
 }
 
 }  // namespace
 
-Rect draw_rate_graph(const Measure& of, double slow_limit, Canvas* canvas) {
+GraphView draw_rate_graph(const Measure& of, double slow_limit, Canvas* canvas) {
   const Palette palette = palette_of(colors_of(*canvas));
   const int dpi = dpi_of(*canvas);
   const platform::Size size = size_of(*canvas);
@@ -178,6 +181,5 @@ Rect draw_rate_graph(const Measure& of, double slow_limit, Canvas* canvas) {
   }
   draw_slow_limit(drawing);
   draw_frame(drawing);
-  draw_marks(drawing);
-  return plot;
+  return {plot, draw_marks(drawing)};
 }

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
+#include "measure/graph_marks.h"
 #include "measure/measure.h"
 #include "platform/canvas.h"
 
@@ -26,7 +28,18 @@ std::optional<std::int64_t> cell_at(const CellGrid& grid, platform::Point point)
 /// legend counts the transfers of each class. Gives where the cells are; none where there is no run or no room.
 CellGrid draw_block_map(const Measure& of, platform::Canvas* canvas);
 
+/// A mark, and where it is drawn.
+struct PlacedMark {
+  GraphMark mark;
+  platform::Rect place;
+};
+
+struct GraphView {
+  platform::Rect plot;            // where the range lies on the canvas
+  std::vector<PlacedMark> marks;  // the topmost last
+};
+
 /// Draws the rates over the run's range: the average as a line within the band of lowest to highest, the slow limit
-/// (MB/s) dashed, slow transfers and errors as marks, random tests as points. Gives where the range lies on the canvas;
-/// empty where there is no run or no room.
-platform::Rect draw_rate_graph(const Measure& of, double slow_limit, platform::Canvas* canvas);
+/// (MB/s) dashed, slow transfers and errors as marks, random tests as points. Gives what is where; empty where there is
+/// no run or no room.
+GraphView draw_rate_graph(const Measure& of, double slow_limit, platform::Canvas* canvas);

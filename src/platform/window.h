@@ -65,8 +65,11 @@ struct WindowTable {
   Field* caption;
   std::span<const Control> controls;
   /// Fills `places` (one per control, same order; pixels) for a client area of `client` pixels at `dpi` dots per inch.
-  /// A control whose place is empty is not shown.
-  void (*layout)(Size client, int dpi, std::span<Rect> places);
+  /// A control whose place is empty is not shown, and keeps its text and caret.
+  void (*layout)(Size client, int dpi, int arrangement, std::span<Rect> places);
+  /// Which of the layout's arrangements such a window shows. Asked before the fields are shown; where it is another one
+  /// than before, the controls are placed anew.
+  int (*arrangement)(Size client, int dpi);
   Size first;          // client size to open with, in pixels at 96 dpi
   Size least;          // smallest client size, in pixels at 96 dpi
   Size whole;          // client size that shows everything, in pixels at 96 dpi

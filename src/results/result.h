@@ -62,7 +62,7 @@ void put_verify(const Result& result, JsonText* json);
 
 /// The rate graph as one SVG document that needs nothing else, as the window draws it: the average as a line within the
 /// band of lowest to highest, random tests as points, the slow limit dashed, slow transfers as triangles and errors as
-/// crosses. Resting the pointer on a place tells its LBAs, MB/s and milliseconds.
+/// crosses. Resting the pointer on a place tells its LBAs, MB/s and milliseconds, on a mark its bad ranges too.
 std::string svg_graph(const Result& result, const Measure& measured);
 
 /// `text` (ANSI) in UTF-8, as it may stand in SVG text and in quoted attributes.

@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "form/number_text.h"
+#include "measure/bad_words.h"
 #include "measure/graph_marks.h"
 #include "measure/graph_scale.h"
 #include "platform/clock.h"
@@ -151,7 +152,14 @@ std::string mark_shape(bool error, double x, double y) {
   return error ? "M" + place(x - 5, y - 5) + "l10,10m0,-10l-10,10" : "M" + place(x - 5, y + 4) + "h10l-5,-9z";
 }
 
-std::string marks(const Drawing& drawing) {
+/// The exact sectors of a mark, behind what else its title says.
+std::string bad_in(const GraphMark& mark, const std::vector<BadRange>& bad) {
+  std::string text;
+  for (const std::string& line : bad_range_lines(ranges_in(bad, mark.first_lba, mark.end_lba))) text += "; " + line;
+  return text;
+}
+
+std::string marks(const Drawing& drawing, const std::vector<BadRange>& bad) {
   constexpr int kErrorLine = kTop + 10;
   constexpr int kWidestMark = 16;
   std::string svg;
@@ -163,7 +171,7 @@ std::string marks(const Drawing& drawing) {
            "\" data-end-lba=\"" + std::to_string(mark.end_lba) + "\" d=\"" + mark_shape(mark.error, x, y) +
            "\"><title>" + kind + ": " + range_text(mark.first_lba, mark.end_lba) + ", " +
            (mark.error ? std::string() : number(mark.lowest_rate) + " MB/s, ") + milliseconds(mark.longest) +
-           "</title></path>\n";
+           bad_in(mark, bad) + "</title></path>\n";
   }
   return svg;
 }
@@ -241,5 +249,5 @@ std::string svg_graph(const Result& result, const Measure& measured) {
                            "\" viewBox=\"0 0 " + std::to_string(kWidth) + " " + std::to_string(kHeight) + "\"";
   return "<svg xmlns=\"http://www.w3.org/2000/svg\" " + size + ">\n" + heading(result, drawing) + axes(drawing) +
          (is_random(measured.plan.kind) ? point_cloud(drawing) : band_and_line(drawing)) + limit_line(drawing) +
-         hover_strips(drawing) + marks(drawing) + legend(drawing) + "</svg>\n";
+         hover_strips(drawing) + marks(drawing, result.findings.bad) + legend(drawing) + "</svg>\n";
 }

@@ -72,6 +72,80 @@ TEST(Panel, HoveringTellsWhatIsThere) {
   }
 }
 
+bool becomes(HWND control, bool shown) {
+  return wait_until([&] { return (::IsWindowVisible(control) != FALSE) == shown; });
+}
+
+bool focus_is_seen(const Program& program) {
+  return wait_until([&] { return program.focus() != nullptr && ::IsWindowVisible(program.focus()); });
+}
+
+TEST(Panel, SharesTheReportsPlaceInASmallWindow) {
+  const Program program(kPractice);
+  make_small(program);
+  HWND const text = program.edit(kText);
+  EXPECT_EQ(picture(program, "Rate graph"), nullptr);
+  EXPECT_FALSE(checked(program.button("Rate graph")));
+  program.set_focus(text);
+  ::SendMessageA(text, EM_SETSEL, 4, 4);
+  program.type("typed");
+  ASSERT_TRUE(wait_until([&] { return text_of(text).rfind("    typed", 0) == 0; }));
+  const std::string typed = text_of(text);
+
+  program.access_key('g');
+  ASSERT_TRUE(shows(program, "Rate graph"));
+  EXPECT_TRUE(becomes(text, false) && focus_is_seen(program));
+  EXPECT_TRUE(checked(program.button("Rate graph")) && !checked(program.button("Report")));
+  program.press("Block map");
+  EXPECT_TRUE(shows(program, "Block map"));
+  program.access_key('e');
+  ASSERT_TRUE(becomes(text, true));
+  EXPECT_EQ(picture(program, "Block map"), nullptr);
+  EXPECT_EQ(text_of(text), typed);
+  EXPECT_EQ(::SendMessageA(text, EM_GETSEL, 0, 0), MAKELRESULT(9, 9));
+
+  // A larger one has room for both.
+  program.set_focus(program.button("Report"));
+  ::SetWindowPos(program.window(), nullptr, 5, 5, 1240, 800, SWP_NOZORDER);
+  EXPECT_TRUE(shows(program, "Block map") && becomes(text, true) && focus_is_seen(program));
+  EXPECT_EQ(program.button("Report"), nullptr);
+  EXPECT_TRUE(wait_until([&] { return checked(program.button("Block map")); }));
+}
+
+TEST(Panel, TheReportComesForwardWhereItIsNeeded) {
+  const Program program(kPractice);
+  make_small(program);
+  HWND const text = program.edit(kText);
+  program.press("Rate graph");
+  ASSERT_TRUE(becomes(text, false));
+  read_some(program);
+  EXPECT_TRUE(becomes(text, false)) << "a command changes nothing about what is seen";
+  EXPECT_NE(text_of(text).find("Finished!"), std::string::npos);
+  program.press("Display and Edit Buffer");
+  EXPECT_TRUE(becomes(text, true) && checked(program.button("Report")));
+  EXPECT_NE(text_of(text).find("0000"), std::string::npos);
+}
+
+TEST(Panel, ADoubleClickOnAMarkTakesItsRange) {
+  write_file("marked.vd", "sectors 400000\nfail read 200000 8\n");
+  const Program program("/VDISK:0=marked.vd");
+  make_small(program);
+  program.press("Sequential READ");
+  ASSERT_TRUE(shows(program, "Progress: finished"));
+  ASSERT_TRUE(wait_until([&] { return enabled(program.button("Sequential READ")); }));
+  program.press("Rate graph");
+  ASSERT_TRUE(shows(program, "Rate graph"));
+  HWND const graph = picture(program, "Rate graph");
+  program.answer_time();
+  // The cross stands at the upper edge of the plot, whose own edges are 44 and 26 pixels wide.
+  const RECT place = place_of(graph);
+  ::PostMessageA(graph, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(44 + (place.right - place.left - 70) / 2, 41));
+  ASSERT_TRUE(wait_until([&] { return text_of(program.edit(kStart)) != "0"; }));
+  const auto start = std::stoll(text_of(program.edit(kStart)));
+  const auto count = std::stoll(text_of(program.edit(kCount)));
+  EXPECT_TRUE(start <= 200000 && start + count >= 200008 && count < 40000) << start << " " << count;
+}
+
 TEST(Panel, ProgressRunsWithTheCommand) {
   write_file("slow.vd", "sectors 4000000\nrate 60\n");
   const Program program("/VDISK:0=slow.vd");

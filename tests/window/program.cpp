@@ -240,6 +240,13 @@ testing::AssertionResult answers_within(double usual, double worst, const std::f
   return failure;
 }
 
+void make_small(const Program& program) {
+  RECT frame{0, 0, 760, 480};
+  ::AdjustWindowRectEx(&frame, static_cast<DWORD>(::GetWindowLongA(program.window(), GWL_STYLE)), FALSE, 0);
+  ::SetWindowPos(program.window(), nullptr, 5, 5, frame.right - frame.left, frame.bottom - frame.top, SWP_NOZORDER);
+  ASSERT_TRUE(wait_until([&] { return program.button("Report") != nullptr && checked(program.button("Report")); }));
+}
+
 void write_file(const std::string& name, const std::string& text) {
   std::ofstream(name, std::ios::binary) << text;
 }

@@ -70,6 +70,9 @@ bool wait_until(const std::function<bool()>& holds);
 /// `worst`: a busy machine may spoil a round, a window that freezes spoils all.
 testing::AssertionResult answers_within(double usual, double worst, const std::function<std::vector<double>()>& round);
 
+/// Makes its window the smallest, in which the pictures share the report's place.
+void make_small(const Program& program);
+
 /// Writes a file into the current folder.
 void write_file(const std::string& name, const std::string& text);
 

@@ -114,6 +114,12 @@ void make_fonts(int dpi) {
   if (old_fixed != nullptr) ::DeleteObject(old_fixed);
 }
 
+platform::Size client_size() {
+  RECT client{};
+  ::GetClientRect(main_window.window, &client);
+  return {client.right, client.bottom};
+}
+
 }  // namespace
 
 bool create_controls() {
@@ -148,23 +154,34 @@ void set_tool_tip(std::size_t row, const std::string& text) {
 
 void place_all() {
   MainWindow& main = main_window;
-  RECT client{};
-  ::GetClientRect(main.window, &client);
-  if (main.controls.empty() || client.right == 0 || client.bottom == 0) return;
-  const platform::Size size{client.right, client.bottom};
+  const platform::Size size = client_size();
+  if (main.controls.empty() || size.width == 0 || size.height == 0) return;
   const int dpi = platform::fitting_dpi(size, main.table.least, main.table.whole, text_dpi(main.window));
   if (dpi != main.dpi) make_fonts(dpi);
+  note_focus();
 
   std::vector<platform::Rect> places(main.controls.size());
-  main.table.layout(size, dpi, places);
+  main.table.layout(size, dpi, main.arrangement, places);
   HDWP move = ::BeginDeferWindowPos(static_cast<int>(places.size()));
   for (std::size_t i = 0; i < places.size(); ++i) {
     const bool shown = places[i].width > 0 && places[i].height > 0;
-    move =
-        ::DeferWindowPos(move, main.controls[i].window, nullptr, places[i].x, places[i].y, places[i].width,
-                         places[i].height, SWP_NOZORDER | SWP_NOACTIVATE | (shown ? SWP_SHOWWINDOW : SWP_HIDEWINDOW));
+    // A memo of no size would lose which lines are in view.
+    const UINT how = shown ? SWP_SHOWWINDOW : SWP_HIDEWINDOW | SWP_NOMOVE | SWP_NOSIZE;
+    move = ::DeferWindowPos(move, main.controls[i].window, nullptr, places[i].x, places[i].y, places[i].width,
+                            places[i].height, SWP_NOZORDER | SWP_NOACTIVATE | how);
   }
   ::EndDeferWindowPos(move);
+  if (main.focus != nullptr) move_focus(main.focus);
+}
+
+void rearrange() {
+  MainWindow& main = main_window;
+  const platform::Size size = client_size();
+  if (size.width == 0 || size.height == 0) return;
+  const int arrangement = main.table.arrangement(size, main.dpi);
+  if (arrangement == main.arrangement) return;
+  main.arrangement = arrangement;
+  place_all();
 }
 
 }  // namespace win32

@@ -300,8 +300,9 @@ void note_focus() {
 }
 
 void move_focus(HWND control) {
+  if (!is_shown(control)) control = ::GetNextDlgTabItem(main_window.window, control, FALSE);
   main_window.focus = control;
-  if (::GetActiveWindow() == main_window.window) ::SetFocus(control);
+  if (::GetActiveWindow() == main_window.window && ::GetFocus() != control) ::SetFocus(control);
 }
 
 }  // namespace win32

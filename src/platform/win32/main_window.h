@@ -34,6 +34,7 @@ struct MainWindow {
   HFONT gui_font = nullptr;
   HFONT fixed_font = nullptr;
   int dpi = 0;                  // at which the controls are drawn
+  int arrangement = 0;          // in which they are placed
   HWND focus = nullptr;         // the control that has the focus when the window is active
   HWND focus_before = nullptr;  // and had it before the running command
   bool busy = false;            // a command runs
@@ -73,6 +74,11 @@ constexpr bool is_option(platform::ControlKind kind) {
   return kind == platform::ControlKind::option || kind == platform::ControlKind::tab;
 }
 
+/// True for a control that the layout gave a place.
+inline bool is_shown(HWND control) {
+  return (::GetWindowLongA(control, GWL_STYLE) & WS_VISIBLE) != 0;
+}
+
 /// A control's identifier is its row in the table, counted from here.
 inline constexpr int kFirstControlId = 1000;
 
@@ -81,8 +87,11 @@ inline constexpr int kFirstControlId = 1000;
 /// Makes the table's controls in the main window, in its order.
 bool create_controls();
 
-/// Places the controls in the client area, with fonts of its scale.
+/// Places the controls in the client area, with fonts of its scale. The focus leaves a control that is not shown.
 void place_all();
+
+/// Places them anew where the program wants another arrangement. While the data stand still.
+void rearrange();
 
 /// Gives the control of `row` the tool tip `text`, in place of the one that it has.
 void set_tool_tip(std::size_t row, const std::string& text);
@@ -135,7 +144,7 @@ void control_clicked(std::size_t row);
 /// Keeps in mind which control has the focus.
 void note_focus();
 
-/// Moves the focus, at once or when the window becomes active.
+/// Moves the focus, at once or when the window becomes active; to the next control where this one is not shown.
 void move_focus(HWND control);
 
 /// Dispatches one message with the window's tab, arrow and access keys.

@@ -37,12 +37,14 @@ void append_text(HWND memo, const std::string& more) {
   const LRESULT first = ask(EM_GETFIRSTVISIBLELINE);
   const bool follows = first > 0 && scroll.nPos + static_cast<int>(scroll.nPage) >= scroll.nMax;
 
-  ask(WM_SETREDRAW, FALSE);
+  // It would show a hidden control.
+  const bool shown = is_shown(memo);
+  if (shown) ask(WM_SETREDRAW, FALSE);
   ask(EM_SETSEL, kEnd, kEnd);
   ask(EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(units_of(more).c_str()));
   ask(EM_SETSEL, from, static_cast<LPARAM>(to));
   if (!follows) ask(EM_LINESCROLL, 0, first - ask(EM_GETFIRSTVISIBLELINE));
-  ask(WM_SETREDRAW, TRUE);
+  if (shown) ask(WM_SETREDRAW, TRUE);
   ::InvalidateRect(memo, nullptr, FALSE);
 }
 
@@ -116,6 +118,7 @@ std::string text_of(HWND control) {
 void show_fields() {
   MainWindow& main = main_window;
   if (main.window == nullptr) return;
+  rearrange();
   main.pushing = true;
   if (main.table.caption->revision() != main.caption_revision) {
     ::SetWindowTextA(main.window, main.table.caption->text().c_str());

@@ -43,6 +43,12 @@ void on_least_size(HWND window, MINMAXINFO* limits) {
   limits->ptMinTrackSize.y = std::min(frame.cy, work.bottom - work.top);
 }
 
+/// The arrangement may be another one at another size.
+void on_size() {
+  place_all();
+  if (!main_window.controls.empty()) show_soon();
+}
+
 /// A memo keeps the look of a text while it is read-only, so that a command's beginning and end flash nothing.
 LRESULT on_read_only_colors(HDC canvas, HWND control) {
   const std::size_t row = row_of(control);
@@ -77,18 +83,16 @@ LRESULT CALLBACK main_procedure(HWND window, UINT message, WPARAM word, LPARAM l
       on_command(word, long_word);
       return 0;
     case WM_SIZE:
-      place_all();
+    case WM_SETTINGCHANGE:
+      on_size();
       return 0;
     case WM_DPICHANGED: {
       const RECT& place = *reinterpret_cast<const RECT*>(long_word);
       ::SetWindowPos(window, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
                      SWP_NOZORDER | SWP_NOACTIVATE);
-      place_all();
+      on_size();
       return 0;
     }
-    case WM_SETTINGCHANGE:
-      place_all();
-      return 0;
     case WM_GETMINMAXINFO:
       on_least_size(window, reinterpret_cast<MINMAXINFO*>(long_word));
       return 0;

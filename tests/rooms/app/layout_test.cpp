@@ -20,9 +20,12 @@ using Id = ControlId;
 struct Placed {
   Size client;
   int dpi;
+  int arrangement;
   std::vector<Rect> places = std::vector<Rect>(kControlCount);
 
-  Placed(Size size, int dots) : client(size), dpi(dots) { place_controls(client, dpi, places); }
+  Placed(Size size, int dots, int what = kReportInFront) : client(size), dpi(dots), arrangement(what) {
+    place_controls(client, dpi, arrangement, places);
+  }
 
   const Rect& of(Id id) const { return places[static_cast<std::size_t>(id)]; }
 };
@@ -40,15 +43,15 @@ bool in_frame(std::size_t index) {
   return index > static_cast<std::size_t>(Id::Frame1) && index <= static_cast<std::size_t>(Id::CmdWrite);
 }
 
-bool in_panel(std::size_t index) {
-  return index >= static_cast<std::size_t>(Id::health_line) && index <= static_cast<std::size_t>(Id::picture);
+/// Where the panel has a place of its own there is no tab for the report, else one stands in front of the other.
+bool hidden(const Placed& window, std::size_t index) {
+  const auto id = static_cast<Id>(index);
+  if (panel_has_own_place(window.client, window.dpi)) return id == Id::report_tab;
+  return id == (window.arrangement == kReportInFront ? Id::picture : Id::Text1);
 }
 
-bool shows_panel(const Placed& window) {
-  return window.of(Id::picture).height > 0;
-}
-
-/// Every combination of a screen from 800x600 to 4K, less what its frame takes, with a scaling of 100 to 200 %.
+/// Every combination of a screen from 800x600 to 4K, less what its frame takes, with a scaling of 100 to 200 %, and
+/// windows from the smallest on; each with the report and with a picture in front.
 std::vector<Placed> many_windows() {
   std::vector<Placed> windows;
   for (const Size screen : {Size{800, 560}, Size{1024, 768}, Size{1280, 900}, Size{1366, 768}, Size{1920, 1080},
@@ -56,7 +59,10 @@ std::vector<Placed> many_windows() {
     for (const int dpi : {96, 120, 144, 168, 192})
       windows.emplace_back(Size{screen.width - 16, screen.height - 39}, dpi);
   }
-  for (int width = 760; width < 1300; width += 37) windows.emplace_back(Size{width, 480 + width % 211}, 96);
+  for (int width = 760; width < 1300; width += 37) windows.emplace_back(Size{width, 480 + (width - 760) % 211}, 96);
+  for (std::size_t i = 0, count = windows.size(); i < count; ++i) {
+    windows.emplace_back(windows[i].client, windows[i].dpi, kPictureInFront);
+  }
   return windows;
 }
 
@@ -75,10 +81,9 @@ TEST(Layout, NothingOverlapsOrLeavesTheWindow) {
                  std::to_string(window.dpi));
     const Rect client{0, 0, window.client.width, window.client.height};
     for (std::size_t i = 0; i < kControlCount; ++i) {
-      if (in_panel(i) && !shows_panel(window)) continue;
+      const bool shown = window.places[i].width > 0 && window.places[i].height > 0;
+      ASSERT_EQ(shown, !hidden(window, i)) << i;
       ASSERT_TRUE(inside(window.places[i], client)) << i;
-      ASSERT_GT(window.places[i].width, 0) << i;
-      ASSERT_GT(window.places[i].height, 0) << i;
       for (std::size_t j = 0; j < i; ++j) {
         if (j == static_cast<std::size_t>(Id::Frame1) && in_frame(i)) {
           ASSERT_TRUE(inside(window.places[i], window.places[j])) << i;
@@ -98,7 +103,7 @@ TEST(Layout, CaptionsFitTheirControls) {
     const int shown_dpi = platform::fitting_dpi(window.client, kLeastSize, kWholeSize, window.dpi);
     for (std::size_t i = 0; i < kControlCount; ++i) {
       const Control& row = table.controls[i];
-      if (in_panel(i) && !shows_panel(window)) continue;
+      if (hidden(window, i)) continue;
       int needed = caption_width(row.caption);
       if (row.kind == ControlKind::button || row.kind == ControlKind::tab) needed += kButtonEdges;
       if (row.kind == ControlKind::option) needed += kOptionMark;
@@ -161,12 +166,24 @@ TEST(Layout, ThePanelTakesTheFreeRoomAndLeavesTheTextItsOwn) {
   EXPECT_EQ(wide.of(Id::picture).y + wide.of(Id::picture).height, wide.of(Id::Frame1).y + wide.of(Id::Frame1).height);
   EXPECT_GE(wide.of(Id::picture).width, 440);
   for (const Placed& window : many_windows()) {
-    if (!shows_panel(window)) continue;
+    if (!panel_has_own_place(window.client, window.dpi)) continue;
     const bool beside = window.of(Id::picture).y < window.of(Id::Frame1).y;
     EXPECT_TRUE(beside || window.of(Id::Text1).height >= window.of(Id::picture).height) << window.client.width;
   }
-  EXPECT_TRUE(shows_panel(Placed({1008, 729}, 96)) && shows_panel(Placed({1264, 861}, 192)));
-  EXPECT_FALSE(shows_panel(Placed({784, 521}, 96)));
+  EXPECT_TRUE(panel_has_own_place({1008, 729}, 96) && panel_has_own_place({1264, 861}, 192));
+  EXPECT_FALSE(panel_has_own_place({784, 521}, 96));
+}
+
+TEST(Layout, AWindowTooSmallForThePanelOffersItInTheReportsPlace) {
+  for (const Size client : {Size{760, 480}, {784, 521}, {900, 600}}) {
+    const Rect report = Placed(client, 96).of(Id::Text1);
+    const Rect picture = Placed(client, 96, kPictureInFront).of(Id::picture);
+    EXPECT_EQ(picture.y, report.y);
+    EXPECT_EQ(picture.width, report.width);
+    EXPECT_EQ(picture.height, report.height);
+    EXPECT_GE(picture.height, 80) << "what the graph needs";
+    EXPECT_GE(Placed(client, 96).of(Id::health_line).width, 360);
+  }
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "app/handlers.h"
 #include "form/form1.h"
+#include "measure/findings.h"
 #include "measure/measure.h"
 #include "pictures/progress_bar.h"
 #include "platform/headless/canvas.h"
@@ -55,6 +56,27 @@ class PanelPicture : public Rig {
       if (drawn.what == Drawn::What::text) all.push_back(drawn.text);
     }
     return all;
+  }
+
+  /// The middle of the mark of an error or of slow transfers.
+  static Point mark_of(bool error) {
+    const auto found = std::find_if(panel.marks.begin(), panel.marks.end(),
+                                    [error](const PlacedMark& one) { return one.mark.error == error; });
+    EXPECT_NE(found, panel.marks.end());
+    return {found->place.x + found->place.width / 2, found->place.y + found->place.height / 2};
+  }
+
+  static Point in_cell(double lba) {
+    const auto cell = static_cast<std::int64_t>(lba / kSectors * static_cast<double>(panel.grid.cells));
+    const platform::Rect place = place_of_cell(panel.grid, cell);
+    return {place.x + 1, place.y + 1};
+  }
+
+  /// The range that the fields show: first LBA, first LBA behind.
+  static std::pair<double, double> range_after(Point double_click) {
+    kPanelPicture.on_double_click(double_click);
+    const double first = std::stod(form1.TxtStartLBA.text());
+    return {first, first + std::stod(form1.TxtNoSecs.text())};
   }
 
   static Point in_plot(double share) {
@@ -124,6 +146,85 @@ TEST_F(PanelPicture, HoveringTellsAndADoubleClickTakesTheStart) {
   kPanelPicture.on_double_click(slow);
   EXPECT_NEAR(std::stod(form1.TxtStartLBA.text()), kSlow, 6000.0);
   EXPECT_TRUE(form1.RangeEdited);
+}
+
+TEST_F(PanelPicture, ADoubleClickOnAMarkTakesItsSectors) {
+  read_practice_disk();
+  run_findings.bad = {};
+  for (const auto view : {graph_tab_click, map_tab_click}) {
+    view();
+    painted();
+    const bool graph = panel.view == PanelView::rate_graph;
+    const auto whole = range_after(graph ? mark_of(true) : in_cell(kUnreadable));
+    EXPECT_TRUE(whole.first <= kUnreadable && whole.second > kUnreadable && whole.second < kUnreadable + 30000.0);
+    const auto slow = range_after(graph ? mark_of(false) : in_cell(kSlow + 5000.0));
+    EXPECT_TRUE(slow.first <= kSlow + 5000.0 && slow.second > kSlow && slow.second < kSlow + 30000.0);
+    // Once it is known exactly: from the first bad sector to the last one there.
+    run_findings.bad = {{.first_lba = 624000, .sectors = 8}, {.first_lba = 624100, .sectors = 2}};
+    EXPECT_EQ(range_after(graph ? mark_of(true) : in_cell(kUnreadable)), std::pair(624000.0, 624102.0));
+    run_findings.bad = {};
+    range("0", "77");
+    kPanelPicture.on_double_click(graph ? in_plot(0.1) : in_cell(0.1 * kSectors));
+    EXPECT_NEAR(std::stod(form1.TxtStartLBA.text()), 0.1 * kSectors, 6000.0);
+    EXPECT_EQ(form1.TxtNoSecs.text(), "77") << "nothing is wrong there";
+  }
+}
+
+TEST_F(PanelPicture, AMarkNamesItsSectorsAndWhatADoubleClickTakes) {
+  read_practice_disk();
+  run_findings.bad = {{.first_lba = 624000, .sectors = 8},
+                      {.first_lba = 624010, .sectors = 1, .kind = BadKind::slow, .milliseconds = 1199.6},
+                      {.first_lba = 624020, .sectors = 1},
+                      {.first_lba = 624030, .sectors = 1},
+                      {.first_lba = 624040, .sectors = 1}};
+  const std::string sectors =
+      "unreadable: LBA 624000 to 624007, slow: LBA 624010 to 624010, 1200 ms, unreadable: LBA 624020 to 624020, "
+      "and 2 more";
+  EXPECT_EQ(kPanelPicture.description(), "Rate graph, " + sectors);
+  painted({732, 80});
+  const Point stretch{mark_of(true).x, panel.plot.y + panel.plot.height - 1};
+  kPanelPicture.on_hover(&stretch);
+  EXPECT_THAT(kPanelPicture.description(), HasSubstr(sectors + ", double click: start LBA 62"));
+  const Point mark = mark_of(true);
+  kPanelPicture.on_hover(&mark);
+  EXPECT_THAT(kPanelPicture.description(), HasSubstr(sectors + ", double click: range LBA 624000 to 624040"));
+  for (const Drawn& drawn : painted({732, 80}).drawn) {
+    EXPECT_TRUE(drawn.place.y >= 0 && drawn.place.y + drawn.place.height <= 80) << drawn.text;
+  }
+  form1.command_running = true;
+  EXPECT_THAT(kPanelPicture.description(), ::testing::Not(HasSubstr("double click")));
+}
+
+TEST_F(PanelPicture, SharesTheReportsPlaceWhereItHasNone) {
+  read_practice_disk();
+  const auto tabs = [] { return std::vector{panel.report_tab.on(), panel.graph_tab.on(), panel.map_tab.on()}; };
+  map_tab_click();
+  EXPECT_FALSE(panel_in_front(false)) << "the report is seen first";
+  EXPECT_EQ(tabs(), (std::vector{true, false, false}));
+  graph_tab_click();
+  EXPECT_TRUE(panel_in_front(false));
+  EXPECT_EQ(tabs(), (std::vector{false, true, false}));
+  click(CmdRead_Click);
+  EXPECT_TRUE(panel_in_front(false));
+  click(CmdDisplay_Click);
+  EXPECT_FALSE(panel_in_front(false));
+  EXPECT_FALSE(panel_in_front(true));
+  EXPECT_EQ(tabs(), (std::vector{false, true, false}));
+}
+
+TEST_F(PanelPicture, BytesToLookAtBringTheReportForward) {
+  read_practice_disk();
+  range("0", "1");
+  headless::desktop.otherwise = "CANCEL";
+  for (const auto press : {CmdDisplay_Click, cmdWriteBuffer_Click, CmdFillBuffer_Click}) {
+    form1.report_in_front = false;
+    click(press);
+    EXPECT_TRUE(form1.report_in_front);
+  }
+  form1.report_in_front = false;
+  headless::desktop.answers = {"H55AA"};
+  click(CmdFind_Click);
+  EXPECT_TRUE(form1.report_in_front);
 }
 
 TEST_F(PanelPicture, ARunningCommandKeepsItsStart) {

@@ -159,6 +159,16 @@ TEST_F(ResultsTest, TheDocumentTellsTheWholeRun) {
   EXPECT_THAT(read_file(path("r.svg")), HasSubstr("A&lt;b&gt;&amp;&quot;c&quot;"));
 }
 
+TEST_F(ResultsTest, AMarkOfTheGraphNamesItsExactSectors) {
+  start("/VDISK:0=DEMO /D:0 /OP:READ" + files());
+  Result result;
+  result.findings.bad = {{.first_lba = 624000, .sectors = 8},
+                         {.first_lba = 1'000'000, .sectors = 1, .kind = BadKind::slow, .milliseconds = 700.0}};
+  const std::string svg = svg_graph(result, measure);
+  EXPECT_THAT(svg, HasSubstr(" ms; unreadable: LBA 624000 to 624007</title>"));
+  EXPECT_EQ(svg.find("1000000"), std::string::npos) << "no mark stands there";
+}
+
 TEST_F(ResultsTest, EveryStepOfARandomWriteHasItsRow) {
   start(drive_0("sectors 1000\n") + "/OP:RANDOMWRITE /PASSES:2 /COUNT:8" + files());
   std::vector<std::string> operations;
