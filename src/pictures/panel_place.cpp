@@ -58,7 +58,7 @@ std::optional<PanelPlace> place_in_map(Point point) {
   if (!cell) return std::nullopt;
   const PixelColumn stretch = pixel_column(measure.map, *cell, panel.grid.cells);
   const std::vector<BadRange> bad = ranges_in(run_findings.bad, stretch.first_lba, stretch.end_lba);
-  const bool marked = stretch.facts.errors > 0 || stretch.facts.slow > 0 || !bad.empty();
+  const bool marked = stretch.facts.errors > 0 || stretch.facts.slow > 0 || stretch.facts.stalled > 0 || !bad.empty();
   PanelPlace place{stretch, marked, bad, {}};
   if (marked) place.taken = taken_of({stretch.first_lba, stretch.end_lba}, bad);
   return place;
@@ -88,6 +88,7 @@ std::vector<std::string> place_lines(const PanelPlace& place) {
   constexpr double kMilliseconds = 1000.0;
   lines.push_back("up to " + fixed_text(facts.longest * kMilliseconds, 1) + " ms");
   if (facts.slow > 0) lines.emplace_back("slow");
+  if (facts.stalled > 0) lines.emplace_back("stalled");
   if (facts.errors > 0) lines.emplace_back("error");
   for (std::string& line : bad_range_lines(place.bad)) lines.push_back(std::move(line));
   if (!place.marked || form1.command_running) return lines;
