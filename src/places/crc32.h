@@ -10,7 +10,7 @@ namespace crc32 {
 inline constexpr std::array<std::uint32_t, 256> kTable = [] {
   constexpr std::uint32_t kPolynomial = 0xEDB88320;  // 04C11DB7, its bits in reverse
   std::array<std::uint32_t, 256> table{};
-  for (std::uint32_t byte = 0; byte < table.size(); ++byte) {
+  for (std::uint32_t byte = 0; byte < 256; ++byte) {
     std::uint32_t sum = byte;
     for (int bit = 0; bit < 8; ++bit) sum = (sum & 1U) != 0 ? sum >> 1U ^ kPolynomial : sum >> 1U;
     table[byte] = sum;
