@@ -38,7 +38,7 @@ struct Command {
   void (*transfer)(const RunPlan& plan) = nullptr;
   void (*report)() = nullptr;
   void (*read_back)(const RunPlan& plan) = nullptr;  // what its question offers to do behind all that
-  bool finds_bad_places = false;  // behind the frame, where its transfers failed or stalled
+  bool finds_bad_places = false;                     // behind the frame, where its transfers failed or stalled
 
   // In place of all that for a command that is no operation: it has no frame, and nothing to measure.
   void (*alone)() = nullptr;

@@ -5,6 +5,7 @@
 #include "disk/drive.h"
 #include "disk/error_text.h"
 #include "form/form1.h"
+#include "form/number_text.h"
 
 namespace {
 
@@ -40,7 +41,7 @@ void note_outcome(std::uint32_t code) {
   }
   if (early_end.gone_in_a_row < kEnough) return;
   early_end.gone_in_a_row = 0;
-  if (!answers()) early_end.why = "the drive does not answer any more: " + coded_error_text(code);
+  if (!answers()) early_end.why = "the drive does not answer any more: " + trimmed(coded_error_text(code));
 }
 
 bool told_to_stop() {

@@ -93,7 +93,8 @@ bool transfer_once(std::int64_t lba, std::int64_t sectors, bool tells_slow, bool
 /// begins: it is counted, and nothing is written anywhere.
 bool ends_at_once(bool done) {
   constexpr double kShort = 0.001;  // seconds
-  return done && progress.XferEnd - progress.XferStart < kShort && measure.on_transfer == nullptr;
+  return done && progress.XferEnd - progress.XferStart < kShort && measure.on_transfer == nullptr &&
+         measure.on_settled == nullptr;
 }
 
 template <const Direction& direction>

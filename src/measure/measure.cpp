@@ -54,7 +54,7 @@ void settle(const Transfer& transfer) {
     ++measure.stalled;
     if (measure.stalls_kept < Measure::kMostStalls) measure.stalls.at(measure.stalls_kept++) = transfer;
   }
-  if (measure.on_transfer != nullptr) measure.on_transfer(transfer);
+  if (measure.on_settled != nullptr) measure.on_settled(transfer);
 }
 
 /// Settles the waiting transfers from the first one on, as far as their neighbours are known. `most` more may wait.
@@ -96,11 +96,13 @@ const char* run_kind_text(RunKind kind) {
 void begin_measuring(const RunPlan& plan) {
   const std::uint64_t runs = measure.runs + 1;
   auto* const on_transfer = measure.on_transfer;
+  auto* const on_settled = measure.on_settled;
   // In place: half a megabyte is too much for a temporary on the stack.
   std::destroy_at(&measure);
   std::construct_at(&measure);
   measure.runs = runs;
   measure.on_transfer = on_transfer;
+  measure.on_settled = on_settled;
   measure.plan = plan;
   if (plan.work < 0) measure.plan.work = plan.sectors;
   measure.running = true;
@@ -139,6 +141,7 @@ void measure_transfer(const Timed& timed) {
     ++measure.slow;
     add_slow(transfer, &measure.zones);
   }
+  if (measure.on_transfer != nullptr) measure.on_transfer(transfer);
   wait_for_neighbours(transfer);
 }
 

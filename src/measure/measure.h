@@ -96,10 +96,11 @@ struct Measure {
   Waiting waiting;
   RateMap map;
 
-  // These two outlive a run.
+  // These outlive a run.
   std::uint64_t runs = 0;  // grows by one at every begin_measuring()
-  /// Told of every transfer in the run's order, once its class is known; null for nobody.
-  void (*on_transfer)(const Transfer&) = nullptr;
+  // Told of every transfer in the run's order; null for nobody.
+  void (*on_transfer)(const Transfer&) = nullptr;  // at once
+  void (*on_settled)(const Transfer&) = nullptr;   // when its time beyond the usual one is known
 };
 
 inline Measure measure;

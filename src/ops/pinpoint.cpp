@@ -13,6 +13,7 @@
 #include "disk/transfer.h"
 #include "form/asked.h"
 #include "form/form1.h"
+#include "form/number_text.h"
 #include "form/output.h"
 #include "form/progress_line.h"
 #include "measure/findings.h"
@@ -88,7 +89,7 @@ std::optional<Answer> ask(const Stretch& what, Hunt* hunt) {
   answer.code = answer.read ? 0 : disk.Errno;
   answer.late = answer.read && is_late(what, seconds);
   if (!answer.read && says_gone(answer.code)) {
-    told.stopped = "the drive does not answer: " + coded_error_text(answer.code);
+    told.stopped = "the drive does not answer: " + trimmed(coded_error_text(answer.code));
     return std::nullopt;
   }
   hunt->errors += answer.read ? 0 : 1;

@@ -61,7 +61,7 @@ void begin_map() {
 }
 
 void note_in_map(const Transfer& transfer) {
-  if (!asked.map || !was_read(transfer.phase)) return;
+  if (!was_read(transfer.phase)) return;
   if (run_map.map.blocks.empty()) run_map.map = untried_map(identification.Drive_Sectors);
   mark(transfer.lba, transfer.sectors, transfer.error == 0 ? Tried::finished : Tried::failed_transfer, &run_map.map);
 }

@@ -47,15 +47,15 @@ void tell_failure(const std::string& error) {
   if (!error.empty()) tell_and_show(error);
 }
 
-void note_transfer(const Transfer& transfer) {
-  if (asked.csv) add_csv_row(transfer);
-  note_in_map(transfer);
+void tell_nobody() {
+  measure.on_transfer = nullptr;
+  measure.on_settled = nullptr;
+  end_map();
 }
 
 void close_results(const Result& result) {
   results.open = false;
-  measure.on_transfer = nullptr;
-  end_map();
+  tell_nobody();
   // A batch gets its files even where nothing was to be transferred.
   if (!measured_something() && !in_batch()) {
     abandon_csv();
@@ -81,9 +81,11 @@ void begin_results(const std::string& version, const std::string& unmeasured_nam
              .command_local = platform::local_time(),
              .command_utc = platform::utc_time(),
              .open = true};
-  if (asked.csv) begin_csv(*asked.csv);
   begin_map();
-  if (asked.csv || asked.map) measure.on_transfer = note_transfer;
+  if (asked.map) measure.on_transfer = note_in_map;
+  if (!asked.csv) return;
+  begin_csv(*asked.csv);
+  measure.on_settled = add_csv_row;
 }
 
 std::string operation_name() {
@@ -96,8 +98,7 @@ void finish_results() {
 
 void leave_results() {
   if (!results.open || !measured_something()) {
-    measure.on_transfer = nullptr;
-    end_map();
+    tell_nobody();
     abandon_csv();
     return;
   }

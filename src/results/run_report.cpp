@@ -31,7 +31,7 @@ std::string not_done_text() {
 std::string end_line() {
   const std::string place =
       is_random(measure.plan.kind) ? std::string() : " at LBA " + std::to_string(measure.next_lba);
-  if (!early_end.why.empty()) return "STOPPED" + place + ": " + early_end.why + "; " + not_done_text();
+  if (!early_end.why.empty()) return "STOPPED" + place + ", " + not_done_text() + ": " + early_end.why;
   return measure.stopped ? "CANCELLED" + place + ": " + not_done_text() : std::string();
 }
 
@@ -44,7 +44,7 @@ std::string resumed_line() {
 std::string range_line(const BadRange& range) {
   std::string line = std::string(bad_kind_text(range.kind)) + ": " + lba_text(range) + ", " +
                      std::to_string(range.sectors) + (range.sectors == 1 ? " sector" : " sectors");
-  if (range.code != 0) line += ", error " + std::to_string(range.code) + " - " + GetErrMsg(range.code);
+  if (range.code != 0) line += ", error " + std::to_string(range.code) + " - " + trimmed(GetErrMsg(range.code));
   line += ", up to " + fixed_text(range.milliseconds, 0) + " ms";
   if (!range.partition.empty()) line += "; " + range.partition;
   if (!range.owner.empty()) line += "; " + range.owner;

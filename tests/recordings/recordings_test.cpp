@@ -79,7 +79,7 @@ class Recordings : public Rig, public ::testing::WithParamInterface<const char*>
  protected:
   Recordings() {
     const char* const here = std::getenv("SECTORIX_RECORDINGS");
-    folder_ = here != nullptr ? here : std::filesystem::path(__FILE__).parent_path().string();
+    folder_ = here != nullptr ? here : std::filesystem::absolute(__FILE__).parent_path().string();
     std::filesystem::copy_file(std::filesystem::path(__FILE__).parent_path() / "faulty.vd", path("faulty.vd"));
     std::filesystem::current_path(path(""));
     // A name that is the same in every run.
@@ -176,6 +176,7 @@ TEST_P(Recordings, EveryCommandDoesWhatItDid) {
   const std::string file = folder_ + "/" + GetParam() + ".txt";
   std::string recorded = "\n" + read_file(file);
   recorded.pop_back();
+  ASSERT_NE(recorded.find(kMark), std::string::npos) << file << " holds no scenario";
   std::string now;
   for (const std::string& part : split(recorded, std::string("\n") + kMark)) {
     if (part.empty()) continue;

@@ -181,7 +181,6 @@ TEST_F(MeasureTest, PhasesNameWhatATransferWasPartOf) {
   one(false);
   measure_phase(Phase::restoring);
   one(true);
-  end_measuring(false);
   EXPECT_EQ(seen, (std::vector<std::string>{"reading", "writing", "verifying", "restoring"}));
 }
 

@@ -100,7 +100,8 @@ TEST_F(PanelPicture, MarksStandWhereTheDiskIsSlowAndUnreadable) {
     EXPECT_THAT(marks(canvas, Mark::triangle), ::testing::ElementsAre(::testing::DoubleNear(kSlow / kSectors, 0.01)));
     EXPECT_THAT(marks(canvas, Mark::cross),
                 ::testing::ElementsAre(::testing::DoubleNear(kUnreadable / kSectors, 0.01)));
-    EXPECT_THAT(texts(canvas), ::testing::IsSupersetOf({"MB/s", "slow: 2", "stalled: 2", "errors: 1", "0.2 GB", "100"}));
+    EXPECT_THAT(texts(canvas),
+                ::testing::IsSupersetOf({"MB/s", "slow: 2", "stalled: 2", "errors: 1", "0.2 GB", "100"}));
   }
 }
 
@@ -178,7 +179,7 @@ TEST_F(PanelPicture, AMarkNamesItsSectorsAndWhatADoubleClickTakes) {
                       {.first_lba = 624030, .sectors = 1},
                       {.first_lba = 624040, .sectors = 1}};
   const std::string sectors =
-      "unreadable: LBA 624000 to 624007, slow: LBA 624010 to 624010, 1200 ms, unreadable: LBA 624020 to 624020, "
+      "unreadable: LBA 624000 to 624007, slow: LBA 624010, 1200 ms, unreadable: LBA 624020, "
       "and 2 more";
   EXPECT_EQ(kPanelPicture.description(), "Rate graph, " + sectors);
   painted({732, 80});
