@@ -19,26 +19,25 @@ struct Command {
   bool has_switch = false;  // /OP can name it; tests and the window's controls start the others
   bool needs_serial = false;
   bool takes_find = false;      // and needs it
+  bool has_range = false;       // its place is the range in the fields: asked about where it ends behind the disk
   std::int64_t most_count = 0;  // of /COUNT; 0 for no limit
   const char* above_most = "";  // what a larger one is told
 
   // Before its frame, in this order.
-  bool has_range = false;       // its place is the range in the fields, which is asked about where it ends behind
-                                // the disk, after `prepare`
-  bool (*prepare)() = nullptr;  // false leaves the command
-  const char* trace = nullptr;  // the line that says what has started
+  bool (*prepare)() = nullptr;          // false leaves the command
+  const char* trace = nullptr;          // the line that says what has started
   std::string (*question)() = nullptr;  // title of the question whether the disk may be overwritten
   bool (*confirm)() = nullptr;          // asks what no mode leaves out
 
   // In its frame.
-  bool writes = false;       // the drive's volumes are locked and dismounted meanwhile
-  bool from_buffer = false;  // writes what the buffer holds over the range in the fields
+  bool writes = false;            // the drive's volumes are locked and dismounted meanwhile
+  bool finds_bad_places = false;  // behind the frame, where its transfers failed or stalled
+  bool from_buffer = false;       // writes what the buffer holds over the range in the fields
   std::optional<RunPlan> (*plan)() = nullptr;
   bool timed = true;  // the totals tell the time between its first and last transfer
   void (*transfer)(const RunPlan& plan) = nullptr;
   void (*report)() = nullptr;
   void (*read_back)(const RunPlan& plan) = nullptr;  // what its question offers to do behind all that
-  bool finds_bad_places = false;                     // behind the frame, where its transfers failed or stalled
 
   // In place of all that for a command that is no operation: it has no frame, and nothing to measure.
   void (*alone)() = nullptr;

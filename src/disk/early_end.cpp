@@ -1,5 +1,6 @@
 #include "disk/early_end.h"
 
+#include <algorithm>
 #include <array>
 
 #include "disk/drive.h"
@@ -22,10 +23,7 @@ bool answers() {
 
 bool says_gone(std::uint32_t code) {
   constexpr std::array<std::uint32_t, 4> kCodes = {1167, 55, 21, 1617};
-  for (const std::uint32_t one : kCodes) {
-    if (code == one) return true;
-  }
-  return false;
+  return std::find(kCodes.begin(), kCodes.end(), code) != kCodes.end();
 }
 
 void begin_early_end(std::int64_t most_failures) {
