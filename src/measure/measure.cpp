@@ -1,6 +1,7 @@
 #include "measure/measure.h"
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 
 namespace {
@@ -127,7 +128,8 @@ void measure_transfer(const Timed& timed) {
   const Transfer transfer = transfer_of(timed);
   ++measure.transfers;
   measure.done += transfer.sectors;
-  measure.next_lba = transfer.lba + transfer.sectors;
+  constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
+  measure.next_lba = transfer.lba > kLast - transfer.sectors ? kLast : transfer.lba + transfer.sectors;
   measure.seconds = transfer.start + transfer.seconds;
   if (measure.transfers == 1) note_pace(transfer.start, 0, &measure.pace);
   note_pace(measure.seconds, measure.done, &measure.pace);
