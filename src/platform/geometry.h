@@ -18,6 +18,8 @@ struct Rect {
   int y = 0;
   int width = 0;
   int height = 0;
+
+  bool operator==(const Rect&) const = default;
 };
 
 /// True for a point in `rect`, its right and lower edges not included.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <vector>
@@ -69,10 +70,6 @@ void start(const Program& program, const Command& command) {
   }
 }
 
-// Milliseconds.
-constexpr double kUsual = 100.0;
-constexpr double kWorst = 300.0;
-
 /// Milliseconds that the window takes to answer while it is moved, repainted, scrolled and hovered over for a second.
 std::vector<double> answers_while_used(const Program& program) {
   std::vector<double> times;
@@ -91,15 +88,31 @@ std::vector<double> answers_while_used(const Program& program) {
   return times;
 }
 
+/// Milliseconds within which a window answers that no drive holds up: on a busy machine as long as it takes at rest,
+/// which is before a command.
+struct Limits {
+  double usual = 100.0;
+  double worst = 300.0;
+};
+
+Limits limits_of(const Program& program) {
+  const std::vector<double> at_rest = answers_while_used(program);
+  const double slowest = *std::max_element(at_rest.begin(), at_rest.end());
+  const Limits quick;
+  return {std::max(quick.usual, 2 * slowest), std::max(quick.worst, 3 * slowest)};
+}
+
 TEST(Blocked, TheWindowAnswersWhateverTheCommand) {
   for (const Command& command : commands()) {
     const Program program(blocking_disk(15000));
+    const Limits limits = limits_of(program);
     start(program, command);
     ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for "); }))
         << command.name << ": " << text_of(program.edit(kStatus));
     EXPECT_TRUE(shows(program, kStatus, command.writes ? " and writing " : " and reading ")) << command.name;
     EXPECT_TRUE(shows(program, kStatus, "At sector " + text_of(program.edit(kCurrent)) + " and ")) << command.name;
-    EXPECT_TRUE(answers_within(kUsual, kWorst, [&] { return answers_while_used(program); })) << command.name;
+    EXPECT_TRUE(answers_within(limits.usual, limits.worst, [&] { return answers_while_used(program); }))
+        << command.name;
     EXPECT_TRUE(shows(program, kStatus, "waiting for ")) << "the same transfer still";
   }
 }
@@ -108,9 +121,10 @@ TEST(Blocked, TheWindowAnswersWhileTheDriveIsAskedWhatItIs) {
   write_file("quick.vd", "sectors 100\n");
   write_file("mute.vd", "sectors 400\nsmart 5 3 100 100 36 0\nvolume Q:\nrequests 2500\n");
   const Program program("/VDISK:0=quick.vd /VDISK:1=mute.vd");
+  const Limits limits = limits_of(program);
   const auto waits = [&](const char* during) {
     ASSERT_TRUE(wait_until([&] { return shows(program, kStatus, "waiting for "); })) << during;
-    EXPECT_TRUE(answers_within(kUsual, kWorst, [&] { return answers_while_used(program); })) << during;
+    EXPECT_TRUE(answers_within(limits.usual, limits.worst, [&] { return answers_while_used(program); })) << during;
   };
   program.press("Drive 1");
   waits("identification");

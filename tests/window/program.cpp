@@ -68,7 +68,7 @@ Program::Program(const std::string& arguments) {
   STARTUPINFOA start{};
   start.cb = sizeof(start);
   if (!::CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process_)) {
-    ADD_FAILURE() << "cannot start " << line;
+    ADD_FAILURE() << "cannot start " << line << ": error " << ::GetLastError();
     return;
   }
   wait_until([this] { return (window_ = find_window(process_.dwProcessId, "SectorixMain", "")) != nullptr; });

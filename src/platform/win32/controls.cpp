@@ -164,6 +164,8 @@ void place_all() {
   main.table.layout(size, dpi, main.arrangement, places);
   HDWP move = ::BeginDeferWindowPos(static_cast<int>(places.size()));
   for (std::size_t i = 0; i < places.size(); ++i) {
+    if (main.controls[i].place == places[i]) continue;
+    main.controls[i].place = places[i];
     const bool shown = places[i].width > 0 && places[i].height > 0;
     // A memo of no size would lose which lines are in view.
     const UINT how = shown ? SWP_SHOWWINDOW : SWP_HIDEWINDOW | SWP_NOMOVE | SWP_NOSIZE;

@@ -23,6 +23,7 @@ struct ShownControl {
   std::string description{};  // of a picture, as told
   HBITMAP bitmap = nullptr;   // of a picture, as last painted
   SIZE bitmap_size{};
+  std::optional<platform::Rect> place{};  // where it was put last
 };
 
 struct MainWindow {
