@@ -43,6 +43,7 @@ bool lock_volume(int drive, const std::string& volume) {
       kernel32::open_volume_of(drive, path.c_str(), platform::kGenericRead | platform::kGenericWrite,
                                platform::kShareRead | platform::kShareWrite, kNoBuffering);
   // Every volume goes into the first slot, so that the unlock pass finds the last one alone: docs/oddities.md, 16.
+  if (volumes.hVolumes[0] >= 1) volumes.replaced.push_back(volumes.hVolumes[0]);
   volumes.hVolumes[0] = handle;
   if (handle == kernel32::kInvalidHandle) {
     trace("Lock_Unlock_All_Volumes - Cannot open handle for " + volume + " to dismount.");
@@ -67,7 +68,14 @@ bool lock_partition(wmi::WmiHandle service, int drive, const std::string& partit
                      [drive](const std::string& volume) { return lock_volume(drive, volume); });
 }
 
+/// Volumes that lost their place in an earlier pass are locked still, and could not be opened by this one.
+void release_replaced() {
+  for (const kernel32::Handle handle : volumes.replaced) kernel32::CloseHandle(handle);
+  volumes.replaced.clear();
+}
+
 void lock_pass(int drive) {
+  release_replaced();
   volumes.hVolumes.fill(0);
   const wmi::WmiHandle service = wmi::open("winmgmts:{impersonationLevel=Impersonate}!//.");
   if (service == wmi::kNoWmi) return;

@@ -2,13 +2,15 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 #include "device/kernel32.h"
 
-/// Handles of locked volumes; 0 = none. They are numbers that nobody closes but the unlock pass: a volume that it
-/// leaves out stays locked until the process ends.
+/// Handles of locked volumes; 0 = none. The unlock pass closes those that have a place; a volume that lost its place to
+/// another one stays locked until the next lock pass, or the process's end.
 struct Volumes {
   std::array<kernel32::Handle, 31> hVolumes{};
+  std::vector<kernel32::Handle> replaced{};
 };
 
 inline Volumes volumes;

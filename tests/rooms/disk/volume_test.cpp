@@ -19,8 +19,22 @@ TEST_F(VolumeLock, EveryVolumeIsLockedTwiceAndDismountedAndTheLastIsUnlocked) {
   EXPECT_EQ(count_of(headless::desktop.debug, "FSCTL_DISMOUNT_VOLUME - Dismounted volume "), 2);
   EXPECT_EQ(virtualdisk::open_handles(), 2);
   Lock_Unlock_All_Volumes(1, "UNLOCK");
-  EXPECT_EQ(virtualdisk::open_handles(), 1) << "E: stays locked until the process ends";
+  EXPECT_EQ(virtualdisk::open_handles(), 1) << "E: stays locked";
   EXPECT_THAT(headless::desktop.debug, HasSubstr("MY_UNLOCK_VOLUME FSCTL_UNLOCK_VOLUME - Volume unlocked"));
+}
+
+TEST_F(VolumeLock, ASecondPassLocksAllVolumesAgain) {
+  attach(1, "sectors 1000\nvolume E:\nvolume F:\nvolume G:\n");
+  for (int pass = 0; pass < 3; ++pass) {
+    headless::desktop.debug.clear();
+    Lock_Unlock_All_Volumes(1, "LOCK");
+    for (const char* volume : {"E:", "F:", "G:"}) {
+      EXPECT_THAT(headless::desktop.debug, HasSubstr(std::string("Volume ") + volume + " locked")) << pass;
+    }
+    EXPECT_EQ(virtualdisk::open_handles(), 3);
+    Lock_Unlock_All_Volumes(1, "UNLOCK");
+    EXPECT_EQ(virtualdisk::open_handles(), 2);
+  }
 }
 
 TEST_F(VolumeLock, AVolumeThatCannotBeOpenedEndsThePass) {
