@@ -68,6 +68,10 @@ void read_readonly(LineReader& /*line*/, int /*number*/, DiskFile& disk) {
   disk.readonly = true;
 }
 
+void read_denied(LineReader& /*line*/, int /*number*/, DiskFile& disk) {
+  disk.denied = true;
+}
+
 void read_model(LineReader& line, int /*number*/, DiskFile& disk) {
   disk.model = line.text("model", 40);
 }
@@ -295,12 +299,13 @@ struct Directive {
   bool once;
 };
 
-constexpr std::array<Directive, 31> kDirectives = {{
+constexpr std::array<Directive, 32> kDirectives = {{
     {"sectors", read_sectors, true},
     {"logical", read_logical, true},
     {"physical", read_physical, true},
     {"image", read_image, true},
     {"readonly", read_readonly, true},
+    {"denied", read_denied, true},
     {"model", read_model, true},
     {"serial", read_serial, true},
     {"firmware", read_firmware, true},

@@ -125,6 +125,7 @@ struct DiskFile {
   int logical_line = 1;
   Bus bus = Bus::ata;
   bool readonly = false;
+  bool denied = false;  // opening it for reading or writing needs rights that the program has not
   bool heal = false;
   bool no_geometry = false;
   bool no_length = false;

@@ -98,6 +98,7 @@ std::uint32_t open(std::string_view name, std::uint32_t access, std::uint32_t /*
   if (!target) return kFileNotFound;
   const VirtualDisk& disk = disk_of(*target);
   if (vanished(disk)) return kNotConnected;
+  if (disk.file.denied && access != 0) return kAccessDenied;
   if (target->kind == Kind::port && disk.file.bus != Bus::miniport) return kFileNotFound;
   if (target->kind == Kind::volume) {
     if (disk.file.volumes[target->volume].busy) return kSharingViolation;
