@@ -5,10 +5,13 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <numeric>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "app/commands.h"
+#include "app/switch_values.h"
 #include "buffer/search.h"
 #include "form/form1.h"
 #include "form/number_text.h"
@@ -47,10 +50,12 @@ std::vector<Token> split(std::string_view line) {
   return tokens;
 }
 
-/// A decimal number of `least` to `most`; false for anything else.
+/// A number of `least` to `most`; false for anything else.
 bool take_number(std::string_view text, std::int64_t least, std::int64_t most, std::int64_t* value) {
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), *value);
-  return error == std::errc() && end == text.data() + text.size() && *value >= least && *value <= most;
+  const std::optional<std::int64_t> number = whole_number(text);
+  if (!number || *number < least || *number > most) return false;
+  *value = *number;
+  return true;
 }
 
 bool read_operation(const std::string& value, Asked* result) {
@@ -72,11 +77,20 @@ bool read_virtual_disk(const std::string& value, Asked* result) {
 }
 
 bool read_start(const std::string& value, Asked* result) {
-  return take_number(value, 0, std::numeric_limits<std::int64_t>::max(), &result->start_lba);
+  const std::optional<Amount> start = amount(value);
+  if (!start) return false;
+  result->start_lba = start->sectors;
+  result->start_percent = start->percent;
+  return true;
 }
 
+/// At least a sector, or more than no percent.
 bool read_count(const std::string& value, Asked* result) {
-  return take_number(value, 1, std::numeric_limits<std::int64_t>::max(), &result->count);
+  const std::optional<Amount> count = amount(value);
+  if (!count || (count->percent ? *count->percent <= 0.0 : count->sectors < 1)) return false;
+  result->count = count->sectors;
+  result->count_percent = count->percent;
+  return true;
 }
 
 bool read_slow(const std::string& value, Asked* result) {
@@ -139,7 +153,8 @@ bool read_stop_after(const std::string& value, Asked* result) {
 
 bool read_exit(const std::string& value, Asked* result) {
   result->exit_by_verdict = upper_case(value) == "VERDICT";
-  return result->exit_by_verdict;
+  result->exit_by_bits = upper_case(value) == "BITS";
+  return result->exit_by_verdict || result->exit_by_bits;
 }
 
 bool read_list(const std::string& /*value*/, Asked* result) {
@@ -152,6 +167,11 @@ bool read_usage(const std::string& /*value*/, Asked* result) {
   return true;
 }
 
+bool read_version(const std::string& /*value*/, Asked* result) {
+  if (result->mode != Mode::usage) result->mode = Mode::version;
+  return true;
+}
+
 /// Whether a colon and a value stand behind a switch.
 enum class Takes : std::uint8_t { nothing, value, either };
 
@@ -161,88 +181,165 @@ struct Switch {
   Takes takes;
   bool repeats;
   bool (*take)(const std::string& value, Asked* result);
+  const char* good;  // what its value may be
   const char* help;
 };
 
+constexpr const char* kAnyFile = "a file";
+constexpr const char* kAnyFolder = "a folder";
+
 constexpr std::array kSwitches = {
-    Switch{"/VDISK", Takes::value, true, read_virtual_disk,
+    Switch{"/VDISK", Takes::value, true, read_virtual_disk, "a drive and its file, each drive once, as 0=disk.vd",
            "/VDISK:n=FILE     attach a virtual disk as drive n: a disk file (.vd), an image (.img .raw .bin .dd),\r\n"
            "                  or DEMO, the practice disk"},
     Switch{
         "/OP", Takes::value, false, read_operation,
+        "READ, WRITE, VERIFY, RANDOMREAD, RANDOMWRITE, SEARCH, SHOW, SMART or RESTORE",
         "/OP:NAME          run one command and end with its exit code: READ, WRITE (pattern), VERIFY (compare with\r\n"
         "                  the pattern), RANDOMREAD, RANDOMWRITE (non-destructive), SEARCH, SHOW (sectors in hex),\r\n"
         "                  SMART (listing), RESTORE (give back what an interrupted RANDOMWRITE left)"},
-    Switch{"/LIST", Takes::nothing, false, read_list,
+    Switch{"/LIST", Takes::nothing, false, read_list, "",
            "/LIST             list the drives that answer: number, model, serial, firmware, sectors, size"},
-    Switch{"/START", Takes::value, false, read_start, "/START:lba        first LBA of the run"},
-    Switch{"/COUNT", Takes::value, false, read_count,
-           "/COUNT:n          number of sectors; of a random test: sectors per visit, at most 16065"},
-    Switch{"/PASSES", Takes::value, false, read_passes, "/PASSES:n         passes of a random test"},
-    Switch{"/SLOW", Takes::value, false, read_slow,
+    Switch{"/START", Takes::value, false, read_start, "an LBA or a place, as 1000, 0x200, 1,000, 10GB, 512MiB or 50%",
+           "/START:lba        first LBA of the run: a number, or a place as 0x200, 1,000, 10GB, 512MiB or 50%"},
+    Switch{
+        "/COUNT", Takes::value, false, read_count, "sectors or an amount, as 1000, 0x200, 1,000, 10GB, 512MiB or 50%",
+        "/COUNT:n          number of sectors, written like that; of a random test: sectors per visit, at most 16065"},
+    Switch{"/PASSES", Takes::value, false, read_passes, "a number from 1 to 2,147,483,647",
+           "/PASSES:n         passes of a random test"},
+    Switch{"/SLOW", Takes::value, false, read_slow, "MB/s, as 20 or 0.5, or AUTO",
            "/SLOW:n           report transfers slower than n MB/s; AUTO: half the average"},
-    Switch{"/PATTERN", Takes::value, false, read_pattern, "/PATTERN:hex      fill pattern: 2, 4, 6 or 8 hex digits"},
-    Switch{"/FIND", Takes::value, false, read_find,
+    Switch{"/PATTERN", Takes::value, false, read_pattern, "2, 4, 6 or 8 hex digits, as 00 or 2C2CAA55",
+           "/PATTERN:hex      fill pattern: 2, 4, 6 or 8 hex digits"},
+    Switch{"/FIND", Takes::value, false, read_find, "tText, TText, H and pairs of hex digits, or !H and one pair",
            "/FIND:text        search string: tText, TText (any case), H0531 (bytes), !H2E (first other byte)"},
     Switch{"/SERIAL", Takes::value, false,
-           [](const std::string& value, Asked* result) { return take_text(value, &result->serial); },
+           [](const std::string& value, Asked* result) { return take_text(value, &result->serial); }, "a serial number",
            "/SERIAL:text      serial number that the drive must carry; WRITE needs it"},
     Switch{"/JOURNAL", Takes::value, false,
-           [](const std::string& value, Asked* result) { return take_text(value, &result->journal); },
+           [](const std::string& value, Asked* result) { return take_text(value, &result->journal); }, kAnyFolder,
            "/JOURNAL:FOLDER   where RANDOMWRITE keeps its undo journal; never on the disk under test"},
     Switch{"/HISTORY", Takes::value, false,
-           [](const std::string& value, Asked* result) { return take_text(value, &result->history); },
+           [](const std::string& value, Asked* result) { return take_text(value, &result->history); }, kAnyFolder,
            "/HISTORY:FOLDER   add a line for this run to the drive's history there, and tell what grew since the last"},
-    Switch{"/MAXTEMP", Takes::value, false, read_max_celsius,
+    Switch{"/MAXTEMP", Takes::value, false, read_max_celsius, "degrees Celsius from 20 to 120",
            "/MAXTEMP:c        pause at c degrees Celsius (20 to 120) until the drive is 5 degrees cooler"},
-    Switch{"/EXIT", Takes::value, false, read_exit,
+    Switch{"/EXIT", Takes::value, false, read_exit, "VERDICT or BITS",
            "/EXIT:VERDICT     end with the verdict on the drive: 100001 GOOD, 100002 NOTE, 100003 NO DATA,\r\n"
-           "                  100004 DOUBTFUL, 100005 WORSE, 100006 FAILING"},
+           "                  100004 DOUBTFUL, 100005 WORSE, 100006 FAILING\r\n"
+           "/EXIT:BITS        end with a sum of bits, one for each kind of trouble, see below"},
     Switch{
         "/PINPOINT", Takes::either, false, read_pinpoint,
+        "nothing, OFF, seconds, or seconds and failed reads, as 300,1000",
         "/PINPOINT         behind READ and SEARCH find the exact bad sectors of what failed or stalled, by reading\r\n"
         "                  it again in pieces; on in a window. /PINPOINT:s or :s,n for at most s seconds (300) and "
         "n\r\n"
         "                  failed reads (1000), /PINPOINT:OFF for not at all"},
-    Switch{"/STOPAFTER", Takes::value, false, read_stop_after,
+    Switch{"/STOPAFTER", Takes::value, false, read_stop_after, "a number from 1",
            "/STOPAFTER:n      end the run when n transfers have failed"},
     Switch{"/REPORT", Takes::value, false,
            [](const std::string& value, Asked* result) { return take_text(value, &result->report); },
+           "a file, or - for standard output",
            "/REPORT:FILE      write the report to FILE; - is standard output, the default with /OP"},
     Switch{"/VARS", Takes::value, false,
            [](const std::string& value, Asked* result) { return take_text(value, &result->vars); },
-           "/VARS:FILE        append the report variables to FILE; - likewise"},
+           "a file, or - for standard output", "/VARS:FILE        append the report variables to FILE; - likewise"},
     Switch{"/CSV", Takes::value, false,
-           [](const std::string& value, Asked* result) { return take_text(value, &result->csv); },
+           [](const std::string& value, Asked* result) { return take_text(value, &result->csv); }, kAnyFile,
            "/CSV:FILE         write a row for every transfer"},
     Switch{"/JSON", Takes::value, false,
-           [](const std::string& value, Asked* result) { return take_text(value, &result->json); },
+           [](const std::string& value, Asked* result) { return take_text(value, &result->json); }, kAnyFile,
            "/JSON:FILE        write the whole result as one JSON document"},
     Switch{"/GRAPH", Takes::value, false,
-           [](const std::string& value, Asked* result) { return take_text(value, &result->graph); },
+           [](const std::string& value, Asked* result) { return take_text(value, &result->graph); }, kAnyFile,
            "/GRAPH:FILE.svg   write the transfer-rate graph"},
+    Switch{"/HTML", Takes::value, false,
+           [](const std::string& value, Asked* result) { return take_text(value, &result->html); }, kAnyFile,
+           "/HTML:FILE        write verdict, graph, map, bad places and report as one page"},
     Switch{
         "/MAP", Takes::value, false,
-        [](const std::string& value, Asked* result) { return take_text(value, &result->map); },
+        [](const std::string& value, Asked* result) { return take_text(value, &result->map); }, kAnyFile,
         "/MAP:FILE         write a map of what was read, failed and not tried, every 30 seconds and at the end: a\r\n"
         "                  mapfile of GNU ddrescue"},
     Switch{"/RESUME", Takes::value, false,
-           [](const std::string& value, Asked* result) { return take_text(value, &result->resume); },
+           [](const std::string& value, Asked* result) { return take_text(value, &result->resume); }, kAnyFile,
            "/RESUME:FILE      READ only what such a map says was not done; the drive must be the one of the map"},
     Switch{"/BADLIST", Takes::value, false,
-           [](const std::string& value, Asked* result) { return take_text(value, &result->badlist); },
+           [](const std::string& value, Asked* result) { return take_text(value, &result->badlist); }, kAnyFile,
            "/BADLIST:FILE     write a line for each bad range: first LBA, sectors, kind, system error"},
-    Switch{"/QUIET", Takes::nothing, false, [](const std::string&, Asked* result) { return result->quiet = true; },
+    Switch{"/QUIET", Takes::nothing, false, [](const std::string&, Asked* result) { return result->quiet = true; }, "",
            "/QUIET            no progress on standard error"},
-    Switch{"/?", Takes::nothing, false, read_usage, "/?                this text"},
+    Switch{"/?", Takes::nothing, false, read_usage, "", "/?                this text; also /HELP, /H, -h and --help"},
+    Switch{"/VERSION", Takes::nothing, false, read_version, "", "/VERSION          the version; also --version"},
 };
+
+/// What other programs call a switch of ours.
+struct Alias {
+  const char* name;
+  const char* means;
+};
+
+constexpr std::array kAliases = {Alias{"/HELP", "/?"}, Alias{"/H", "/?"},     Alias{"-H", "/?"},
+                                 Alias{"-?", "/?"},    Alias{"--HELP", "/?"}, Alias{"--VERSION", "/VERSION"}};
 
 /// The switch that `token` gives, or null: its whole text, or its name up to a colon.
 const Switch* switch_of(const Token& token) {
-  const std::string name = token.upper.substr(0, token.upper.find(':'));
+  std::string name = token.upper.substr(0, token.upper.find(':'));
+  for (const Alias& alias : kAliases) {
+    if (name == alias.name) name = alias.means;
+  }
   const auto* const row =
       std::find_if(kSwitches.begin(), kSwitches.end(), [&](const Switch& candidate) { return name == candidate.name; });
   return row == kSwitches.end() ? nullptr : row;
+}
+
+/// "/D:" and what stands behind it selects drives, leniently.
+bool is_about_drives(const Token& token) {
+  return token.upper.rfind("/D:", 0) == 0;
+}
+
+bool looks_like_a_switch(const Token& token) {
+  return token.text.size() > 1 && (token.text.front() == '/' || token.text.front() == '-') && !is_about_drives(token);
+}
+
+/// How many letters have to be changed, added or taken away to make one text of the other.
+std::size_t distance(std::string_view one, std::string_view other) {
+  std::vector<std::size_t> row(other.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < one.size(); ++i) {
+    std::size_t corner = row[0];
+    row[0] = i + 1;
+    for (std::size_t j = 0; j < other.size(); ++j) {
+      const std::size_t replaced = corner + (one[i] == other[j] ? 0 : 1);
+      corner = row[j + 1];
+      row[j + 1] = std::min({replaced, row[j] + 1, corner + 1});
+    }
+  }
+  return row.back();
+}
+
+/// The switch that somebody who wrote `text` may have meant; empty where none is near.
+std::string nearest_switch(const std::string& text) {
+  const std::string name = text.substr(0, text.find_first_of(":="));
+  const std::string_view letters = std::string_view(name).substr(std::min(name.find_first_not_of("-/"), name.size()));
+  std::string nearest;
+  std::size_t least = letters.size() / 2 + 1;
+  const auto consider = [&](const char* candidate, const char* shown) {
+    const std::size_t far = distance(letters, std::string_view(candidate).substr(1));
+    if (far >= least) return;
+    least = far;
+    nearest = shown;
+  };
+  for (const Switch& row : kSwitches) consider(row.name, row.name);
+  consider("/D", "/D:n");
+  consider("/HELP", "/?");
+  return nearest;
+}
+
+std::string not_understood(const Token& token) {
+  const std::string nearest = looks_like_a_switch(token) ? nearest_switch(token.upper) : std::string();
+  return "\"" + token.text + "\" is not understood" + (nearest.empty() ? "" : ": the nearest switch is " + nearest) +
+         "; /? lists all switches.";
 }
 
 bool gives_drive(const Token& token) {
@@ -253,8 +350,9 @@ bool gives_drive(const Token& token) {
 /// What tokens leave to be judged when all have been read.
 struct Tally {
   int drives = 0;
-  std::string text;   // what is none of our switches, in upper case
-  std::string stray;  // the first of it that is no drive either
+  std::string text;                   // what is none of our switches, in upper case
+  std::optional<Token> stray;         // the first of it that is no drive either
+  std::optional<Token> stray_switch;  // the first that looks like a switch
 };
 
 /// "/D:n" anywhere in the text names drive n; "/D:" alone is enough for command-line mode.
@@ -273,7 +371,7 @@ void take_drives(const std::string& text, Asked* result) {
 /// What a command needs, or what it cannot take.
 std::string judge_operation(const Asked& result) {
   if (result.serial && result.op.empty()) return "/SERIAL needs /OP.";
-  if (result.exit_by_verdict && result.op.empty()) return "/EXIT needs /OP.";
+  if ((result.exit_by_verdict || result.exit_by_bits) && result.op.empty()) return "/EXIT needs /OP.";
   const Command none{};
   const Command& command = result.op.empty() ? none : *command_named(result.op);
   const std::string shown = "/OP:" + result.op;
@@ -281,17 +379,19 @@ std::string judge_operation(const Asked& result) {
   if (result.resume && result.op != "READ") return "/RESUME needs /OP:READ.";
   if (result.find && !command.takes_find) return "/FIND needs /OP:SEARCH.";
   if (command.takes_find && !result.find) return shown + " needs /FIND:text.";
-  if (command.most_count != 0 && result.count > command.most_count) return command.above_most;
+  const bool above = result.count > command.most_count || result.count_percent;
+  if (command.most_count != 0 && above) return command.above_most;
   return {};
 }
 
 /// Without a drive nothing is written.
 std::string judge_outputs(const Asked& result) {
-  const std::array<std::pair<const char*, bool>, 7> outputs = {{{"/REPORT", result.report.has_value()},
+  const std::array<std::pair<const char*, bool>, 8> outputs = {{{"/REPORT", result.report.has_value()},
                                                                 {"/VARS", result.vars.has_value()},
                                                                 {"/CSV", result.csv.has_value()},
                                                                 {"/JSON", result.json.has_value()},
                                                                 {"/GRAPH", result.graph.has_value()},
+                                                                {"/HTML", result.html.has_value()},
                                                                 {"/BADLIST", result.badlist.has_value()},
                                                                 {"/MAP", result.map.has_value()}}};
   for (const auto& [name, given] : outputs) {
@@ -300,13 +400,13 @@ std::string judge_outputs(const Asked& result) {
   return {};
 }
 
-std::string judge(const Asked& result, const Tally& tally) {
-  if (result.mode == Mode::usage) return {};
+std::string judge(const Asked& result, const Tally& tally, bool has_switch) {
+  if (result.mode == Mode::usage || result.mode == Mode::version) return {};
   const bool list = result.mode == Mode::list;
   const bool batch = !result.op.empty();
   if (batch && list) return "/OP and /LIST exclude each other.";
-  if ((batch || list) && !tally.stray.empty())
-    return "\"" + tally.stray + "\" is not understood; /? lists all switches.";
+  if ((batch || list) && tally.stray) return not_understood(*tally.stray);
+  if (has_switch && tally.stray_switch) return not_understood(*tally.stray_switch);
   if (batch && tally.drives != 1) return "/OP needs exactly one /D:n, n from 0 to 7.";
   std::string error = judge_operation(result);
   if (!error.empty()) return error;
@@ -323,11 +423,24 @@ std::string take_switch(const Switch& row, const Token& token, std::vector<const
   if (token.unclosed) return shown + " has a quote that is not closed.";
   const std::size_t colon = token.text.find(':');
   const bool has_value = colon != std::string::npos;
-  const bool shaped = row.takes == Takes::either || (row.takes == Takes::value) == has_value;
-  if (!shaped || !row.take(has_value ? token.text.substr(colon + 1) : std::string(), result)) {
-    return shown + " has a bad value; /? lists all switches.";
+  if (row.takes == Takes::nothing && has_value) return shown + ": " + row.name + " takes no value.";
+  const std::string good = std::string("good is ") + row.good + ".";
+  if (row.takes == Takes::value && !has_value) return shown + " needs a value behind a colon: " + good;
+  if (!row.take(has_value ? token.text.substr(colon + 1) : std::string(), result)) {
+    return shown + " has a bad value: " + good;
   }
   return {};
+}
+
+void take_text_of(const Token& token, Tally* tally, Asked* result) {
+  tally->text += token.upper + " ";
+  result->ends_without_drive = result->ends_without_drive || !token.text.empty();
+  if (gives_drive(token)) {
+    ++tally->drives;
+    return;
+  }
+  if (!tally->stray) tally->stray = token;
+  if (!tally->stray_switch && looks_like_a_switch(token)) tally->stray_switch = token;
 }
 
 }  // namespace
@@ -339,23 +452,46 @@ std::string parse_command_line(std::string_view line, Asked* result) {
   if (!tokens.empty()) tokens.erase(tokens.begin());  // the program's own path
   Tally tally;
   std::vector<const Switch*> seen;
+  std::string mistake;
+  // Behind a mistake the rest is still taken, so that what is told of it goes where the user wants it.
   for (const Token& token : tokens) {
-    if (const Switch* const row = switch_of(token)) {
-      std::string error = take_switch(*row, token, &seen, result);
-      if (!error.empty()) return error;
+    const Switch* const row = switch_of(token);
+    if (row == nullptr) {
+      take_text_of(token, &tally, result);
       continue;
     }
-    tally.text += token.upper + " ";
-    result->ends_without_drive = result->ends_without_drive || !token.text.empty();
-    if (gives_drive(token)) {
-      ++tally.drives;
-    } else if (tally.stray.empty()) {
-      tally.stray = token.text;
-    }
+    const std::string error = take_switch(*row, token, &seen, result);
+    if (mistake.empty()) mistake = error;
+    result->has_op = result->has_op || row->name == std::string_view("/OP");
+    // A disk file that is not known as one must not be taken for a result file.
+    result->disks_known = result->disks_known && (error.empty() || row->name != std::string_view("/VDISK"));
   }
   result->ends_without_drive = result->ends_without_drive || !result->op.empty();
   take_drives(tally.text, result);
-  return judge(*result, tally);
+  const bool has_switch = !seen.empty() || tally.text.find("/D:") != std::string::npos;
+  return mistake.empty() ? judge(*result, tally, has_switch) : mistake;
+}
+
+std::string switch_names() {
+  std::string text = "Switches, each explained by sectorix /?:\r\n/D:n";
+  for (const Switch& row : kSwitches) text += std::string(" ") + row.name;
+  return text + "\r\n";
+}
+
+std::string exit_code_help() {
+  return "Exit codes of /OP: 0 clean; 1 a mistake, a missing drive or a refused disk; 3 cancelled; 100010 a result "
+         "file\r\n"
+         "or the report could not be written; others are the sum of failed transfers, SMART errors and event log\r\n"
+         "entries. With /EXIT:BITS the sum of 1 mistake, 2 refused, 4 missing, 8 cancelled, 16 failed transfers,\r\n"
+         "32 compare errors, 64 SMART errors, 128 event log entries, 256 results not written, 512 ended early by\r\n"
+         "itself, 1024 verdict DOUBTFUL or worse, 2048 contents that could not be given back. QV_RESULT and the\r\n"
+         "JSON's \"outcome\" say it in a word: ok, errors, cancelled, missing, refused, mistake.\r\n";
+}
+
+std::string example_help() {
+  return "Examples, from an elevated prompt:\r\n"
+         "  sectorix /LIST\r\n"
+         "  sectorix /D:1 /OP:READ /PINPOINT /REPORT:disk1.txt /JSON:disk1.json\r\n";
 }
 
 std::string switch_help() {
@@ -366,5 +502,5 @@ std::string switch_help() {
       "\r\n"
       "/D:n              initial drive, 0 to 7, and command-line mode: no questions, report output\r\n";
   for (const Switch& row : kSwitches) text += std::string(row.help) + "\r\n";
-  return text;
+  return text + "\r\n" + exit_code_help() + "\r\n" + example_help();
 }

@@ -10,6 +10,7 @@
 #include "disk/volume.h"
 #include "form/asked.h"
 #include "form/form1.h"
+#include "form/outcome.h"
 #include "form/output.h"
 #include "form/progress_line.h"
 #include "measure/findings.h"
@@ -27,6 +28,7 @@
 #include "results/run_report.h"
 #include "results/sector_report.h"
 #include "results/verify_report.h"
+#include "smart/identification.h"
 
 namespace {
 
@@ -217,7 +219,11 @@ void run_in_frame(const Command& command) {
   tell_verify();
   end_measuring(form1.MyCancel);
   tell_run_end();
-  if (command.finds_bad_places && measured_something()) find_bad_places();
+  if (identification.Drive_Sectors == 0) {
+    form1.TxtStatus.set_text(command_end.reason);
+  } else if (command.finds_bad_places && measured_something()) {
+    find_bad_places();
+  }
 }
 
 /// Deals with what was pressed meanwhile as during the command, then gives the buttons back.

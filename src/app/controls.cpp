@@ -9,6 +9,7 @@
 #include "pictures/panel.h"
 #include "pictures/progress_bar.h"
 #include "results/health_report.h"
+#include "results/results.h"
 
 namespace {
 
@@ -102,6 +103,7 @@ const std::array<Control, kControlCount> kControls = {{
     picture("health_line", &kHealthPicture, "How the drive is, by its own word and by what the last run met"),
     button("history_button", "H&istory...", "Keep a line for every run, and tell what grew since the last one",
            ask_history_folder),
+    button("save_button", "Sa&ve page...", "Save verdict, graph, map, bad places and report as one page", save_page),
     tab("report_tab", "R&eport", "Show the report and the bytes to edit", &panel.report_tab, report_tab_click),
     tab("graph_tab", "Rate &graph", "Show the transfer rates over the range", &panel.graph_tab, graph_tab_click),
     tab("map_tab", "Bl&ock map", "Show the slowest transfer of each part of the range", &panel.map_tab, map_tab_click),

@@ -39,6 +39,7 @@ enum class ControlId : std::size_t {
   CmdWrite,
   health_line,
   history_button,
+  save_button,
   report_tab,
   graph_tab,
   map_tab,

@@ -1,5 +1,6 @@
 #include "app/handlers.h"
 
+#include "app/command_line.h"
 #include "app/commands.h"
 #include "app/program.h"
 #include "device/kernel32.h"
@@ -7,6 +8,7 @@
 #include "disk/progress.h"
 #include "form/asked.h"
 #include "form/form1.h"
+#include "form/outcome.h"
 #include "form/output.h"
 #include "ops/selection.h"
 #include "ops/visit.h"
@@ -45,6 +47,7 @@ void option_click(int drive) {
     form1.pending_drive = kNoDrive;
     SelectDrive();
   } else if (in_batch()) {
+    command_end.cancelled = true;
     output.ExitCode = kCancelled;  // a run is of one drive: it ends here
   } else {
     form1.pending_drive = drive;
@@ -128,11 +131,12 @@ void CmdSlowRate_Click() {
 }
 
 void CmdHelp_Click() {
-  MyUsage();
+  MyUsage("\r\n\r\n" + switch_names() + "\r\n" + exit_code_help() + "\r\n" + example_help());
 }
 
 void cmdCancel_Click() {
   form1.MyCancel = true;
+  command_end.cancelled = true;
   set_command_line_mode(false);
   form1.Text1.caret_to_end();
   output.ExitCode = kCancelled;
@@ -158,5 +162,6 @@ void window_closed() {
 
 void console_cancel() {
   form1.MyCancel = true;
+  command_end.cancelled = true;
   output.ExitCode = kCancelled;
 }

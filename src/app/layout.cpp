@@ -135,15 +135,18 @@ int place_sector_functions(Placing* placing, int y) {
 void place_panel(Placing* placing, int x, int y, int height) {
   constexpr int kTabWidth = 100;
   constexpr int kHistoryWidth = 90;
+  constexpr int kSaveWidth = 100;
   constexpr int kGap = 6;
   constexpr int kLeastHealth = 380;
-  const int history = placing->right() - kHistoryWidth;
+  const int save = placing->right() - kSaveWidth;
+  const int history = save - kGap - kHistoryWidth;
   const int beside = x + 2 * kTabWidth + 2 * kGap;
   const bool in_row = history - kGap - beside >= kLeastHealth;
   const int tabs = in_row ? y : y + kRow + kGap;
   placing->put(Id::health_line, in_row ? beside : x, y, (in_row ? history - kGap - beside : placing->right() - x),
                kRow);
   placing->put(Id::history_button, history, tabs, kHistoryWidth, kRow);
+  placing->put(Id::save_button, save, tabs, kSaveWidth, kRow);
   placing->put(Id::graph_tab, x, tabs, kTabWidth, kRow);
   placing->put(Id::map_tab, x + kTabWidth, tabs, kTabWidth, kRow);
   const int picture = tabs + kRow + kGap;
@@ -164,6 +167,7 @@ int panel_height_above(const Placing& placing, int y) {
 void place_shared(Placing* placing, int y, Id front) {
   constexpr int kTabWidth = 84;
   constexpr int kHistoryWidth = 84;
+  constexpr int kSaveWidth = 88;
   constexpr int kHeight = 22;
   constexpr int kGap = 4;
   int x = kMargin;
@@ -171,9 +175,11 @@ void place_shared(Placing* placing, int y, Id front) {
     placing->put(tab, x, y, kTabWidth, kHeight);
     x += kTabWidth;
   }
-  const int history = placing->right() - kHistoryWidth;
+  const int save = placing->right() - kSaveWidth;
+  const int history = save - kHistoryWidth;
   placing->put(Id::health_line, x + kApart, y, history - kApart - x - kApart, kHeight);
   placing->put(Id::history_button, history, y, kHistoryWidth, kHeight);
+  placing->put(Id::save_button, save, y, kSaveWidth, kHeight);
   const int below = y + kHeight + kGap;
   placing->put(front, kMargin, below, placing->right() - kMargin, placing->bottom() - below);
 }

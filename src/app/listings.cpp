@@ -2,6 +2,7 @@
 #include <string>
 
 #include "app/program.h"
+#include "device/drive_words.h"
 #include "disk/drive.h"
 #include "form/form1.h"
 #include "form/output.h"
@@ -23,14 +24,27 @@ std::string sizes_column() {
   return "\tsectors " + std::to_string(sizes.logical) + "/" + std::to_string(sizes.physical) + " bytes";
 }
 
+/// What is told of a drive that the system refused to open: there the model and the rest may be empty.
+std::string denied_row(int drive) {
+  const ToldDrive told = told_without_rights(drive).value_or(ToldDrive{});
+  return std::to_string(drive) + "\t" + told.model + "\t" + told.serial + "\t" + told.firmware + "\t" +
+         std::to_string(told.sectors) + "\t" + std::to_string(told.sectors / kSectorsPerMb) + "Mb\t" +
+         bus_name(told.bus) + "\taccess denied\r\n";
+}
+
 }  // namespace
 
 int list_drives() {
   constexpr int kFailed = 1;
   std::string list;
+  bool denied = false;
   for (int drive = 0; drive < kDriveCount; ++drive) {
     OpenDrive(drive);
-    if (!Check_drv(drive)) continue;
+    if (!Check_drv(drive)) {
+      denied = denied || disk.access_denied;
+      if (disk.access_denied) list += denied_row(drive);
+      continue;
+    }
     const Identification& id = identification;
     list += std::to_string(drive) + "\t" + id.Disk_Model + "\t" + id.Disk_Serial + "\t" + id.Disk_Firmware + "\t" +
             std::to_string(id.Drive_Sectors) + "\t" + std::to_string(id.Drive_Sectors / kSectorsPerMb) + "Mb\t" +
@@ -38,6 +52,11 @@ int list_drives() {
             sizes_column() + "\r\n";
   }
   close_drive();
+  if (denied) {
+    tell_on_stderr(
+        "Access is denied to some drives: to test them, and to learn more of them, start Sectorix as administrator, or "
+        "from an elevated prompt.");
+  }
   if (list.empty()) {
     tell_on_stderr("No drive answers.");
     return kFailed;

@@ -17,6 +17,7 @@
 #include "platform/window.h"
 #include "results/map_writer.h"
 #include "results/output_file.h"
+#include "results/results.h"
 #include "virtualdisk/virtualdisk.h"
 
 namespace {
@@ -26,6 +27,20 @@ constexpr int kRefused = 1;
 int refuse(const std::string& line) {
   tell_on_stderr(line);
   return kRefused;
+}
+
+/// A mistake opens no disk. What asked for a run is told so in the places that it named, as far as they can be trusted.
+int refuse_mistake(const std::string& line) {
+  tell_on_stderr(line);
+  if (!asked.has_op) return kRefused;
+  if (!asked.disks_known || !check_output_names().empty()) asked.json.reset();
+  asked.mode = Mode::batch;
+  form1.CommandLineMode = true;
+  form1.SelectedDrive = asked.named_drives.empty() ? kNoDrive : asked.named_drives.front();
+  output.ExitCode = kRefused;
+  output.ReportFileName = asked.vars.value_or("-");
+  tell_unstarted(program_version(), Outcome::mistake, line);
+  return exit_code();
 }
 
 /// Gives an empty text, or what is wrong with the first disk that cannot be attached.
@@ -73,7 +88,11 @@ LeftOver look_for_left_over() {
 void run_batch(bool has_window) {
   // The range is the command line's, whatever was clicked while the window came up.
   form1.RangeEdited = false;
-  if (!stopped_at_start()) run_command(asked.op);
+  if (stopped_at_start()) {
+    tell_unstarted(program_version(), Outcome::cancelled, "It was stopped before it began.");
+  } else {
+    run_command(asked.op);
+  }
   if (form1.CommandLineMode || !has_window) ExitProgram();
   asked.mode = Mode::window;
   close_report();
@@ -92,14 +111,15 @@ bool learn_drive() {
 
 int run_program() {
   const std::string mistake = parse_command_line(platform::command_line(), &asked);
-  if (!mistake.empty()) return refuse(mistake);
+  if (!mistake.empty()) return refuse_mistake(mistake);
   if (asked.mode == Mode::usage) return platform::write_out(switch_help()) == 0 ? 0 : kRefused;
+  if (asked.mode == Mode::version) return platform::write_out(version_line() + "\r\n") == 0 ? 0 : kRefused;
   std::string error = attach_virtual_disks();
   if (error.empty() && asked.mode == Mode::list) return list_drives();
   // Before there is a report: from here on Control-C ends a run with one that is whole.
   platform::watch_console(console_cancel, CmdExit_Click);
   if (error.empty()) error = open_outputs();
-  if (!error.empty()) return refuse(error);
+  if (!error.empty()) return refuse_mistake(error);
   if (!in_batch()) platform::release_lone_console();
   form1.Caption.set_text(version_line());
   const bool has_window = platform::open_window(main_window());

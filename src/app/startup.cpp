@@ -109,6 +109,7 @@ void Form_Load() {
     show_option(0);
     SelectDrive();
   }
+  resolve_percentages();
   if (!in_batch() && (asked.start_lba != 0 || asked.count != 0)) {
     // From here on the fields alone say what is read and written. A run with /OP fills them when it begins.
     show_range_of_command_line();

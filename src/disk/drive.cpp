@@ -38,10 +38,6 @@ void report_open_failure(int n, const std::string& path, std::uint32_t code) {
   ShowMessage("Handle for " + path + " not obtained!");
   PrintReport("Disk " + std::to_string(n) + " Err=" + std::to_string(code) + "  Desc=" + open_error_text(code) +
               " Source=Sectorix");
-  if (code == platform::kAccessDenied && !output.access_denied_told) {
-    output.access_denied_told = true;
-    tell_on_stderr("Access is denied: run as administrator.");
-  }
 }
 
 }  // namespace
@@ -60,7 +56,14 @@ void OpenDrive(int n) {
   const std::string path = "\\\\.\\PhysicalDrive" + std::to_string(n);
   disk.hDrive = kernel32::CreateFileA(path.c_str(), platform::kGenericRead | platform::kGenericWrite,
                                       platform::kShareRead | platform::kShareWrite, platform::kOpenExisting, 0);
-  if (disk.hDrive == kernel32::kInvalidHandle) report_open_failure(n, path, kernel32::GetLastError());
+  const std::uint32_t code = disk.hDrive == kernel32::kInvalidHandle ? kernel32::GetLastError() : 0;
+  disk.access_denied = code == platform::kAccessDenied;
+  if (code != 0) report_open_failure(n, path, code);
+}
+
+std::string access_denied_text(int n) {
+  return "Drive " + std::to_string(n) +
+         ": Access is denied. Start Sectorix as administrator, or from an elevated prompt.";
 }
 
 void GetandOpenDrive() {

@@ -25,6 +25,7 @@ struct Disk {
   SectorBuffer Sec_Buf;
   std::int64_t Buf_LBA = 0;       // first LBA of the last transfer asked for
   std::int64_t Buf_Secs = 0;      // sectors that the last transfer moved; 0 after a failed read
+  bool access_denied = false;     // the system refused to open the drive: there is one, for somebody with more rights
   std::uint32_t Errno = 0;        // system error code of the last transfer
   bool given_up = false;          // the last transfer was a read that the user gave up: nothing is wrong with the disk
   std::uint32_t flush_errno = 0;  // of the flush behind the last write
@@ -54,6 +55,9 @@ void remake_buffer(std::int64_t bytes, std::int64_t lba);
 /// Opens drive `n` (0 to 7) for reading and writing in place of the one before; disk.hDrive is invalid on failure,
 /// which is told through ShowMessage and in the report. Its sectors count as having 512 bytes until it is identified.
 void OpenDrive(int n);
+
+/// Says of drive `n`, which the system refused to open, what is to be done.
+std::string access_denied_text(int n);
 
 /// Opens the selected drive.
 void GetandOpenDrive();

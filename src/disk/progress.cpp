@@ -90,6 +90,10 @@ void set_slow_rate(const std::string& answer) {
   progress.AutoSlowRate = upper_case(answer).find("AUTO") != std::string::npos;
   const double limit = progress.AutoSlowRate ? kDefaultSlowRate : leading_number(answer);
   if (limit != 0.0) progress.SlowRate = limit;
+  if (limit == 0.0) {
+    form1.TxtStatus.set_text("Slow limit: \"" + answer + "\" is neither a number of MB/s nor AUTO; it stays at " +
+                             double_text(progress.SlowRate) + " MB/s.");
+  }
 }
 
 void ask_slow_rate() {

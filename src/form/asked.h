@@ -14,13 +14,15 @@ enum class Mode : std::uint8_t {
   command_line,  // a window opened with "/D:": nothing asks before it writes
   batch,         // /OP: one command, no boxes, the process ends with its exit code
   list,          // /LIST
-  usage          // /?
+  usage,         // /?
+  version        // /VERSION
 };
 
 /// What the command line asked for. Values not given stay empty or 0.
 struct Asked {
   Mode mode = Mode::window;
   std::string op;          // of /OP: the command's name in the table of commands
+  bool has_op = false;     // /OP was given, whatever it names
   bool writes = false;     // that command writes to the disk
   bool has_range = false;  // and works on a range of it
   /// "/D:n" stands in the text beside our switches, in rising order; with /OP exactly one.
@@ -29,8 +31,11 @@ struct Asked {
   bool quiet = false;
   std::string command_line;                            // as it came
   std::array<std::string, kDriveCount> virtual_disks;  // file to attach as drive n
+  bool disks_known = true;                             // none of them was given in a way that says nothing
   std::int64_t start_lba = 0;                          // remembered start LBA; 0 for none
-  std::int64_t count = 0;              // remembered sector count, per visit in a random test; 0 for none
+  std::int64_t count = 0;               // remembered sector count, per visit in a random test; 0 for none
+  std::optional<double> start_percent;  // of the disk, in place of them until it is identified
+  std::optional<double> count_percent;
   std::int32_t passes = 0;             // of a random test; 0 for the default
   std::optional<std::string> slow;     // "AUTO" or MB/s
   std::optional<std::string> pattern;  // hex
@@ -40,6 +45,7 @@ struct Asked {
   std::optional<std::string> history;  // folder of the drives' histories
   std::optional<int> max_celsius;      // at which a run pauses
   bool exit_by_verdict = false;
+  bool exit_by_bits = false;
   std::optional<bool> pinpoint;  // whether bad sectors are looked for behind a read; not given: in a window alone
   int pinpoint_seconds = 300;    // for how long at most,
   std::int64_t pinpoint_errors = 1000;  // and until how many reads have failed
@@ -49,6 +55,7 @@ struct Asked {
   std::optional<std::string> csv;
   std::optional<std::string> json;
   std::optional<std::string> graph;
+  std::optional<std::string> html;
   std::optional<std::string> badlist;
   std::optional<std::string> map;
   std::optional<std::string> resume;

@@ -1,10 +1,12 @@
 #include "form/output.h"
 
 #include <limits>
+#include <utility>
 
 #include "device/kernel32.h"
 #include "form/asked.h"
 #include "form/form1.h"
+#include "form/outcome.h"
 #include "form/progress_line.h"
 #include "platform/console.h"
 
@@ -32,6 +34,7 @@ void write_report(std::string_view text) {
   const std::uint32_t code = standard ? write_standard(text) : write_all(output.report_handle, text);
   if (code == 0 || output.report_failure_told) return;
   output.report_failure_told = true;
+  command_end.results_lost = true;
   tell_on_stderr("The report cannot be written: error " + std::to_string(code) + ". The run goes on.");
 }
 
@@ -131,6 +134,7 @@ bool AppendReportVars(std::string_view text) {
   if (name.empty()) return false;
   const std::uint32_t code = name == "-" ? write_standard(lines) : append_to_file(name, lines);
   if (code != 0) {
+    command_end.results_lost = true;
     tell_on_stderr("The variables cannot be written to \"" + name + "\": error " + std::to_string(code) + ".");
   }
   return code == 0;
@@ -174,21 +178,24 @@ void add_to_exit_code(std::int64_t count) {
 }
 
 std::int32_t exit_code() {
-  return output.verdict_code != 0 ? output.verdict_code : output.ExitCode;
+  if (command_end.results_lost && in_batch() && !asked.exit_by_bits) return kResultsLost;
+  return output.asked_code.value_or(output.ExitCode);
 }
 
 void ExitProgram() {
+  if (auto* const tell = std::exchange(output.before_exit, nullptr)) tell();
   constexpr std::uint32_t kNoCode = 0;
   kernel32::ExitProcess(output.InDevelopmentEnvironment ? kNoCode : static_cast<std::uint32_t>(exit_code()));
 }
 
-void MyUsage() {
+void MyUsage(const std::string& more) {
   tell_user(
-      "Usage: Sectorix {/D:n}  where n is the initial disk drive number\r\n"
-      "PLEASE NOTE: Must be run with Administrator privileges.\r\n"
-      "If you get a 'Write error' when writing to a removable disk, try 'Ejecting' the drive first.\r\n"
-      "Reported variables:\r\n"
-      "QV_S_xxx = SMART statistics\r\n"
-      "QV_D_xxx = Disk statistics\r\n"
-      "QV_E_xxx = Event log statistics.");
+      std::string("Usage: Sectorix {/D:n}  where n is the initial disk drive number\r\n"
+                  "PLEASE NOTE: Must be run with Administrator privileges.\r\n"
+                  "If you get a 'Write error' when writing to a removable disk, try 'Ejecting' the drive first.\r\n"
+                  "Reported variables:\r\n"
+                  "QV_S_xxx = SMART statistics\r\n"
+                  "QV_D_xxx = Disk statistics\r\n"
+                  "QV_E_xxx = Event log statistics.") +
+      more);
 }

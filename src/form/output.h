@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,17 +11,17 @@
 struct Output {
   bool MessagesEnabled =
       false;  // nothing sets it: messages passed to ShowMessage are dropped, so that none blocks a batch run
-  std::int16_t ReportFileNumber = 0;      // 1 while a report is open
-  std::string ReportFileName;             // file to which report variables are appended; "-" is standard output
-  std::int16_t ExitCode = 0;              // what the process ends with, unless
-  std::int32_t verdict_code = 0;          // this is not 0: the verdict's, where it was asked for
-  std::int64_t report_handle = -1;        // the open report; -1 while it goes to standard output
-  bool InDevelopmentEnvironment = false;  // true ends the process without an exit code
-  bool report_held = false;               // lines wait in held_lines and held_errors
-  std::string held_lines;                 // of the report
-  std::string held_errors;                // of standard error
+  std::int16_t ReportFileNumber = 0;       // 1 while a report is open
+  std::string ReportFileName;              // file to which report variables are appended; "-" is standard output
+  std::int16_t ExitCode = 0;               // what the process ends with, unless
+  std::optional<std::int32_t> asked_code;  // this is given: of the kind that /EXIT asks for
+  std::int64_t report_handle = -1;         // the open report; -1 while it goes to standard output
+  bool InDevelopmentEnvironment = false;   // true ends the process without an exit code
+  bool report_held = false;                // lines wait in held_lines and held_errors
+  std::string held_lines;                  // of the report
+  std::string held_errors;                 // of standard error
   bool report_failure_told = false;
-  bool access_denied_told = false;
+  void (*before_exit)() = nullptr;  // what a command that ends the program has still to tell
 };
 
 inline Output output;
@@ -74,14 +75,18 @@ std::string ask_line(const std::string& prompt, const std::string& title, const 
 /// Adds `count` to the exit code as a signed 16-bit number; a sum out of range leaves the code as it is.
 void add_to_exit_code(std::int64_t count);
 
+/// What a run of /OP ends with that could not write one of its results, whatever else it found.
+inline constexpr std::int32_t kResultsLost = 100'010;
+
 /// What the process ends with.
 std::int32_t exit_code();
 
 /// Appends `lines` to the file `name`, made where there is none; all of them or none. Gives 0, or the system's code.
 std::uint32_t append_to_file(const std::string& name, std::string_view lines);
 
-/// Ends the process with the exit code, widened with its sign to 32 bits. Never returns.
+/// Ends the process with the exit code, widened with its sign to 32 bits; what output.before_exit names comes first.
+/// Never returns.
 [[noreturn]] void ExitProgram();
 
-/// Shows what the command line takes, in a box.
-void MyUsage();
+/// Shows what the command line takes, in a box, with `more` below it.
+void MyUsage(const std::string& more);

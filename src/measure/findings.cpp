@@ -18,6 +18,10 @@ const char* grade_name(Grade grade) {
   return "NO DATA";
 }
 
+bool is_bad(Grade grade) {
+  return grade == Grade::failing || grade == Grade::worse || grade == Grade::doubtful;
+}
+
 std::string why(const Verdict& verdict) {
   std::string text;
   for (const std::string& fact : verdict.facts) text += (text.empty() ? "" : "; ") + fact;

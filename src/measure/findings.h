@@ -22,6 +22,9 @@ struct Verdict {
   std::vector<std::string> facts{};  // that decided, the gravest first; ASCII, without what a batch file minds
 };
 
+/// True for DOUBTFUL and what is worse.
+bool is_bad(Grade grade);
+
 /// The facts in one line, separated by "; ".
 std::string why(const Verdict& verdict);
 

@@ -44,7 +44,10 @@ void begin_drive_health() {
 
 void end_drive_health() {
   if (!drive_health.before) {
-    run_findings = {.drive = form1.SelectedDrive, .judged = true, .verdict = {.facts = {"the drive was not found"}}};
+    run_findings = {
+        .drive = form1.SelectedDrive,
+        .judged = true,
+        .verdict = {.facts = {disk.access_denied ? "access to the drive is denied" : "the drive was not found"}}};
     return;
   }
   drive_health.after = ask_health(form1.SelectedDrive);

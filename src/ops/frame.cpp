@@ -11,6 +11,7 @@
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
+#include "form/outcome.h"
 #include "form/output.h"
 #include "ops/drive_health.h"
 #include "ops/range_end.h"
@@ -30,6 +31,7 @@ namespace {
 /// Ends a run with /OP that may not work on its drive, or not there.
 void refuse_run(const std::string& why) {
   tell_on_stderr(why);
+  end_before_transfers(Outcome::refused, why);
   output.ExitCode = 1;
   close_drive();
   ExitProgram();
@@ -56,7 +58,9 @@ void check_drive_of_run() {
 }
 
 void refuse_missing_drive() {
-  const std::string text = "Drive " + std::to_string(form1.SelectedDrive) + " does not exist!";
+  const std::string text = disk.access_denied ? access_denied_text(form1.SelectedDrive)
+                                              : "Drive " + std::to_string(form1.SelectedDrive) + " does not exist!";
+  end_before_transfers(disk.access_denied ? Outcome::refused : Outcome::missing, text);
   PrintReport(text);
   if (in_batch()) tell_on_stderr(text);
   form1.TxtStatus.set_text(text);
@@ -73,6 +77,7 @@ bool open_for_operation() {
   GetandOpenDrive();
   const bool found = Check_drv(form1.SelectedDrive);
   if (found) {
+    resolve_percentages();
     check_drive_of_run();
   } else {
     refuse_missing_drive();

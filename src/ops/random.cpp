@@ -12,6 +12,7 @@
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
+#include "form/outcome.h"
 #include "form/output.h"
 #include "ops/frame.h"
 #include "ops/operations.h"
@@ -46,8 +47,10 @@ bool choose_test() {
   random_test = {};
   if (!choose_random_parameters(&random_test.passes, &counters.No_Secs)) return false;
   if (identification.Drive_Sectors > counters.No_Secs) return true;
-  report_and_show("The disk has " + std::to_string(identification.Drive_Sectors) + " sectors, a visit " +
-                  std::to_string(counters.No_Secs) + ": nothing was done.\r\n");
+  const std::string line = "The disk has " + std::to_string(identification.Drive_Sectors) + " sectors, a visit " +
+                           std::to_string(counters.No_Secs) + ": nothing was done.";
+  report_and_show(line + "\r\n");
+  end_before_transfers(Outcome::refused, line);
   if (in_batch()) output.ExitCode = kNothingDone;
   return false;
 }

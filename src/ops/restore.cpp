@@ -12,6 +12,7 @@
 #include "disk/transfer.h"
 #include "form/asked.h"
 #include "form/form1.h"
+#include "form/outcome.h"
 #include "form/output.h"
 #include "journal/journal.h"
 #include "journal/places.h"
@@ -173,6 +174,7 @@ void look_at(const LeftJournal& left, LeftOver* over) {
 std::nullopt_t nothing_done(const std::string& line, std::int16_t exit_code) {
   report_line(line);
   if (exit_code != 0) tell_user(line);
+  if (exit_code != 0) end_before_transfers(Outcome::refused, line);
   if (in_batch()) output.ExitCode = exit_code;
   return std::nullopt;
 }
@@ -266,6 +268,7 @@ void report_restore() {
     report_end(contents + "were given back and read again. " + deleted(restore_run.file) + "\r\n");
     return;
   }
+  command_end.not_given_back = true;
   report_end(contents + restore_run.problem + " The journal \"" + restore_run.file + "\" stays.\r\n");
   if (counters.TotalErrors == 0) add_to_exit_code(1);
 }

@@ -113,6 +113,7 @@ std::optional<std::int64_t> ReadSearchSectors(const Search& search, std::int64_t
 
 bool ask_search_string() {
   search_run = {.text = search_string()};
+  if (search_run.text.empty()) form1.TxtStatus.set_text("Nothing to search for was given: the disk was not searched.");
   return !search_run.text.empty();
 }
 

@@ -27,7 +27,7 @@ void select_drive_keeping_text() {
     form1.TxtStatus.set_text(drive + "  - " + identification.Disk_Model + "  " +
                              std::to_string(sectors / kSectorsPerMb) + "Mb" + sector_sizes_text());
   } else {
-    form1.TxtStatus.set_text(drive + " not found!");
+    form1.TxtStatus.set_text(disk.access_denied ? access_denied_text(form1.SelectedDrive) : drive + " not found!");
   }
   form1.LblStart.set_text("Start (0-" + std::to_string(sectors - 1) + ")");
 }
@@ -47,6 +47,16 @@ std::int64_t take_range() {
   counters.No_Secs = std::max<std::int64_t>(number_in(form1.TxtNoSecs.text()), 1);
   form1.TxtNoSecs.set_text(std::to_string(counters.No_Secs));
   return start;
+}
+
+void resolve_percentages() {
+  const auto part = [](double percent) {
+    constexpr double kAll = 100.0;
+    const double sectors = static_cast<double>(identification.Drive_Sectors) * (percent / kAll);
+    return percent == kAll ? identification.Drive_Sectors : whole_below(static_cast<std::int64_t>(sectors));
+  };
+  if (asked.start_percent) asked.start_lba = part(*asked.start_percent);
+  if (asked.count_percent) asked.count = std::max(part(*asked.count_percent), sectors_per_logical());
 }
 
 void show_range_of_command_line() {

@@ -19,6 +19,9 @@ void show_option(int drive);
 /// first LBA.
 std::int64_t take_range();
 
+/// Turns the percentages that the command line gave into sectors of the identified drive, cut to whole logical ones.
+void resolve_percentages();
+
 /// Puts the range that the command line gave, in sectors, into the fields. A start alone means: from there to the end
 /// of the disk, one sector where that lies before it.
 void show_range_of_command_line();

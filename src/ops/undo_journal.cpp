@@ -5,6 +5,7 @@
 #include "disk/whole_sectors.h"
 #include "form/asked.h"
 #include "form/form1.h"
+#include "form/outcome.h"
 #include "form/output.h"
 #include "journal/journal.h"
 #include "journal/places.h"
@@ -45,6 +46,7 @@ bool refuse(const std::string& reason) {
   const std::string line = reason + " Nothing was done.";
   report_line(line);
   tell_user(line);
+  end_before_transfers(Outcome::refused, line);
   if (in_batch()) output.ExitCode = kNothingDone;
   return false;
 }

@@ -8,6 +8,7 @@
 #include "disk/transfer.h"
 #include "form/asked.h"
 #include "form/form1.h"
+#include "form/outcome.h"
 #include "form/output.h"
 #include "journal/journal.h"
 #include "measure/measure.h"
@@ -123,6 +124,7 @@ void Visit::give_back() {
             where_they_are();
   }
   visits.lost.push_back(line);
+  command_end.not_given_back = command_end.not_given_back || written;
   visits.uncounted = visits.uncounted || written;
   visits.ended = true;
   tell_now(line);

@@ -9,6 +9,7 @@
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
+#include "form/outcome.h"
 #include "form/output.h"
 #include "platform/window.h"
 #include "smart/identification.h"
@@ -193,6 +194,7 @@ bool still_the_drive() {
   if (reason.empty()) return true;
   report_line(reason);
   tell_user(reason);
+  end_before_transfers(Outcome::refused, reason);
   return false;
 }
 
@@ -209,6 +211,7 @@ bool hold_drive() {
             : "Nothing was done, since other programs cannot be kept from " + drive + coded_error_text(code);
   PrintReport(line);
   tell_user(line);
+  end_before_transfers(Outcome::refused, line);
   output.ExitCode = 1;
   return false;
 }

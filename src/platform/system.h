@@ -108,6 +108,9 @@ std::string volume_device(const std::string& path);
 /// The folder of the user's local application data; empty when the system names none.
 std::string local_data_folder();
 
+/// The folder of the user's documents; empty where the system does not tell.
+std::string documents_folder();
+
 /// Makes the folder `name` in an existing one; nothing where there is one.
 void make_folder(const std::string& name);
 

@@ -21,12 +21,13 @@ struct OutputName {
   bool replaced;  // written under a temporary name
 };
 
-const std::array<OutputName, 7>& outputs() {
-  static const std::array<OutputName, 7> names = {{{"/REPORT", &asked.report, false},
+const std::array<OutputName, 8>& outputs() {
+  static const std::array<OutputName, 8> names = {{{"/REPORT", &asked.report, false},
                                                    {"/VARS", &asked.vars, false},
                                                    {"/CSV", &asked.csv, true},
                                                    {"/JSON", &asked.json, true},
                                                    {"/GRAPH", &asked.graph, true},
+                                                   {"/HTML", &asked.html, true},
                                                    {"/BADLIST", &asked.badlist, true},
                                                    {"/MAP", &asked.map, true}}};
   return names;
@@ -80,7 +81,7 @@ std::string check(const OutputName& output, const std::string& path) {
   std::string problem = why_no_file(name);
   if (!problem.empty()) return shown + problem;
   if (is_virtual_disk(path)) return shown + "is a virtual disk of this run.";
-  if (asked.writes && lies_on_drive(path, asked.named_drives.front()) != OnDrive::no)
+  if (asked.writes && !asked.named_drives.empty() && lies_on_drive(path, asked.named_drives.front()) != OnDrive::no)
     return shown + "lies on the disk under test.";
   if (const std::uint32_t code = why_not_writable(name)) {
     return shown + "is a folder or cannot be written: " + coded_error_text(code);
@@ -98,6 +99,11 @@ std::string why_no_file(const std::string& name) {
   if (platform::names_device(name)) return "is a device.";
   if (name.empty() || std::string_view("/\\:").find(name.back()) != std::string_view::npos) return "is a folder.";
   return {};
+}
+
+std::string why_no_result_file(const std::string& name) {
+  const std::optional<std::string> file = name;
+  return check({"The page", &file, true}, same_file(name));
 }
 
 std::string check_output_names() {

@@ -8,6 +8,7 @@
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
+#include "form/outcome.h"
 #include "form/output.h"
 #include "health/numbers.h"
 #include "journal/places.h"
@@ -151,7 +152,10 @@ void keep_history(bool writes) {
   }
   const HistoryLine line = line_of_run();
   const std::optional<HistoryLine> last = add_to_history(*asked.history, line, &problem);
-  if (!problem.empty()) tell_and_show(problem);
+  if (!problem.empty()) {
+    command_end.results_lost = true;
+    tell_and_show(problem);
+  }
   if (last) run_findings.grown_since = grown_since(*last, line);
 }
 
@@ -174,17 +178,13 @@ std::int32_t code_of(Grade grade) {
   return 100'006;
 }
 
-bool is_bad(Grade grade) {
-  return grade == Grade::failing || grade == Grade::worse || grade == Grade::doubtful;
-}
-
 /// The verdict's code, but not over a run that did not come to its end, or whose failures the verdict does not tell of.
 void set_exit_code() {
   if (!asked.exit_by_verdict || form1.MyCancel || identification.Drive_Sectors == 0) return;
   const bool refused = !measured_something() && output.ExitCode != 0;
   const bool failed = counters.TotalErrors + counters.TotalCErrors > 0;
   if (refused || (failed && !is_bad(run_findings.verdict.grade))) return;
-  output.verdict_code = code_of(run_findings.verdict.grade);
+  output.asked_code = code_of(run_findings.verdict.grade);
 }
 
 }  // namespace

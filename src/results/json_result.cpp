@@ -211,5 +211,7 @@ std::string json_result(const Result& result, const Measure& measured) {
   put_verify(result, &json);
   put_events(result.events, &json);
   json.number("exit_code", result.exit_code);
+  json.text("outcome", result.outcome);
+  json.text("reason", result.reason);
   return json.finish();
 }

@@ -42,5 +42,8 @@ std::string write_whole_file(const std::string& name, std::string_view text, Rea
 /// twice, and in a run that writes a file on the disk under test.
 std::string check_output_names();
 
+/// Gives an empty text, or why the page cannot be written to the file that the user named.
+std::string why_no_result_file(const std::string& name);
+
 /// What is wrong with the name alone: a device's, or a folder's; empty when nothing is.
 std::string why_no_file(const std::string& name);

@@ -40,6 +40,10 @@ struct Result {
   RunFindings findings;
   VerifyRun verify;
   std::int32_t exit_code = 0;
+  std::string outcome;    // in one word
+  std::string reason;     // why it ended before its first transfer
+  bool measured = false;  // an operation was begun: graph and map are of it
+  std::string report;     // as it stands in Text1
 };
 
 /// The whole result as one JSON document. docs/results.md tells its members.
@@ -64,6 +68,9 @@ void put_verify(const Result& result, JsonText* json);
 /// band of lowest to highest, random tests as points, the slow limit dashed, slow transfers as triangles and errors as
 /// crosses. Resting the pointer on a place tells its LBAs, MB/s and milliseconds, on a mark its bad ranges too.
 std::string svg_graph(const Result& result, const Measure& measured);
+
+/// Verdict, identity, run, graph, map, bad places and the report on one page that needs nothing else.
+std::string html_page(const Result& result, const Measure& measured);
 
 /// `text` (ANSI) in UTF-8, as it may stand in SVG text and in quoted attributes.
 std::string svg_text(std::string_view text);

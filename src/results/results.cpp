@@ -5,15 +5,22 @@
 #include "form/asked.h"
 #include "form/form1.h"
 #include "form/output.h"
+#include "journal/places.h"
 #include "measure/measure.h"
 #include "ops/drive_health.h"
 #include "ops/frame.h"
 #include "ops/pinpoint.h"
+#include "platform/system.h"
 #include "results/csv_rows.h"
+#include "results/json_text.h"
 #include "results/map_writer.h"
+#include "results/output_file.h"
 #include "results/result.h"
+#include "results/run_result.h"
 
 namespace {
+
+constexpr std::size_t kMinutes = 16;  // 2026-03-02T10:00
 
 Result collect() {
   Result result;
@@ -38,13 +45,61 @@ Result collect() {
   result.health_before = drive_health.before;
   result.health_after = drive_health.after;
   result.findings = run_findings;
+  result.measured = framed;
+  result.report = form1.Text1.text();
   result.verify = verify_run;
-  result.exit_code = exit_code();
   return result;
 }
 
 void tell_failure(const std::string& error) {
-  if (!error.empty()) tell_and_show(error);
+  if (error.empty()) return;
+  command_end.results_lost = true;
+  tell_and_show(error);
+}
+
+/// The outcome and the exit code as they stand now: a file that is written before this one may have failed.
+void judge_end(Result* result) {
+  result->outcome = outcome_name(outcome_of(*result));
+  result->reason = command_end.reason;
+  if (asked.exit_by_bits) output.asked_code = exit_bits(*result);
+  result->exit_code = exit_code();
+}
+
+void write_page(Result* result) {
+  judge_end(result);
+  if (asked.html) tell_failure(write_whole_file(*asked.html, html_page(*result, measure)));
+}
+
+void write_json(Result* result) {
+  judge_end(result);
+  if (asked.json) tell_failure(write_whole_file(*asked.json, json_result(*result, measure)));
+}
+
+void tell_outcome(Result* result) {
+  judge_end(result);
+  const std::string variable = "SET QV_RESULT=" + result->outcome + "\r\n";
+  AppendReportVars(variable);
+  form1.Text1.append("\r\n" + variable);
+  judge_end(result);
+}
+
+/// In the user's documents, named by the drive and the minute in which the run began.
+std::string proposed_page(const Result& result) {
+  const std::string serial =
+      result.disk.Disk_Serial.empty() ? "drive" + std::to_string(result.drive) : in_file_name(result.disk.Disk_Serial);
+  std::string when = json_time(result.start_local).substr(0, kMinutes);
+  std::erase(when, ':');
+  const std::string folder = platform::documents_folder();
+  return (folder.empty() ? folder : with_separator(folder)) + "sectorix-" + serial + "-" + when + ".html";
+}
+
+bool is_there(const std::string& name) {
+  constexpr std::uint32_t kNoAccess = 0;
+  const kernel32::Handle file =
+      kernel32::CreateFileA(name.c_str(), kNoAccess, platform::kShareRead, platform::kOpenExisting, 0);
+  if (file == kernel32::kInvalidHandle) return false;
+  kernel32::CloseHandle(file);
+  return true;
 }
 
 void tell_nobody() {
@@ -53,8 +108,9 @@ void tell_nobody() {
   end_map();
 }
 
-void close_results(const Result& result) {
+void close_results(Result result) {
   results.open = false;
+  output.before_exit = nullptr;
   tell_nobody();
   // A batch gets its files even where nothing was to be transferred.
   if (!measured_something() && !in_batch()) {
@@ -62,10 +118,24 @@ void close_results(const Result& result) {
     return;
   }
   if (asked.csv) tell_failure(finish_csv());
-  if (asked.json) tell_failure(write_whole_file(*asked.json, json_result(result, measure)));
   if (asked.map) tell_failure(write_map());
   if (asked.badlist) tell_failure(write_whole_file(*asked.badlist, bad_list(result.findings.bad)));
   if (asked.graph) tell_failure(write_whole_file(*asked.graph, svg_graph(result, measure)));
+  write_page(&result);
+  write_json(&result);
+  tell_outcome(&result);
+  result.report = form1.Text1.text();
+  if (result.measured) results.last = std::move(result);
+}
+
+/// The program ends before the command's first transfer: of all files one tells why.
+void close_unstarted() {
+  results.open = false;
+  tell_nobody();
+  abandon_csv();
+  Result result = collect();
+  write_json(&result);
+  tell_outcome(&result);
 }
 
 }  // namespace
@@ -74,13 +144,27 @@ bool measured_something() {
   return measure.runs != results.runs_before;
 }
 
-void begin_results(const std::string& version, const std::string& unmeasured_name) {
+namespace {
+
+void open_results(const std::string& version, const std::string& unmeasured_name) {
   results = {.version = version,
              .unmeasured_name = unmeasured_name,
              .runs_before = measure.runs,
              .command_local = platform::local_time(),
              .command_utc = platform::utc_time(),
-             .open = true};
+             .open = true,
+             .last = std::move(results.last)};
+  command_end = {.before_transfers = {},
+                 .reason = {},
+                 .results_lost = in_batch() && command_end.results_lost};  // of a report that is cut short already
+  output.asked_code.reset();
+}
+
+}  // namespace
+
+void begin_results(const std::string& version, const std::string& unmeasured_name) {
+  open_results(version, unmeasured_name);
+  if (in_batch()) output.before_exit = close_unstarted;
   begin_map();
   if (asked.map) measure.on_transfer = note_in_map;
   if (!asked.csv) return;
@@ -96,7 +180,31 @@ void finish_results() {
   close_results(collect());
 }
 
+void tell_unstarted(const std::string& version, Outcome outcome, const std::string& reason) {
+  open_results(version, "none");
+  end_before_transfers(outcome, reason);
+  close_unstarted();
+}
+
+void save_page() {
+  if (!results.last) {
+    tell_user("There is no result to save yet: run a command first.");
+    return;
+  }
+  const std::string name =
+      ask_line("File for one page with the verdict, the graph, the map, bad places and the report.",
+               "SAVE THE RESULT AS A PAGE", proposed_page(*results.last));
+  if (name.empty()) return;
+  std::string problem = why_no_result_file(name);
+  if (problem.empty() && is_there(name) && !ask_user("\"" + name + "\" is there already. Replace it?", "REPLACE?"))
+    return;
+  if (problem.empty()) problem = write_whole_file(name, html_page(*results.last, measure));
+  if (!problem.empty()) tell_user(problem);
+  form1.TxtStatus.set_text(problem.empty() ? "Saved as " + name : "The page was not saved.");
+}
+
 void leave_results() {
+  command_end.cancelled = true;
   if (!results.open || !measured_something()) {
     tell_nobody();
     abandon_csv();

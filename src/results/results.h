@@ -1,18 +1,22 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
+#include "form/outcome.h"
 #include "platform/clock.h"
+#include "results/result.h"
 
-/// The result files of /CSV, /JSON and /GRAPH: written at the end of every operation, each time anew.
+/// The result files, /CSV to /HTML: written at the end of every operation, each time anew.
 struct Results {
   std::string version;
   std::string unmeasured_name;
   std::uint64_t runs_before = 0;  // measure.runs when the command began
   platform::DateTime command_local;
   platform::DateTime command_utc;
-  bool open = false;  // a command runs whose files are still to be written
+  bool open = false;             // a command runs whose files are still to be written
+  std::optional<Result> last{};  // of the last operation that ended
 };
 
 inline Results results;
@@ -27,8 +31,15 @@ bool measured_something();
 /// What runs, or the last run, in the words of the result files: "read", "smart".
 std::string operation_name();
 
-/// A command has ended: the files are written if it was an operation. A failure is told, and stops nothing.
+/// A command has ended: the files are written if it was an operation, and its outcome is told. A failure is told, and
+/// stops nothing; a run of /OP ends with its own exit code then.
 void finish_results();
+
+/// A run of /OP has ended before its command began. Its outcome is told, and its JSON document written.
+void tell_unstarted(const std::string& version, Outcome outcome, const std::string& reason);
+
+/// Asks for a file and writes the page of the last operation into it.
+void save_page();
 
 /// The program ends, perhaps in the middle of a command: the files get what was measured so far, as a cancelled run's.
 /// No SMART data and no events of its end are among it.

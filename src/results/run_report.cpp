@@ -7,11 +7,13 @@
 #include "disk/error_text.h"
 #include "form/form1.h"
 #include "form/number_text.h"
+#include "form/outcome.h"
 #include "form/output.h"
 #include "measure/findings.h"
 #include "measure/measure.h"
 #include "measure/run_map.h"
 #include "results/results.h"
+#include "smart/identification.h"
 
 namespace {
 
@@ -29,6 +31,9 @@ std::string not_done_text() {
 }
 
 std::string end_line() {
+  if (identification.Drive_Sectors == 0) {
+    return command_end.reason.empty() ? std::string() : command_end.reason + " No transfer could succeed.";
+  }
   const std::string place =
       is_random(measure.plan.kind) ? std::string() : " at LBA " + std::to_string(measure.next_lba);
   if (!early_end.why.empty()) return "STOPPED" + place + ", " + not_done_text() + ": " + early_end.why;

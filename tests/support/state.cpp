@@ -12,6 +12,7 @@
 #include "eventlog/event_log.h"
 #include "form/asked.h"
 #include "form/form1.h"
+#include "form/outcome.h"
 #include "form/output.h"
 #include "form/progress_line.h"
 #include "journal/journal.h"
@@ -37,6 +38,7 @@
 
 void reset_program() {
   asked = {};
+  command_end = {};
   comparison = {};
   counters = {};
   csv_rows = {};

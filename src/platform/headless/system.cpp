@@ -242,6 +242,11 @@ std::string local_data_folder() {
   return folder == nullptr ? std::string() : folder;
 }
 
+std::string documents_folder() {
+  const char* const folder = std::getenv("HOME");
+  return folder == nullptr ? std::string() : folder;
+}
+
 void make_folder(const std::string& name) {
   std::error_code ignored;
   std::filesystem::create_directory(name, ignored);

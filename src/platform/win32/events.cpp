@@ -139,8 +139,8 @@ void show_share_when_due(double now) {
   show_on_taskbar(share);
 }
 
-/// Enter and Esc in the main window: Enter presses the button that has the focus, and neither does more. True when the
-/// message is used up.
+/// Enter and Esc in the main window: Enter presses the button that has the focus, Esc cancels the command that runs.
+/// True when the message is used up.
 bool took_enter_or_escape(const MSG& message) {
   if (message.message != WM_KEYDOWN || (message.wParam != VK_RETURN && message.wParam != VK_ESCAPE)) return false;
   for (std::size_t row = 0; row < main_window.controls.size(); ++row) {
@@ -148,7 +148,9 @@ bool took_enter_or_escape(const MSG& message) {
     const platform::ControlKind kind = main_window.table.controls[row].kind;
     if (message.wParam == VK_RETURN && kind == platform::ControlKind::memo) return false;
     constexpr LPARAM kHeldDown = 1 << 30;
-    if (message.wParam == VK_RETURN && kind == platform::ControlKind::button && (message.lParam & kHeldDown) == 0) {
+    const bool pressed = (message.lParam & kHeldDown) == 0;
+    if (message.wParam == VK_ESCAPE && main_window.busy && pressed) control_clicked(main_window.table.cancel);
+    if (message.wParam == VK_RETURN && kind == platform::ControlKind::button && pressed) {
       control_clicked(row);
     }
     return true;

@@ -4,6 +4,9 @@
 #include "platform/system.h"
 #include "platform/win32/win_api.h"
 
+// Behind the system's other headers, which it needs.
+#include <shlobj.h>
+
 namespace platform {
 
 std::string system_folder() {
@@ -29,6 +32,12 @@ std::string local_data_folder() {
   std::array<char, MAX_PATH> folder{};
   const DWORD length = ::GetEnvironmentVariableA("LOCALAPPDATA", folder.data(), static_cast<DWORD>(folder.size()));
   return length < folder.size() ? std::string(folder.data(), length) : std::string();
+}
+
+std::string documents_folder() {
+  std::array<char, MAX_PATH> folder{};
+  const HRESULT found = ::SHGetFolderPathA(nullptr, CSIDL_PERSONAL, nullptr, SHGFP_TYPE_CURRENT, folder.data());
+  return found == S_OK ? std::string(folder.data()) : std::string();
 }
 
 void make_folder(const std::string& name) {

@@ -150,7 +150,7 @@ TEST_F(HealthRun, TheJsonFileHasBothSnapshotsWithEveryByte) {
   run("sectors 40000\nbus nvme hidden\n", "/JSON:" + path("r.json"));
   EXPECT_THAT(read_file(path("r.json")), HasSubstr("\"answered\": false")) << "no SMART is not no attributes";
   start(disk_switch(0, kDying) + "/D:0 /OP:SMART /EXIT:VERDICT /JSON:" + path("r.json"));
-  EXPECT_EQ(output.verdict_code, 100'006);
+  EXPECT_EQ(output.asked_code, 100'006);
   EXPECT_THAT(read_file(path("r.json")), HasSubstr("\"exit_code\": 100006"));
 }
 

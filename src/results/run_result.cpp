@@ -1,0 +1,58 @@
+#include "results/run_result.h"
+
+#include "form/output.h"
+#include "measure/findings.h"
+#include "results/results.h"
+#include "smart/compare.h"
+
+namespace {
+
+enum Bits : std::int32_t {
+  kMistake = 1,
+  kRefused = 2,
+  kMissing = 4,
+  kCancelled = 8,
+  kFailedTransfers = 16,
+  kCompareErrors = 32,
+  kSmartErrors = 64,
+  kLoggedEvents = 128,
+  kResultsNotWritten = 256,
+  kEndedEarly = 512,
+  kBadVerdict = 1024,
+  kNotGivenBack = 2048
+};
+
+std::int32_t bit(bool given, Bits bits) {
+  return given ? bits : 0;
+}
+
+std::int64_t failed_transfers(const Result& result) {
+  return result.counters.TotalErrors;
+}
+
+std::int64_t differences(const Result& result) {
+  return result.counters.TotalCErrors;
+}
+
+}  // namespace
+
+Outcome outcome_of(const Result& result) {
+  if (command_end.before_transfers) return *command_end.before_transfers;
+  if (result.cancelled || command_end.cancelled) return Outcome::cancelled;
+  const bool failed = failed_transfers(result) + differences(result) > 0;
+  const bool told = output.ExitCode != 0 || command_end.results_lost || command_end.not_given_back;
+  return failed || told || !result.stopped.empty() ? Outcome::errors : Outcome::ok;
+}
+
+std::int32_t exit_bits(const Result& result) {
+  const Outcome outcome = outcome_of(result);
+  std::int32_t bits = bit(outcome == Outcome::mistake, kMistake) | bit(outcome == Outcome::refused, kRefused) |
+                      bit(outcome == Outcome::missing, kMissing) | bit(outcome == Outcome::cancelled, kCancelled) |
+                      bit(command_end.results_lost, kResultsNotWritten) |
+                      bit(command_end.not_given_back, kNotGivenBack) |
+                      bit(is_bad(result.findings.verdict.grade), kBadVerdict);
+  if (!measured_something()) return bits;
+  return bits | bit(failed_transfers(result) > 0, kFailedTransfers) | bit(differences(result) > 0, kCompareErrors) |
+         bit(comparison.errors > 0, kSmartErrors) | bit(!result.events.entries.empty(), kLoggedEvents) |
+         bit(!result.stopped.empty(), kEndedEarly);
+}
