@@ -463,8 +463,6 @@ std::string parse_command_line(std::string_view line, Asked* result) {
     const std::string error = take_switch(*row, token, &seen, result);
     if (mistake.empty()) mistake = error;
     result->has_op = result->has_op || row->name == std::string_view("/OP");
-    // A disk file that is not known as one must not be taken for a result file.
-    result->disks_known = result->disks_known && (error.empty() || row->name != std::string_view("/VDISK"));
   }
   result->ends_without_drive = result->ends_without_drive || !result->op.empty();
   take_drives(tally.text, result);

@@ -133,9 +133,9 @@ int place_sector_functions(Placing* placing, int y) {
 /// The drive's health, the tabs and their picture. Where there is room for the health beside the tabs it takes none
 /// of the picture's height.
 void place_panel(Placing* placing, int x, int y, int height) {
-  constexpr int kTabWidth = 100;
-  constexpr int kHistoryWidth = 90;
-  constexpr int kSaveWidth = 100;
+  constexpr int kTabWidth = 92;
+  constexpr int kHistoryWidth = 84;
+  constexpr int kSaveWidth = 92;
   constexpr int kGap = 6;
   constexpr int kLeastHealth = 380;
   const int save = placing->right() - kSaveWidth;
@@ -165,15 +165,18 @@ int panel_height_above(const Placing& placing, int y) {
 /// The tabs of what shares the rest of the window, in one row with the drive's health, and `front` below them. The
 /// window is small: the row is low.
 void place_shared(Placing* placing, int y, Id front) {
-  constexpr int kTabWidth = 84;
-  constexpr int kHistoryWidth = 84;
+  constexpr int kHistoryWidth = 76;
   constexpr int kSaveWidth = 88;
   constexpr int kHeight = 22;
   constexpr int kGap = 4;
   int x = kMargin;
-  for (const Id tab : {Id::report_tab, Id::graph_tab, Id::map_tab}) {
-    placing->put(tab, x, y, kTabWidth, kHeight);
-    x += kTabWidth;
+  struct Tab {
+    Id id;
+    int width;
+  };
+  for (const Tab& tab : {Tab{Id::report_tab, 58}, Tab{Id::graph_tab, 76}, Tab{Id::map_tab, 72}}) {
+    placing->put(tab.id, x, y, tab.width, kHeight);
+    x += tab.width;
   }
   const int save = placing->right() - kSaveWidth;
   const int history = save - kHistoryWidth;

@@ -31,7 +31,6 @@ struct Asked {
   bool quiet = false;
   std::string command_line;                            // as it came
   std::array<std::string, kDriveCount> virtual_disks;  // file to attach as drive n
-  bool disks_known = true;                             // none of them was given in a way that says nothing
   std::int64_t start_lba = 0;                          // remembered start LBA; 0 for none
   std::int64_t count = 0;               // remembered sector count, per visit in a random test; 0 for none
   std::optional<double> start_percent;  // of the disk, in place of them until it is identified

@@ -7,7 +7,7 @@
 /// How a command ended, in one word.
 enum class Outcome : std::uint8_t {
   ok,         // it came to its end and met nothing
-  errors,     // something failed, grew or was logged, or a result could not be written
+  errors,     // something failed, differed or grew, or a result could not be written
   cancelled,  // by the user, also by leaving the program
   missing,    // the drive is not there
   refused,    // the command may not work on this drive, or not there; nothing was transferred
@@ -23,6 +23,7 @@ struct CommandEnd {
   std::string reason;                       // why; one line
   bool cancelled = false;                   // the user wanted it to end
   bool not_given_back = false;              // sectors may hold other contents than before a test that gives them back
+  bool test_ended = false;                  // at a place, with no failed transfer to show for it
   bool results_lost = false;                // the report, a variable or a result file could not be written
 };
 

@@ -124,14 +124,16 @@ void Visit::give_back() {
             where_they_are();
   }
   visits.lost.push_back(line);
-  command_end.not_given_back = command_end.not_given_back || written;
+  command_end.not_given_back = command_end.not_given_back || !untouched;
   visits.uncounted = visits.uncounted || written;
   visits.ended = true;
   tell_now(line);
 }
 
 void count_early_end() {
-  if (visits.uncounted) add_to_exit_code(1);
+  if (!visits.uncounted) return;
+  command_end.test_ended = true;
+  add_to_exit_code(1);
 }
 
 void report_lost_places() {

@@ -1,6 +1,5 @@
 #include "results/run_result.h"
 
-#include "form/output.h"
 #include "measure/findings.h"
 #include "results/results.h"
 #include "smart/compare.h"
@@ -39,9 +38,12 @@ std::int64_t differences(const Result& result) {
 Outcome outcome_of(const Result& result) {
   if (command_end.before_transfers) return *command_end.before_transfers;
   if (result.cancelled || command_end.cancelled) return Outcome::cancelled;
-  const bool failed = failed_transfers(result) + differences(result) > 0;
-  const bool told = output.ExitCode != 0 || command_end.results_lost || command_end.not_given_back;
-  return failed || told || !result.stopped.empty() ? Outcome::errors : Outcome::ok;
+  const bool failed = failed_transfers(result) + differences(result) > 0 || !result.stopped.empty();
+  const bool grown = measured_something() && comparison.errors > 0;
+  // Entries of the event log are of all programs, and alone no error of this one.
+  return failed || grown || command_end.test_ended || command_end.not_given_back || command_end.results_lost
+             ? Outcome::errors
+             : Outcome::ok;
 }
 
 std::int32_t exit_bits(const Result& result) {

@@ -185,7 +185,15 @@ TEST_F(Batch, AMistakesJsonNeverGoesToADisk) {
   EXPECT_EQ(start("/JSON:" + image + " /D:0 /OP:READ /FOO /VDISK:0=" + image), 1U);
   EXPECT_EQ(start("/JSON:" + image + " /D:0 /OP:READ /VDISK:9=" + image), 1U);
   EXPECT_EQ(start("/JSON:" + image + " /D:0 /OP:READ /COUNT:x /VDISK:0=" + image), 1U);
+  EXPECT_EQ(start("/D:0 /OP:READ /COUNT:x /VARS:" + image), 1U);
+  EXPECT_EQ(start("/D:0 /OP:READ /COUNT:x /JSON:" + path("of.img") + " " +
+                  disk_switch(0, "image " + write_image("of.img", 50) + "\n")),
+            1U);
   EXPECT_EQ(read_file(image), before);
+  EXPECT_EQ(read_file(path("of.img")).size(), 50U * 512U);
+  EXPECT_EQ(start("/D:0 /OP:READ /COUNT:x /VARS:" + path("v.cmd")), 1U);
+  EXPECT_EQ(start("/D:0 /OP:READ /COUNT:x /VARS:" + path("v.cmd")), 1U);
+  EXPECT_EQ(read_file(path("v.cmd")), "SET QV_RESULT=mistake\r\n\r\nSET QV_RESULT=mistake\r\n\r\n");
 }
 
 TEST_F(Batch, BitsTellKindsApart) {

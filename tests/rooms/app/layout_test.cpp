@@ -182,7 +182,7 @@ TEST(Layout, AWindowTooSmallForThePanelOffersItInTheReportsPlace) {
     EXPECT_EQ(picture.width, report.width);
     EXPECT_EQ(picture.height, report.height);
     EXPECT_GE(picture.height, 80) << "what the graph needs";
-    EXPECT_GE(Placed(client, 96).of(Id::health_line).width, 360);
+    EXPECT_GE(Placed(client, 96).of(Id::health_line).width, 340);
   }
 }
 
