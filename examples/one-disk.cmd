@@ -46,7 +46,9 @@ echo %QV_D_MODEL%, serial number %QV_D_SNO%: all %QV_D_SECTORS% sectors read, bu
 exit /b %CODE%
 
 :errors
-echo %QV_D_MODEL%, serial number %QV_D_SNO%: %QV_D_TOTERR% transfers failed, first bad LBA %QV_B_FIRST_LBA%, verdict %QV_H_VERDICT%. Exit code %CODE%.
+set "AT="
+if defined QV_B_FIRST_LBA set "AT=, first bad LBA %QV_B_FIRST_LBA%"
+echo %QV_D_MODEL%, serial number %QV_D_SNO%: %QV_D_TOTERR% transfers failed%AT%, verdict %QV_H_VERDICT%. Exit code %CODE%.
 exit /b %CODE%
 
 :cancelled
