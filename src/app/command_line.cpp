@@ -318,14 +318,15 @@ std::size_t distance(std::string_view one, std::string_view other) {
   return row.back();
 }
 
-/// The switch that somebody who wrote `text` may have meant; empty where none is near.
+/// The switch that somebody who wrote `text` may have meant: one that begins so, or else the most alike.
 std::string nearest_switch(const std::string& text) {
   const std::string name = text.substr(0, text.find_first_of(":="));
   const std::string_view letters = std::string_view(name).substr(std::min(name.find_first_not_of("-/"), name.size()));
   std::string nearest;
-  std::size_t least = letters.size() / 2 + 1;
+  std::size_t least = std::numeric_limits<std::size_t>::max();
   const auto consider = [&](const char* candidate, const char* shown) {
-    const std::size_t far = distance(letters, std::string_view(candidate).substr(1));
+    const std::string_view other = std::string_view(candidate).substr(1);
+    const std::size_t far = letters.size() > 1 && other.starts_with(letters) ? 0 : distance(letters, other);
     if (far >= least) return;
     least = far;
     nearest = shown;
@@ -337,9 +338,9 @@ std::string nearest_switch(const std::string& text) {
 }
 
 std::string not_understood(const Token& token) {
-  const std::string nearest = looks_like_a_switch(token) ? nearest_switch(token.upper) : std::string();
-  return "\"" + token.text + "\" is not understood" + (nearest.empty() ? "" : ": the nearest switch is " + nearest) +
-         "; /? lists all switches.";
+  const std::string nearest =
+      looks_like_a_switch(token) ? ": the nearest switch is " + nearest_switch(token.upper) : std::string();
+  return "\"" + token.text + "\" is not understood" + nearest + "; /? lists all switches.";
 }
 
 bool gives_drive(const Token& token) {

@@ -219,11 +219,8 @@ void run_in_frame(const Command& command) {
   tell_verify();
   end_measuring(form1.MyCancel);
   tell_run_end();
-  if (identification.Drive_Sectors == 0) {
-    form1.TxtStatus.set_text(command_end.reason);
-  } else if (command.finds_bad_places && measured_something()) {
-    find_bad_places();
-  }
+  if (command.finds_bad_places && measured_something()) find_bad_places();
+  if (identification.Drive_Sectors == 0) form1.TxtStatus.set_text(command_end.reason);
 }
 
 /// Deals with what was pressed meanwhile as during the command, then gives the buttons back.

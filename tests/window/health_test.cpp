@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <sstream>
+
 #include "tests/window/program.h"
 
 namespace {
@@ -37,6 +40,23 @@ TEST(HealthLine, SaysOfTheSelectedDriveWhatTheLastRunFound) {
   read(program, "0", "20000");
   EXPECT_TRUE(says(program, "Health: GOOD: no sign of trouble in the health log and the run"));
   EXPECT_NE(text_of(program.edit(kText)).find("SET QV_H_VERDICT=GOOD"), std::string::npos);
+}
+
+TEST(HealthLine, ThePageOfTheLastRunIsSavedWhereTheUserSays) {
+  ::DeleteFileA("saved.html");
+  const Program program("/VDISK:0=DEMO");
+  read(program, "623000", "2000");
+  ASSERT_TRUE(says(program, "Health: WORSE"));
+  program.press("Save page...");
+  HWND const box = program.wait_for_box("SAVE THE RESULT AS A PAGE");
+  ASSERT_NE(box, nullptr);
+  set_text(::FindWindowExA(box, nullptr, "EDIT", nullptr), "saved.html");
+  ::PostMessageA(box, WM_COMMAND, IDOK, 0);
+  EXPECT_TRUE(wait_until([&] { return text_of(program.edit(kStatus)) == "Saved as saved.html"; }));
+  std::ostringstream page;
+  page << std::ifstream("saved.html", std::ios::binary).rdbuf();
+  EXPECT_NE(page.str().find("<p class=\"verdict worse\">WORSE: "), std::string::npos);
+  EXPECT_NE(page.str().find("</html>"), std::string::npos);
 }
 
 TEST(HealthLine, TheHistoryIsKeptWhereTheUserSays) {

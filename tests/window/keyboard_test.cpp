@@ -56,6 +56,19 @@ TEST(Keyboard, EnterAndEscapeInAFieldStartNothing) {
   }
 }
 
+TEST(Keyboard, EscapeCancelsARunningCommandFromAnyControl) {
+  write_file("long.vd", "sectors 10000000\nrate 5\n");
+  for (const std::size_t field : {kStart, kText}) {
+    const Program program("/VDISK:0=long.vd");
+    program.press("Sequential READ");
+    ASSERT_TRUE(wait_until([&] { return !enabled(program.button("Sequential READ")); }));
+    program.set_focus(program.edit(field));
+    program.key(VK_ESCAPE);
+    EXPECT_TRUE(wait_until([&] { return enabled(program.button("Sequential READ")); }));
+    EXPECT_NE(text_of(program.edit(kText)).find("CANCELLED at LBA "), std::string::npos);
+  }
+}
+
 TEST(Keyboard, TheTextTakesEnterAndMoreThan32Kilobytes) {
   const Program program(kPractice);
   const std::string large(100'000, 'x');

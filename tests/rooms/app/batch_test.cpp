@@ -114,7 +114,8 @@ TEST_F(Batch, WhatLooksLikeASwitchAndIsNoneIsAMistakeWithTheNearestOne) {
   says(disk + "/D:0 /OP:READ /CUONT:5", "the nearest switch is /COUNT;");
   says(disk + "/D:0 -raport", "the nearest switch is /REPORT;");
   says("/LIST -d:0", "the nearest switch is /D:n;");
-  says("/D:0 /xyzzyx", "\"/xyzzyx\" is not understood; /? lists all switches.");
+  says(disk + "/D:0 /rep:x", "the nearest switch is /REPORT;");
+  says(disk + "/D:0 /OP:READ word", "\"word\" is not understood; /? lists all switches.");
   open(disk + "/D:0 some text");
   EXPECT_TRUE(form1.CommandLineMode) << "text is no switch";
   open("-x");
