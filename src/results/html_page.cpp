@@ -30,11 +30,11 @@ constexpr const char* kStyle =
     ".failing{background:#000;color:#fff}\n"
     "table{border-collapse:collapse;width:100%}td,th{padding:3px 10px 3px 0;text-align:left;vertical-align:top;"
     "border-bottom:1px solid #e4e4e4}th{font-weight:600}.number{text-align:right}\n"
-    "svg{max-width:100%;height:auto}.key span{display:inline-block;width:12px;height:12px;margin:0 4px 0 14px;"
-    "border:1px solid #999}\n"
+    "svg{max-width:100%;height:auto}.key span{white-space:nowrap;margin-right:12px}"
+    ".key i{display:inline-block;width:12px;height:12px;margin-right:4px;border:1px solid #999}\n"
     "pre{font:12px/1.4 monospace;white-space:pre-wrap;overflow-wrap:anywhere;background:#f7f7f7;padding:12px}\n"
-    "@media print{body{margin:0;max-width:none}pre{background:none;padding:0}"
-    ".verdict,.key span,svg{-webkit-print-color-adjust:exact;print-color-adjust:exact}"
+    "@media print{body{margin:0;max-width:none}pre{font-size:9px;background:none;padding:0}"
+    ".verdict,.key i,svg{-webkit-print-color-adjust:exact;print-color-adjust:exact}"
     "h2{break-after:avoid}tr,svg{break-inside:avoid}}\n"
     "</style>\n";
 
@@ -102,15 +102,19 @@ std::string run_facts(const Result& result, const Measure& measured) {
          fact("Compare errors", result.counters.TotalCErrors > 0 ? std::to_string(result.counters.TotalCErrors) : "");
 }
 
+std::string key_entry(const char* color, const std::string& text) {
+  return std::string(" <span><i style=\"background:") + color + "\"></i>" + text + "</span>";
+}
+
 std::string key(const Measure& measured) {
   std::string html =
       "<p class=\"key\">Each cell is a part of the range, in the colour of its slowest transfer, by the "
       "time beyond the usual:";
   for (std::size_t i = 0; i < kLatencyClasses; ++i) {
-    html += std::string(" <span style=\"background:") + kClassColors.at(i) + "\"></span>" +
-            svg_text(class_text(static_cast<LatencyClass>(i))) + ": " + std::to_string(measured.latency.classes.at(i));
+    html += key_entry(kClassColors.at(i), svg_text(class_text(static_cast<LatencyClass>(i))) + ": " +
+                                              std::to_string(measured.latency.classes.at(i)));
   }
-  return html + " <span style=\"background:" + kUntouched + "\"></span>nothing went there</p>\n";
+  return html + key_entry(kUntouched, "nothing went there") + "</p>\n";
 }
 
 std::string cell(std::int64_t i, const PixelColumn& column) {
