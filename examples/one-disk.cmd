@@ -42,7 +42,7 @@ echo %QV_D_MODEL%, serial number %QV_D_SNO%: all %QV_D_SECTORS% sectors read, ve
 exit /b 0
 
 :changed
-echo %QV_D_MODEL%, serial number %QV_D_SNO%: all %QV_D_SECTORS% sectors read, but SMART or the event log has findings. Exit code %CODE%.
+echo %QV_D_MODEL%, serial number %QV_D_SNO%: all %QV_D_SECTORS% sectors read, but the System event log has entries of that time. Exit code %CODE%.
 exit /b %CODE%
 
 :errors
