@@ -472,25 +472,40 @@ std::string parse_command_line(std::string_view line, Asked* result) {
 }
 
 std::string switch_names() {
-  std::string text = "Switches, each explained by sectorix /?:\r\n/D:n";
-  for (const Switch& row : kSwitches) text += std::string(" ") + row.name;
-  return text + "\r\n";
+  constexpr std::size_t kWidth = 40;
+  std::string text = "Switches, each explained by sectorix /?:\r\n";
+  std::string line = "/D:n";
+  for (const Switch& row : kSwitches) {
+    if (line.size() + std::string_view(row.name).size() >= kWidth) {
+      text += line + "\r\n";
+      line.clear();
+    }
+    line += std::string(line.empty() ? "" : " ") + row.name;
+  }
+  return text + line + "\r\n";
 }
 
 std::string exit_code_help() {
-  return "Exit codes of /OP: 0 clean; 1 a mistake, a missing drive or a refused disk; 3 cancelled; 100010 a result "
-         "file\r\n"
-         "or the report could not be written; others are the sum of failed transfers, SMART errors and event log\r\n"
-         "entries. With /EXIT:BITS the sum of 1 mistake, 2 refused, 4 missing, 8 cancelled, 16 failed transfers,\r\n"
-         "32 compare errors, 64 SMART errors, 128 event log entries, 256 results not written, 512 ended early by\r\n"
-         "itself, 1024 verdict DOUBTFUL or worse, 2048 contents that could not be given back. QV_RESULT and the\r\n"
-         "JSON's \"outcome\" say it in a word: ok, errors, cancelled, missing, refused, mistake.\r\n";
+  return "Exit codes of /OP:\r\n"
+         "0 clean\r\n"
+         "1 a mistake, a missing drive, a refused disk\r\n"
+         "3 cancelled\r\n"
+         "100010 a result could not be written\r\n"
+         "others: failed transfers, SMART errors, events\r\n"
+         "With /EXIT:BITS the sum of\r\n"
+         "1 mistake, 2 refused, 4 missing, 8 cancelled,\r\n"
+         "16 failed transfers, 32 compare errors,\r\n"
+         "64 SMART errors, 128 events, 256 no result,\r\n"
+         "512 ended early, 1024 DOUBTFUL or worse,\r\n"
+         "2048 contents not given back\r\n"
+         "QV_RESULT is ok, errors, cancelled, missing,\r\n"
+         "refused or mistake\r\n";
 }
 
 std::string example_help() {
   return "Examples, from an elevated prompt:\r\n"
          "  sectorix /LIST\r\n"
-         "  sectorix /D:1 /OP:READ /PINPOINT /REPORT:disk1.txt /JSON:disk1.json\r\n";
+         "  sectorix /D:1 /OP:READ /JSON:disk1.json\r\n";
 }
 
 std::string switch_help() {

@@ -138,14 +138,6 @@ void close_unstarted() {
   tell_outcome(&result);
 }
 
-}  // namespace
-
-bool measured_something() {
-  return measure.runs != results.runs_before;
-}
-
-namespace {
-
 void open_results(const std::string& version, const std::string& unmeasured_name) {
   results = {.version = version,
              .unmeasured_name = unmeasured_name,
@@ -161,6 +153,10 @@ void open_results(const std::string& version, const std::string& unmeasured_name
 }
 
 }  // namespace
+
+bool measured_something() {
+  return measure.runs != results.runs_before;
+}
 
 void begin_results(const std::string& version, const std::string& unmeasured_name) {
   open_results(version, unmeasured_name);

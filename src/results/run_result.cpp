@@ -6,23 +6,21 @@
 
 namespace {
 
-enum Bits : std::int32_t {
-  kMistake = 1,
-  kRefused = 2,
-  kMissing = 4,
-  kCancelled = 8,
-  kFailedTransfers = 16,
-  kCompareErrors = 32,
-  kSmartErrors = 64,
-  kLoggedEvents = 128,
-  kResultsNotWritten = 256,
-  kEndedEarly = 512,
-  kBadVerdict = 1024,
-  kNotGivenBack = 2048
-};
+constexpr std::int32_t kMistake = 1;
+constexpr std::int32_t kRefused = 2;
+constexpr std::int32_t kMissing = 4;
+constexpr std::int32_t kCancelled = 8;
+constexpr std::int32_t kFailedTransfers = 16;
+constexpr std::int32_t kCompareErrors = 32;
+constexpr std::int32_t kSmartErrors = 64;
+constexpr std::int32_t kLoggedEvents = 128;
+constexpr std::int32_t kResultsNotWritten = 256;
+constexpr std::int32_t kEndedEarly = 512;
+constexpr std::int32_t kBadVerdict = 1024;
+constexpr std::int32_t kNotGivenBack = 2048;
 
-std::int32_t bit(bool given, Bits bits) {
-  return given ? bits : 0;
+std::int32_t bit(bool given, std::int32_t which) {
+  return given ? which : 0;
 }
 
 std::int64_t failed_transfers(const Result& result) {
