@@ -20,7 +20,7 @@ rem Through a file: FOR would need the quoted program inside quotes.
 "%SECTORIX%" %SECTORIX_OPTIONS% /LIST >"%LIST%"
 for /f "usebackq" %%D in ("%LIST%") do call :start %%D
 if not defined DRIVES (
-  echo No drive answers.
+  echo Nothing was read.
   exit /b 1
 )
 echo Reading drives%DRIVES% ...

@@ -37,9 +37,9 @@ for %%D in (0 1 2 3 4 5 6 7) do set "LISTED_%%D="
 for /f "usebackq" %%D in ("%SECTORIX_FOLDER%\list.txt") do set "LISTED_%%D=1"
 for %%D in (0 1 2 3 4 5 6 7) do call :check_known %%D
 if defined CHECKED exit /b %CODES%
-echo No drive answers.
+type "%SECTORIX_FOLDER%\list.txt"
 set /a "CODES|=4"
-call :mail "%SECTORIX_FOLDER%\list.txt" "Sectorix on %COMPUTERNAME%: no drive answers"
+call :mail "%SECTORIX_FOLDER%\list.txt" "Sectorix on %COMPUTERNAME%: no drive was listed"
 exit /b %CODES%
 
 rem A drive that was read in an earlier night and is not listed now is missing, and must not be passed over.

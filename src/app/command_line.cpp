@@ -80,22 +80,23 @@ bool read_start(const std::string& value, Asked* result) {
   const std::optional<Amount> start = amount(value);
   if (!start) return false;
   result->start_lba = start->sectors;
-  result->start_percent = start->percent;
+  result->start_share = start->share;
   return true;
 }
 
 /// At least a sector, or more than no percent.
 bool read_count(const std::string& value, Asked* result) {
   const std::optional<Amount> count = amount(value);
-  if (!count || (count->percent ? *count->percent <= 0.0 : count->sectors < 1)) return false;
+  if (!count || (count->share ? count->share->millionths_of_percent : count->sectors) < 1) return false;
   result->count = count->sectors;
-  result->count_percent = count->percent;
+  result->count_share = count->share;
   return true;
 }
 
 bool read_slow(const std::string& value, Asked* result) {
-  result->slow = value;
-  if (upper_case(value) == "AUTO") return true;
+  const std::optional<std::int64_t> whole = whole_number(value);
+  result->slow = whole ? std::to_string(*whole) : value;
+  if (upper_case(value) == "AUTO" || (whole && *whole > 0)) return true;
   double rate = 0.0;
   const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), rate, std::chars_format::fixed);
   return error == std::errc() && end == value.data() + value.size() && std::isfinite(rate) && rate > 0.0;
@@ -333,6 +334,7 @@ std::string nearest_switch(const std::string& text) {
   };
   for (const Switch& row : kSwitches) consider(row.name, row.name);
   consider("/D", "/D:n");
+  consider("/DRIVE", "/D:n");
   consider("/HELP", "/?");
   return nearest;
 }
@@ -380,7 +382,7 @@ std::string judge_operation(const Asked& result) {
   if (result.resume && result.op != "READ") return "/RESUME needs /OP:READ.";
   if (result.find && !command.takes_find) return "/FIND needs /OP:SEARCH.";
   if (command.takes_find && !result.find) return shown + " needs /FIND:text.";
-  const bool above = result.count > command.most_count || result.count_percent;
+  const bool above = result.count > command.most_count || result.count_share;
   if (command.most_count != 0 && above) return command.above_most;
   return {};
 }

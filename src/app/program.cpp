@@ -8,7 +8,6 @@
 #include "app/controls.h"
 #include "app/handlers.h"
 #include "device/drive_words.h"
-#include "device/kernel32.h"
 #include "disk/progress.h"
 #include "form/asked.h"
 #include "form/form1.h"
@@ -30,29 +29,10 @@ int refuse(const std::string& line) {
   return kRefused;
 }
 
-/// True for a file that is not there yet, or that an earlier run wrote: `mark` is found where it begins.
-bool is_free_or_ours(const std::string& name, const char* mark) {
-  constexpr std::uint32_t kNoSuchFile = 2;
-  constexpr std::uint32_t kLook = 4096;  // bytes
-  const kernel32::Handle file =
-      kernel32::CreateFileA(name.c_str(), platform::kGenericRead, platform::kShareRead, platform::kOpenExisting, 0);
-  if (file == kernel32::kInvalidHandle) return kernel32::GetLastError() == kNoSuchFile;
-  std::string beginning(kLook, '\0');
-  std::uint32_t moved = 0;
-  const bool read = kernel32::ReadFile(file, beginning.data(), kLook, &moved);
-  kernel32::CloseHandle(file);
-  return read && (moved == 0 || beginning.find(mark) != std::string::npos);
-}
-
-/// A mistake opens no disk. A batch file is told of it all the same, but a name that was given beside a mistake may be
-/// that of a disk, of which nothing is known yet: only a new file or one of ours is written to.
+/// A mistake opens no disk. A batch file is told of it all the same.
 int refuse_mistake(const std::string& line) {
   tell_on_stderr(line);
   if (!asked.has_op) return kRefused;
-  const bool plain = check_output_names().empty();
-  if (asked.json && !(plain && is_free_or_ours(*asked.json, "\"format_version\""))) asked.json.reset();
-  const bool to_file = asked.vars && *asked.vars != "-";
-  if (to_file && !(plain && is_free_or_ours(*asked.vars, "SET QV_"))) asked.vars = "";
   asked.mode = Mode::batch;
   form1.CommandLineMode = true;
   form1.SelectedDrive = asked.named_drives.empty() ? kNoDrive : asked.named_drives.front();

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <limits>
 #include <string>
 
 #include "form/number_text.h"
@@ -9,6 +10,7 @@
 
 namespace {
 
+constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 constexpr std::size_t kGroup = 3;  // digits between commas
 
 /// All of `text` as a number of `base`.
@@ -31,28 +33,49 @@ std::string without_commas(std::string_view text) {
   return plain;
 }
 
+/// A decimal number, perhaps with up to six places behind a point. Whole numbers throughout: a fraction of a binary
+/// number would be a sector short now and then.
+struct Decimal {
+  std::int64_t whole = 0;
+  std::int64_t millionths = 0;
+};
+
+std::optional<Decimal> decimal(std::string_view text) {
+  constexpr std::size_t kPlaces = 6;
+  const std::size_t point = text.find('.');
+  const std::string_view before = text.substr(0, point);
+  if (before.empty() || before.find_first_not_of("0123456789") != std::string_view::npos) return std::nullopt;
+  const std::optional<std::int64_t> whole = digits(before, 10);
+  if (!whole || point == std::string_view::npos) return whole ? std::optional(Decimal{.whole = *whole}) : std::nullopt;
+  std::string places(text.substr(point + 1));
+  if (places.empty() || places.size() > kPlaces || places.find_first_not_of("0123456789") != std::string::npos) {
+    return std::nullopt;
+  }
+  places.resize(kPlaces, '0');
+  return Decimal{*whole, *digits(places, 10)};
+}
+
 struct Unit {
-  const char* name;
-  double bytes;
+  std::string_view name;
+  std::int64_t bytes;
 };
 
 constexpr std::array kUnits = {
-    Unit{"KIB", 1024.0}, Unit{"MIB", 1048576.0}, Unit{"GIB", 1073741824.0}, Unit{"TIB", 1099511627776.0},
-    Unit{"KB", 1e3},     Unit{"MB", 1e6},        Unit{"GB", 1e9},           Unit{"TB", 1e12}};
-
-/// A plain number, perhaps with a point.
-std::optional<double> plain_real(std::string_view text) {
-  double value = 0.0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
-  const bool whole = error == std::errc() && end == text.data() + text.size();
-  return whole && text.find_first_not_of("0123456789.") == std::string_view::npos ? std::optional(value) : std::nullopt;
-}
+    Unit{"KIB", 1LL << 10U}, Unit{"MIB", 1LL << 20U}, Unit{"GIB", 1LL << 30U},   Unit{"TIB", 1LL << 40U},
+    Unit{"KB", 1'000},       Unit{"MB", 1'000'000},   Unit{"GB", 1'000'000'000}, Unit{"TB", 1'000'000'000'000}};
 
 std::optional<Amount> in_bytes(std::string_view number, const Unit& unit) {
-  const std::optional<double> value = plain_real(number);
-  constexpr double kMost = 9e18;  // bytes
-  if (!value || *value * unit.bytes > kMost) return std::nullopt;
-  return Amount{.sectors = static_cast<std::int64_t>(*value * unit.bytes) / kSectorSize, .percent = {}};
+  const std::optional<Decimal> value = decimal(number);
+  if (!value || value->whole > kMost / unit.bytes - 1) return std::nullopt;
+  const std::int64_t bytes = value->whole * unit.bytes + value->millionths * unit.bytes / kMillion;
+  return Amount{.sectors = bytes / kSectorSize};
+}
+
+std::optional<Amount> in_percent(std::string_view number) {
+  constexpr std::int64_t kAll = 100;
+  const std::optional<Decimal> value = decimal(number);
+  if (!value || value->whole > kAll || (value->whole == kAll && value->millionths > 0)) return std::nullopt;
+  return Amount{.share = DiskShare{value->whole * kMillion + value->millionths}};
 }
 
 }  // namespace
@@ -70,16 +93,11 @@ std::optional<std::int64_t> whole_number(std::string_view text) {
 }
 
 std::optional<Amount> amount(std::string_view text) {
-  if (const auto sectors = whole_number(text)) return Amount{.sectors = *sectors, .percent = {}};
-  if (!text.empty() && text.back() == '%') {
-    const std::optional<double> percent = plain_real(text.substr(0, text.size() - 1));
-    constexpr double kAll = 100.0;
-    return percent && *percent <= kAll ? std::optional(Amount{.sectors = 0, .percent = percent}) : std::nullopt;
-  }
+  if (const auto sectors = whole_number(text)) return Amount{.sectors = *sectors};
+  if (!text.empty() && text.back() == '%') return in_percent(text.substr(0, text.size() - 1));
   const std::string upper = upper_case(text);
   for (const Unit& unit : kUnits) {
-    if (upper.ends_with(unit.name))
-      return in_bytes(text.substr(0, text.size() - std::string_view(unit.name).size()), unit);
+    if (upper.ends_with(unit.name)) return in_bytes(text.substr(0, text.size() - unit.name.size()), unit);
   }
   return std::nullopt;
 }

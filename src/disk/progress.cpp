@@ -91,7 +91,7 @@ void set_slow_rate(const std::string& answer) {
   const double limit = progress.AutoSlowRate ? kDefaultSlowRate : leading_number(answer);
   if (limit != 0.0) progress.SlowRate = limit;
   if (limit == 0.0) {
-    form1.TxtStatus.set_text("Slow limit: \"" + answer + "\" is neither a number of MB/s nor AUTO; it stays at " +
+    form1.TxtStatus.set_text("Slow limit: \"" + answer + "\" is neither a number of MB/s nor AUTO; the limit is " +
                              double_text(progress.SlowRate) + " MB/s.");
   }
 }

@@ -18,6 +18,19 @@ enum class Mode : std::uint8_t {
   version        // /VERSION
 };
 
+inline constexpr std::int64_t kMillion = 1'000'000;
+
+/// A part of a disk, of which the size is not known yet.
+struct DiskShare {
+  std::int64_t millionths_of_percent = 0;  // 0 to 100 percent
+
+  /// That part of `sectors`, without what is left of a sector.
+  std::int64_t of(std::int64_t sectors) const {
+    constexpr std::int64_t kAll = 100 * kMillion;
+    return sectors / kAll * millionths_of_percent + sectors % kAll * millionths_of_percent / kAll;
+  }
+};
+
 /// What the command line asked for. Values not given stay empty or 0.
 struct Asked {
   Mode mode = Mode::window;
@@ -32,9 +45,9 @@ struct Asked {
   std::string command_line;                            // as it came
   std::array<std::string, kDriveCount> virtual_disks;  // file to attach as drive n
   std::int64_t start_lba = 0;                          // remembered start LBA; 0 for none
-  std::int64_t count = 0;               // remembered sector count, per visit in a random test; 0 for none
-  std::optional<double> start_percent;  // of the disk, in place of them until it is identified
-  std::optional<double> count_percent;
+  std::int64_t count = 0;                // remembered sector count, per visit in a random test; 0 for none
+  std::optional<DiskShare> start_share;  // of the disk, in place of them until it is identified
+  std::optional<DiskShare> count_share;
   std::int32_t passes = 0;             // of a random test; 0 for the default
   std::optional<std::string> slow;     // "AUTO" or MB/s
   std::optional<std::string> pattern;  // hex

@@ -50,13 +50,9 @@ std::int64_t take_range() {
 }
 
 void resolve_percentages() {
-  const auto part = [](double percent) {
-    constexpr double kAll = 100.0;
-    const double sectors = static_cast<double>(identification.Drive_Sectors) * (percent / kAll);
-    return percent == kAll ? identification.Drive_Sectors : whole_below(static_cast<std::int64_t>(sectors));
-  };
-  if (asked.start_percent) asked.start_lba = part(*asked.start_percent);
-  if (asked.count_percent) asked.count = std::max(part(*asked.count_percent), sectors_per_logical());
+  const std::int64_t sectors = identification.Drive_Sectors;
+  if (asked.start_share) asked.start_lba = whole_below(asked.start_share->of(sectors));
+  if (asked.count_share) asked.count = std::max(whole_below(asked.count_share->of(sectors)), sectors_per_logical());
 }
 
 void show_range_of_command_line() {

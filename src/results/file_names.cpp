@@ -62,6 +62,8 @@ bool is_file(const OutputName& output) {
 /// Compares names alone, so that no file is touched for a run that is then refused.
 std::string named_twice() {
   std::vector<std::string> taken;
+  // The map that a read goes on from may be written anew, and nothing else over it.
+  if (asked.resume && asked.resume != asked.map) taken.push_back(same_file(*asked.resume));
   for (const OutputName& output : outputs()) {
     if (!is_file(output)) continue;
     std::vector<std::string> names = {same_file(**output.name)};
@@ -99,6 +101,48 @@ std::string why_no_file(const std::string& name) {
   if (platform::names_device(name)) return "is a device.";
   if (name.empty() || std::string_view("/\\:").find(name.back()) != std::string_view::npos) return "is a folder.";
   return {};
+}
+
+namespace {
+
+/// How a file begins: nothing of one that is not there. No value where it cannot be read.
+std::optional<std::string> beginning_of(const std::string& name) {
+  constexpr std::uint32_t kNoSuchFile = 2;
+  constexpr std::uint32_t kLook = 4096;  // bytes
+  const kernel32::Handle file = kernel32::CreateFileA(
+      name.c_str(), platform::kGenericRead, platform::kShareRead | platform::kShareWrite, platform::kOpenExisting, 0);
+  if (file == kernel32::kInvalidHandle) {
+    return kernel32::GetLastError() == kNoSuchFile ? std::optional(std::string()) : std::nullopt;
+  }
+  std::string beginning(kLook, '\0');
+  std::uint32_t moved = 0;
+  const bool read = kernel32::ReadFile(file, beginning.data(), kLook, &moved);
+  kernel32::CloseHandle(file);
+  beginning.resize(moved);
+  return read ? std::optional(beginning) : std::nullopt;
+}
+
+/// True for an output's name that is no other file of the command line's. Nothing is known of the disk yet.
+bool stands_alone(const std::string& name) {
+  const std::string file = same_file(name);
+  const auto same = std::count_if(outputs().begin(), outputs().end(), [&](const OutputName& output) {
+    return is_file(output) && same_file(**output.name) == file;
+  });
+  const bool resumed = asked.resume && same_file(*asked.resume) == file;
+  return same == 1 && !resumed && why_no_file(name).empty() && !is_virtual_disk(file);
+}
+
+}  // namespace
+
+bool is_new_or_ours(const std::string& name, std::string_view mark) {
+  if (!stands_alone(name)) return false;
+  const std::optional<std::string> beginning = beginning_of(name);
+  const bool ours = beginning && (beginning->empty() || beginning->find(mark) != std::string::npos);
+  if (!ours || why_not_writable(name) != 0) return false;
+  OutputFile probe;
+  const bool folder_takes_files = open_output(name, &probe).empty();
+  abandon_output(&probe);
+  return folder_takes_files;
 }
 
 std::string why_no_result_file(const std::string& name) {

@@ -42,6 +42,10 @@ std::string write_whole_file(const std::string& name, std::string_view text, Rea
 /// twice, and in a run that writes a file on the disk under test.
 std::string check_output_names();
 
+/// Of a run that ends before its disk was looked at: true for a name that stands alone among the outputs and is that of
+/// no file yet, or of one in whose beginning `mark` says that an earlier run wrote it. Another could be a disk's image.
+bool is_new_or_ours(const std::string& name, std::string_view mark);
+
 /// Gives an empty text, or why the page cannot be written to the file that the user named.
 std::string why_no_result_file(const std::string& name);
 

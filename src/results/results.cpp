@@ -33,7 +33,7 @@ Result collect() {
   result.end_local = platform::local_time();
   result.end_utc = platform::utc_time();
   result.drive = form1.SelectedDrive;
-  result.cancelled = framed ? measure.stopped : form1.MyCancel;
+  result.cancelled = framed ? measure.stopped : form1.MyCancel && !command_end.before_transfers;
   result.stopped = early_end.why;
   result.disk = identification;
   result.sizes = disk.sizes;
@@ -65,21 +65,36 @@ void judge_end(Result* result) {
   result->exit_code = exit_code();
 }
 
-void write_page(Result* result) {
-  judge_end(result);
-  if (asked.html) tell_failure(write_whole_file(*asked.html, html_page(*result, measure)));
+/// The files that tell how the run ended.
+struct Endings {
+  bool page = false;
+  bool json = false;
+};
+
+/// Writes those of `which`, and gives those that could be written.
+Endings write_endings(Result* result, Endings which) {
+  const auto write = [&](bool wanted, const std::optional<std::string>& name, auto text) {
+    if (!wanted) return false;
+    judge_end(result);
+    const std::string error = write_whole_file(*name, text(*result, measure));
+    tell_failure(error);
+    return error.empty();
+  };
+  Endings written;
+  written.page = write(which.page, asked.html, html_page);
+  written.json = write(which.json, asked.json, json_result);
+  return written;
 }
 
-void write_json(Result* result) {
-  judge_end(result);
-  if (asked.json) tell_failure(write_whole_file(*asked.json, json_result(*result, measure)));
-}
-
-void tell_outcome(Result* result) {
+/// Tells the outcome. What was written before something that then could not be says so in the end.
+void tell_outcome(Result* result, Endings which) {
+  const bool lost_before = command_end.results_lost;
+  const Endings written = write_endings(result, which);
   judge_end(result);
   const std::string variable = "SET QV_RESULT=" + result->outcome + "\r\n";
   AppendReportVars(variable);
   form1.Text1.append("\r\n" + variable);
+  if (command_end.results_lost && !lost_before) write_endings(result, written);
   judge_end(result);
 }
 
@@ -121,21 +136,21 @@ void close_results(Result result) {
   if (asked.map) tell_failure(write_map());
   if (asked.badlist) tell_failure(write_whole_file(*asked.badlist, bad_list(result.findings.bad)));
   if (asked.graph) tell_failure(write_whole_file(*asked.graph, svg_graph(result, measure)));
-  write_page(&result);
-  write_json(&result);
-  tell_outcome(&result);
+  tell_outcome(&result, {.page = asked.html.has_value(), .json = asked.json.has_value()});
   result.report = form1.Text1.text();
   if (result.measured) results.last = std::move(result);
 }
 
-/// The program ends before the command's first transfer: of all files one tells why.
+/// The program ends before the command's first transfer: of all files one tells why. Nothing was looked at that the
+/// names could be: a file that may be something else is left alone.
 void close_unstarted() {
   results.open = false;
   tell_nobody();
   abandon_csv();
   Result result = collect();
-  write_json(&result);
-  tell_outcome(&result);
+  const bool to_file = asked.vars && *asked.vars != "-";
+  if (to_file && !is_new_or_ours(*asked.vars, "SET QV_")) output.ReportFileName = "-";
+  tell_outcome(&result, {.json = asked.json && is_new_or_ours(*asked.json, "\"format_version\"")});
 }
 
 void open_results(const std::string& version, const std::string& unmeasured_name) {

@@ -54,6 +54,8 @@ TEST_F(Batch, NumbersAreTakenAsPeopleWriteThem) {
   reads("/START:50% /COUNT:12.5%", "12500 sectors starting at LBA 50000");
   reads("/START:50%", "50000 sectors starting at LBA 50000");
   reads("/START:50% /COUNT:50%", "50000 sectors starting at LBA 50000");
+  reads("/START:29% /COUNT:71%", "71000 sectors starting at LBA 29000");
+  reads("/START:0.7% /COUNT:64.064kb", "125 sectors starting at LBA 700");
   reads("/COUNT:100%", "100000 sectors starting at LBA 0");
   EXPECT_EQ(run(kDisk, "/OP:READ /START:100%"), 1U) << "there is no sector behind the last";
   EXPECT_EQ(run(kDisk, "/OP:READ /START:50% /COUNT:60%"), 1U);
@@ -82,7 +84,12 @@ TEST_F(Batch, ABadValueSaysWhatIsGood) {
                             "9999999999TB",
                             "1.5",
                             "0x-5",
-                            "+5"}) {
+                            "+5",
+                            "1.%",
+                            ".5%",
+                            "1.1234567%",
+                            "100.1%",
+                            "1.5.5GB"}) {
     EXPECT_EQ(run(kDisk, std::string("/OP:READ /START:") + value), 1U) << value;
     EXPECT_EQ(err(), std::string("\"/START:") + value +
                          "\" has a bad value: good is an LBA or a place, as 1000, 0x200, 1,000, 10GB, 512MiB or "
@@ -113,6 +120,7 @@ TEST_F(Batch, WhatLooksLikeASwitchAndIsNoneIsAMistakeWithTheNearestOne) {
   says(disk + "/D:0 /OP:READ --json:x", "\"--json:x\" is not understood: the nearest switch is /JSON; /? lists");
   says(disk + "/D:0 /OP:READ /CUONT:5", "the nearest switch is /COUNT;");
   says(disk + "/D:0 -raport", "the nearest switch is /REPORT;");
+  says("/LIST --drive=1", "the nearest switch is /D:n;");
   says("/LIST -d:0", "the nearest switch is /D:n;");
   says(disk + "/D:0 /rep:x", "the nearest switch is /REPORT;");
   says(disk + "/D:0 /OP:READ word", "\"word\" is not understood; /? lists all switches.");
@@ -197,6 +205,48 @@ TEST_F(Batch, AMistakesJsonNeverGoesToADisk) {
   EXPECT_EQ(read_file(path("v.cmd")), "SET QV_RESULT=mistake\r\n\r\nSET QV_RESULT=mistake\r\n\r\n");
 }
 
+TEST_F(Batch, ARunThatDidNotBeginReplacesOnlyWhatAnEarlierRunWrote) {
+  const std::string image = write_image("other.img", 100);
+  const std::string before = read_file(image);
+  const std::string good = disk_switch(0, kDisk);
+  const std::string denied = disk_switch(2, "sectors 10\ndenied\n");
+  for (const std::string line : {"/D:4 /OP:READ", "/D:0 /OP:READ /SERIAL:NO", "/D:0 /OP:READ /START:200000",
+                                 "/D:2 /OP:SMART", "/D:0 /OP:READ /FOO"}) {
+    headless::desktop.out.clear();
+    EXPECT_EQ(start(good + denied + line + " /JSON:" + image + " /VARS:" + image), 1U) << line;
+    EXPECT_EQ(start(good + denied + line + " /JSON:" + image), 1U) << line;
+    EXPECT_EQ(start(good + denied + line + " /VARS:" + image), 1U) << line;
+    EXPECT_EQ(read_file(image), before) << line;
+    EXPECT_EQ(count_of(out(), "SET QV_RESULT="), 3) << "where it can be seen";
+    const std::string json = path("again.json");
+    EXPECT_EQ(start(good + denied + line + " /JSON:" + json), 1U);
+    EXPECT_EQ(start(good + denied + line + " /JSON:" + json), 1U);
+    EXPECT_EQ(json::parse(read_file(json))["operation"]["cancelled"], false) << line;
+    EXPECT_EQ(start(good + denied + line + " /VARS:" + write_file("mine.cmd", "SET QV_OF=mine\r\n")), 1U);
+    EXPECT_THAT(read_file(path("mine.cmd")), HasSubstr("mine\r\nSET QV_RESULT="));
+  }
+}
+
+TEST_F(Batch, OneBadNameDoesNotSilenceTheOtherFiles) {
+  const std::string line = disk_switch(0, kDisk) + "/D:0 /OP:READ /HTML:" + path("no/such.html");
+  EXPECT_EQ(start(line + " /JSON:" + path("r.json") + " /VARS:" + path("v.cmd")), 1U);
+  EXPECT_EQ(document()["outcome"], "mistake");
+  EXPECT_EQ(read_file(path("v.cmd")), "SET QV_RESULT=mistake\r\n\r\n");
+  EXPECT_EQ(start(line + " /VARS:" + path("no/v.cmd")), 1U);
+  EXPECT_EQ(result(), "SET QV_RESULT=mistake");
+}
+
+TEST_F(Batch, AResumedMapIsReplacedByAMapAlone) {
+  const std::string disk = disk_switch(0, kDisk) + "/D:0 /OP:READ /COUNT:1000 ";
+  EXPECT_EQ(start(disk + "/MAP:" + path("m.map")), 0U);
+  const std::string before = read_file(path("m.map"));
+  for (const char* file : {"/JSON:", "/HTML:", "/REPORT:", "/VARS:", "/CSV:"}) {
+    EXPECT_EQ(start(disk + "/RESUME:" + path("m.map") + " " + file + path("m.map")), 1U) << file;
+    EXPECT_EQ(read_file(path("m.map")), before) << file;
+  }
+  EXPECT_EQ(start(disk + "/RESUME:" + path("m.map") + " /MAP:" + path("m.map")), 0U);
+}
+
 TEST_F(Batch, BitsTellKindsApart) {
   const auto bits = [](const std::string& disk_file, const std::string& switches) {
     return run(disk_file, switches + " /EXIT:BITS");
@@ -233,6 +283,11 @@ TEST_F(Batch, AResultThatCannotBeWrittenHasItsOwnExitCode) {
         << file;
     EXPECT_THAT(out(), HasSubstr("SET QV_RESULT=errors")) << file;
   }
+  headless::desktop.at_pump = nullptr;
+  headless::desktop.out_fails = 112;
+  EXPECT_EQ(run(kDisk, "/OP:READ /REPORT:" + path("r.txt") + " /HTML:" + path("r.html")), 100'010U);
+  EXPECT_EQ(document()["exit_code"], 100'010) << "the variables came behind it";
+  EXPECT_THAT(read_file(path("r.html")), HasSubstr("<td>errors</td>"));
 }
 
 TEST_F(Batch, AccessDeniedIsToldAsSuch) {
@@ -287,7 +342,7 @@ TEST_F(Batch, TheStatusSaysWhyNothingHappens) {
   EXPECT_EQ(form1.TxtStatus.text(), "Nothing to search for was given: the disk was not searched.");
   headless::desktop.answers = {"fast"};
   click(CmdSlowRate_Click);
-  EXPECT_EQ(form1.TxtStatus.text(), "Slow limit: \"fast\" is neither a number of MB/s nor AUTO; it stays at 10 MB/s.");
+  EXPECT_EQ(form1.TxtStatus.text(), "Slow limit: \"fast\" is neither a number of MB/s nor AUTO; the limit is 10 MB/s.");
 }
 
 }  // namespace
