@@ -33,15 +33,15 @@ constexpr std::uint64_t kExponent = 0x000F;
 /// Left at zero, which says 512 bytes too, by drives that have nothing else to say.
 void put_sector_sizes(Page& page, const Identity& identity) {
   if (identity.physical == kSectorSize) return;
-  std::uint64_t word = kSizesValid;
+  std::uint64_t sizes = kSizesValid;
   if (identity.logical > kSectorSize) {
-    word |= kLongLogical;
+    sizes |= kLongLogical;
     put_words(page, kLogicalWord, 2, identity.logical / 2);
   }
   std::uint64_t exponent = 0;
   while (identity.logical << exponent < identity.physical) ++exponent;
-  if (exponent > 0) word |= kLargePhysical | exponent;
-  put_word(page, kSizesWord, word);
+  if (exponent > 0) sizes |= kLargePhysical | exponent;
+  put_word(page, kSizesWord, sizes);
 }
 
 }  // namespace
