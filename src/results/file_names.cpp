@@ -63,7 +63,8 @@ bool is_file(const OutputName& output) {
 std::string named_twice() {
   std::vector<std::string> taken;
   // The map that a read goes on from may be written anew, and nothing else over it.
-  if (asked.resume && asked.resume != asked.map) taken.push_back(same_file(*asked.resume));
+  const bool renewed = asked.resume && asked.map && same_file(*asked.resume) == same_file(*asked.map);
+  if (asked.resume && !renewed) taken.push_back(same_file(*asked.resume));
   for (const OutputName& output : outputs()) {
     if (!is_file(output)) continue;
     std::vector<std::string> names = {same_file(**output.name)};

@@ -245,6 +245,7 @@ TEST_F(Batch, AResumedMapIsReplacedByAMapAlone) {
     EXPECT_EQ(read_file(path("m.map")), before) << file;
   }
   EXPECT_EQ(start(disk + "/RESUME:" + path("m.map") + " /MAP:" + path("m.map")), 0U);
+  EXPECT_EQ(start(disk + "/RESUME:" + path("m.map") + " /MAP:" + path("M.MAP")), 0U) << "the same file to Windows";
 }
 
 TEST_F(Batch, BitsTellKindsApart) {
