@@ -280,7 +280,7 @@ TEST_P(Writing, ADriveThatChangedBehindTheQuestionIsNotWrittenTo) {
   write_file("d.vd", "sectors 104\nserial S123\n");
   ASSERT_EQ(virtualdisk::attach(0, path("d.vd")), "");
   headless::desktop.answers = {"OK", "OK"};
-  headless::desktop.at_box = [this] {
+  headless::desktop.at_box = [] {
     virtualdisk::detach_all();
     ASSERT_EQ(virtualdisk::attach(0, write_file("e.vd", "image a.img\nserial S124\n")), "");
   };
