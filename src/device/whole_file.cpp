@@ -3,7 +3,7 @@
 #include "device/kernel32.h"
 
 WholeFile read_whole_file(const std::string& name) {
-  constexpr std::uint32_t kPart = 1U << 20U;
+  constexpr std::uint32_t kPart = 1U << 16U;
   WholeFile whole;
   const kernel32::Handle file =
       kernel32::CreateFileA(name.c_str(), platform::kGenericRead, platform::kShareRead, platform::kOpenExisting, 0);

@@ -1,5 +1,6 @@
 #include "virtualdisk/files.h"
 
+#include <algorithm>
 #include <cctype>
 
 namespace virtualdisk {
@@ -26,16 +27,17 @@ std::string read_file(const std::string& name, std::uint32_t most, std::string* 
   OwnedFile file(
       platform::CreateFileA(name.c_str(), platform::kGenericRead, platform::kShareRead, platform::kOpenExisting, 0));
   if (!file.is_open()) return refused("cannot be opened");
-  contents->resize(most + 1);
-  std::uint32_t filled = 0;
-  std::uint32_t moved = 1;
-  while (filled < contents->size() && moved != 0) {
-    const auto wanted = static_cast<std::uint32_t>(contents->size()) - filled;
+  contents->clear();
+  std::uint32_t moved = 0;
+  do {
+    constexpr std::uint32_t kPart = 1U << 16U;
+    const auto filled = static_cast<std::uint32_t>(contents->size());
+    const std::uint32_t wanted = std::min(kPart, most + 1 - filled);
+    contents->resize(filled + wanted);
     if (!platform::ReadFile(file.get(), contents->data() + filled, wanted, &moved)) return refused("cannot be read");
-    filled += moved;
-  }
-  if (filled > most) return "has more than " + std::to_string(most) + " bytes";
-  contents->resize(filled);
+    contents->resize(filled + moved);
+  } while (moved != 0 && contents->size() <= most);
+  if (contents->size() > most) return "has more than " + std::to_string(most) + " bytes";
   *held = std::move(file);
   return {};
 }
