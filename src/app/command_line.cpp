@@ -139,7 +139,7 @@ bool read_max_celsius(const std::string& value, Asked* result) {
 bool read_pinpoint(const std::string& value, Asked* result) {
   constexpr std::int64_t kMost = 1'000'000;
   result->pinpoint = upper_case(value) != "OFF";
-  if (value.empty() || !*result->pinpoint) return true;
+  if (value.empty() || !result->pinpoint) return true;
   const std::size_t comma = value.find(',');
   std::int64_t seconds = 0;
   if (!take_number(std::string_view(value).substr(0, comma), 1, kMost, &seconds)) return false;
@@ -232,10 +232,9 @@ constexpr std::array kSwitches = {
     Switch{
         "/PINPOINT", Takes::either, false, read_pinpoint,
         "nothing, OFF, seconds, or seconds and failed reads, as 300,1000",
-        "/PINPOINT         behind READ and SEARCH find the exact bad sectors of what failed or stalled, by reading\r\n"
-        "                  it again in pieces; on in a window. /PINPOINT:s or :s,n for at most s seconds (300) and "
-        "n\r\n"
-        "                  failed reads (1000), /PINPOINT:OFF for not at all"},
+        "/PINPOINT         after READ and SEARCH find the exact bad sectors of what failed or stalled, by reading\r\n"
+        "                  it again in pieces, as the menu More... of the window does; :s or :s,n for at most s\r\n"
+        "                  seconds (300) and n failed reads (1000), :OFF for not at all"},
     Switch{"/STOPAFTER", Takes::value, false, read_stop_after, "a number from 1",
            "/STOPAFTER:n      end the run when n transfers have failed"},
     Switch{"/REPORT", Takes::value, false,

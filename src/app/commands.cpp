@@ -203,9 +203,12 @@ void find_bad_places() {
 void run_in_frame(const Command& command) {
   if (!may_begin(command)) return;
   // The range that the fields show now is written to, also where the frame selects the drive again.
-  if (command.writes && !in_batch()) form1.RangeEdited = true;
+  const bool edited = form1.RangeEdited;
+  const bool keeps_range = command.writes && command.has_range && !in_batch();
+  if (keeps_range) form1.RangeEdited = true;
   form1.Text1.set_text({});
   Start_Operation();
+  if (keeps_range) form1.RangeEdited = edited;
   begin_progress_line();
   if (command.writes) {
     run_writing(command);
@@ -223,15 +226,26 @@ void run_in_frame(const Command& command) {
   if (identification.Drive_Sectors == 0) form1.TxtStatus.set_text(command_end.reason);
 }
 
-/// Deals with what was pressed meanwhile as during the command, then gives the buttons back.
+void lock_buttons() {
+  form1.command_running = true;
+  platform::begin_command();
+}
+
+/// Handles what was pressed meanwhile as during the command, then enables the buttons again. A drive that was pressed
+/// is selected now.
 void unlock_buttons() {
   const std::int16_t exit_code = output.ExitCode;
   const bool command_line_mode = form1.CommandLineMode;
   platform::end_command();
-  if (!in_batch()) return;
-  // What was pressed after all had been told changes nothing that a batch file sees.
-  output.ExitCode = exit_code;
-  set_command_line_mode(command_line_mode);
+  if (in_batch()) {
+    // The results are complete: a later press changes nothing that a batch file sees.
+    output.ExitCode = exit_code;
+    set_command_line_mode(command_line_mode);
+  }
+  form1.command_running = false;
+  if (form1.pending_drive == kNoDrive) return;
+  form1.pending_drive = kNoDrive;
+  select_drive_keeping_text();
 }
 
 }  // namespace
@@ -248,9 +262,12 @@ const Command* command_named(std::string_view name) {
 
 void run_command(std::string_view name) {
   if (form1.command_running) return;
+  if (form1.selecting_drive) {
+    if (!in_batch()) form1.pending_command = name;
+    return;
+  }
   const Command& command = *command_named(name);
-  form1.command_running = true;
-  platform::begin_command();
+  lock_buttons();
   begin_results(program_version(), command.unmeasured_name);
   verify_run = {};
   if (command.alone != nullptr) {
@@ -262,8 +279,33 @@ void run_command(std::string_view name) {
   end_measuring(form1.MyCancel);
   finish_results();
   unlock_buttons();
-  form1.command_running = false;
-  if (form1.pending_drive == kNoDrive) return;
-  form1.pending_drive = kNoDrive;
-  select_drive_keeping_text();
+}
+
+std::string why_no_exact_search() {
+  if (!results.last) return "Run READ or SEARCH first.";
+  if (bad_transfers().empty() || run_findings.bad.empty()) {
+    return "No transfer of the last READ or SEARCH failed or stalled.";
+  }
+  if (run_findings.pinpoint.made && run_findings.pinpoint.stopped.empty()) {
+    return "The bad sectors of the last command are exact already.";
+  }
+  const bool same_drive =
+      results.last->drive == form1.SelectedDrive && results.last->disk.Disk_Serial == identification.Disk_Serial;
+  return same_drive ? std::string() : "The last command ran on another drive.";
+}
+
+void find_exact_sectors() {
+  if (form1.command_running || !why_no_exact_search().empty()) return;
+  lock_buttons();
+  // Cancel ends this search; the run that it belongs to has ended before.
+  const CommandEnd run_end = command_end;
+  const std::int16_t exit_code = output.ExitCode;
+  form1.MyCancel = false;
+  pinpoint();
+  name_owners(form1.SelectedDrive, &run_findings.bad);
+  tell_bad_places();
+  command_end = run_end;
+  output.ExitCode = exit_code;
+  add_to_last_results();
+  unlock_buttons();
 }

@@ -53,3 +53,10 @@ const Command* command_named(std::string_view name);
 /// selected afterwards, so that no command ever touches a second drive. When the user leaves the program instead, the
 /// process ends inside.
 void run_command(std::string_view name);
+
+/// Why the exact bad sectors of the last command cannot be searched for; empty if they can.
+std::string why_no_exact_search();
+
+/// Reads the failed and stalled transfers of the last READ or SEARCH again in pieces (ops/pinpoint.h) and appends the
+/// block BAD PLACES. Reads only; does nothing if why_no_exact_search() returns a reason.
+void find_exact_sectors();

@@ -8,8 +8,6 @@
 #include "pictures/health_line.h"
 #include "pictures/panel.h"
 #include "pictures/progress_bar.h"
-#include "results/health_report.h"
-#include "results/results.h"
 
 namespace {
 
@@ -101,12 +99,10 @@ const std::array<Control, kControlCount> kControls = {{
            "Write data in buffer to disk (destructive - do not use on any disk containing valid data!)",
            CmdWrite_Click),
     picture("health_line", &kHealthPicture, "How the drive is, by its own word and by what the last run met"),
-    button("history_button", "H&istory...", "Keep a line for every run, and tell what grew since the last one",
-           ask_history_folder),
-    button("save_button", "Sa&ve page...", "Save verdict, graph, map, bad places and report as one page", save_page),
+    button("more_button", "M&ore...", "Exact bad sectors, history, result page, command line", more_click),
     tab("report_tab", "R&eport", "Show the report and the bytes to edit", &panel.report_tab, report_tab_click),
     tab("graph_tab", "Rate &graph", "Show the transfer rates over the range", &panel.graph_tab, graph_tab_click),
-    tab("map_tab", "Bl&ock map", "Show the slowest transfer of each part of the range", &panel.map_tab, map_tab_click),
+    tab("map_tab", "Bloc&k map", "Show the slowest transfer of each part of the range", &panel.map_tab, map_tab_click),
     picture("picture", &kPanelPicture),
     display("TxtStatus", "Current status is displayed here (some values may not be relevant for all tests)",
             &form1.TxtStatus),
@@ -128,6 +124,7 @@ platform::WindowTable main_window() {
           .least = kLeastSize,
           .whole = kWholeSize,
           .on_close = window_closed,
+          .on_help = show_command_line_help,
           .cancel = static_cast<std::size_t>(ControlId::cmdCancel),
           .status = static_cast<std::size_t>(ControlId::TxtStatus),
           .share = progress_share,

@@ -1,7 +1,14 @@
 #include "app/handlers.h"
 
+#include <array>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "app/command_line.h"
 #include "app/commands.h"
+#include "app/controls.h"
 #include "app/program.h"
 #include "device/kernel32.h"
 #include "disk/drive.h"
@@ -13,6 +20,7 @@
 #include "ops/selection.h"
 #include "ops/visit.h"
 #include "platform/window.h"
+#include "results/health_report.h"
 #include "results/results.h"
 
 namespace {
@@ -38,14 +46,14 @@ void option_click(int drive) {
   form1.MyCancel = true;
   form1.RangeEdited = false;
   show_option(drive);
-  // A command pressed behind this button does not begin before the drive is selected.
-  const bool during_command = form1.command_running;
-  form1.command_running = true;
+  if (form1.selecting_drive) return;
+  form1.selecting_drive = true;
   platform::pump_events();
-  form1.command_running = during_command;
-  if (!during_command) {
-    form1.pending_drive = kNoDrive;
+  form1.selecting_drive = false;
+  if (!form1.command_running) {
     SelectDrive();
+    const std::string command = std::exchange(form1.pending_command, {});
+    if (!command.empty()) run_command(command);
   } else if (in_batch()) {
     command_end.cancelled = true;
     output.ExitCode = kCancelled;  // a run is of one drive: it ends here
@@ -131,11 +139,41 @@ void CmdSlowRate_Click() {
 }
 
 void CmdHelp_Click() {
-  MyUsage("\r\n\r\n" + switch_names() + "\r\n" + exit_code_help() + "\r\n" + example_help());
+  MyUsage();
+}
+
+void show_command_line_help() {
+  tell_user(switch_names() + "\r\n" + exit_code_help() + "\r\n" + example_help());
+}
+
+void more_click() {
+  struct Entry {
+    const char* caption;
+    const char* hint;
+    std::string (*why_not)();  // null for an entry that can always be chosen
+    void (*run)();
+  };
+  constexpr std::array kEntries = {
+      Entry{"Find exact bad &sectors", "Read what failed or stalled again in pieces", why_no_exact_search,
+            find_exact_sectors},
+      Entry{"&History folder...", "Keep a line for every run, and compare with the last one", nullptr,
+            ask_history_folder},
+      Entry{"Save result &page...", "Save verdict, graph, map, bad places and report as one page", why_no_page,
+            save_page},
+      Entry{"Command line &help\tF1", "Show switches, exit codes and examples", nullptr, show_command_line_help}};
+  std::vector<platform::MenuItem> items;
+  for (const Entry& entry : kEntries) {
+    const std::string why = entry.why_not == nullptr ? std::string() : entry.why_not();
+    items.push_back({entry.caption, why.empty() ? entry.hint : why, why.empty()});
+  }
+  const std::optional<std::size_t> chosen =
+      platform::pick_from_menu(items, static_cast<std::size_t>(ControlId::more_button));
+  if (chosen) kEntries.at(*chosen).run();
 }
 
 void cmdCancel_Click() {
   form1.MyCancel = true;
+  form1.pending_command.clear();
   command_end.cancelled = true;
   set_command_line_mode(false);
   form1.Text1.caret_to_end();

@@ -43,7 +43,14 @@ void Cmd_OffTrack_Write();
 /// Asks for the slow-transfer limit.
 void CmdSlowRate_Click();
 
+/// Shows the usage text, and nothing else.
 void CmdHelp_Click();
+
+/// F1: shows switches, exit codes and examples.
+void show_command_line_help();
+
+/// Offers the functions that have no button of their own in a menu.
+void more_click();
 
 /// Stops the running command at its next transfer and falls back to interactive behaviour; exit code 3.
 void cmdCancel_Click();

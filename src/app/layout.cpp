@@ -134,19 +134,15 @@ int place_sector_functions(Placing* placing, int y) {
 /// of the picture's height.
 void place_panel(Placing* placing, int x, int y, int height) {
   constexpr int kTabWidth = 92;
-  constexpr int kHistoryWidth = 84;
-  constexpr int kSaveWidth = 92;
+  constexpr int kMoreWidth = 92;
   constexpr int kGap = 6;
   constexpr int kLeastHealth = 380;
-  const int save = placing->right() - kSaveWidth;
-  const int history = save - kGap - kHistoryWidth;
+  const int more = placing->right() - kMoreWidth;
   const int beside = x + 2 * kTabWidth + 2 * kGap;
-  const bool in_row = history - kGap - beside >= kLeastHealth;
+  const bool in_row = more - kGap - beside >= kLeastHealth;
   const int tabs = in_row ? y : y + kRow + kGap;
-  placing->put(Id::health_line, in_row ? beside : x, y, (in_row ? history - kGap - beside : placing->right() - x),
-               kRow);
-  placing->put(Id::history_button, history, tabs, kHistoryWidth, kRow);
-  placing->put(Id::save_button, save, tabs, kSaveWidth, kRow);
+  placing->put(Id::health_line, in_row ? beside : x, y, (in_row ? more - kGap - beside : placing->right() - x), kRow);
+  placing->put(Id::more_button, more, tabs, kMoreWidth, kRow);
   placing->put(Id::graph_tab, x, tabs, kTabWidth, kRow);
   placing->put(Id::map_tab, x + kTabWidth, tabs, kTabWidth, kRow);
   const int picture = tabs + kRow + kGap;
@@ -165,8 +161,7 @@ int panel_height_above(const Placing& placing, int y) {
 /// The tabs of what shares the rest of the window, in one row with the drive's health, and `front` below them. The
 /// window is small: the row is low.
 void place_shared(Placing* placing, int y, Id front) {
-  constexpr int kHistoryWidth = 76;
-  constexpr int kSaveWidth = 88;
+  constexpr int kMoreWidth = 76;
   constexpr int kHeight = 22;
   constexpr int kGap = 4;
   int x = kMargin;
@@ -178,11 +173,9 @@ void place_shared(Placing* placing, int y, Id front) {
     placing->put(tab.id, x, y, tab.width, kHeight);
     x += tab.width;
   }
-  const int save = placing->right() - kSaveWidth;
-  const int history = save - kHistoryWidth;
-  placing->put(Id::health_line, x + kApart, y, history - kApart - x - kApart, kHeight);
-  placing->put(Id::history_button, history, y, kHistoryWidth, kHeight);
-  placing->put(Id::save_button, save, y, kSaveWidth, kHeight);
+  const int more = placing->right() - kMoreWidth;
+  placing->put(Id::health_line, x + kApart, y, more - kApart - x - kApart, kHeight);
+  placing->put(Id::more_button, more, y, kMoreWidth, kHeight);
   const int below = y + kHeight + kGap;
   placing->put(front, kMargin, below, placing->right() - kMargin, placing->bottom() - below);
 }

@@ -12,8 +12,8 @@ int run_program();
 /// and the instructions. Goes on past failures of single steps.
 void Form_Load();
 
-/// Shows what earlier tests left behind what Text1 holds, and asks for each place whether its former contents are to be
-/// given back now.
+/// Appends what earlier tests left to Text1. Then asks for each location whether its former contents are to be restored
+/// now; in command-line mode, which opens no boxes, shows the first line in the status instead.
 void offer_left_over(const LeftOver& left);
 
 /// What the window's caption says while questions are asked.

@@ -68,9 +68,13 @@ void set_command_line_mode(bool on) {
 
 void offer_left_over(const LeftOver& left) {
   if (left.lines.empty()) return;
-  form1.Text1.append("\r\n\r\nUNDO JOURNALS\r\n=============\r\n");
-  for (const std::string& line : left.lines) form1.Text1.append(line + "\r\n");
+  report_and_show("\r\n\r\nUNDO JOURNALS\r\n=============\r\n");
+  for (const std::string& line : left.lines) report_line(line);
   form1.Text1.caret_to_end();
+  if (form1.CommandLineMode) {
+    form1.TxtStatus.set_text(left.lines.front());
+    return;
+  }
   const int selected = form1.SelectedDrive;
   for (const Restorable& place : left.restorable) {
     const std::string question = place.what + "\r\n\r\nGive their former contents back from \"" + place.file + "\"?";

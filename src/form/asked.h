@@ -58,8 +58,8 @@ struct Asked {
   std::optional<int> max_celsius;      // at which a run pauses
   bool exit_by_verdict = false;
   bool exit_by_bits = false;
-  std::optional<bool> pinpoint;  // whether bad sectors are looked for behind a read; not given: in a window alone
-  int pinpoint_seconds = 300;    // for how long at most,
+  bool pinpoint = false;                // search for the exact bad sectors after READ and SEARCH
+  int pinpoint_seconds = 300;           // for how long at most,
   std::int64_t pinpoint_errors = 1000;  // and until how many reads have failed
   std::int64_t stop_after = 0;          // failed transfers that end the run; 0 for none
   std::optional<std::string> report;    // file, or "-" for standard output

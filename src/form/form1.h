@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 
 #include "platform/fields.h"
 #include "platform/units.h"
@@ -30,6 +31,8 @@ struct Form1 {
   bool command_running = false;
   bool report_in_front = true;   // in a window in which Text1 and the pictures share a place: Text1 is shown
   int pending_drive = kNoDrive;  // pressed while a command ran; selected when it has ended
+  bool selecting_drive = false;
+  std::string pending_command;  // pressed while a drive was being selected; runs afterwards
 };
 
 inline Form1 form1;

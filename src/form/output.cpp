@@ -188,14 +188,13 @@ void ExitProgram() {
   kernel32::ExitProcess(output.InDevelopmentEnvironment ? kNoCode : static_cast<std::uint32_t>(exit_code()));
 }
 
-void MyUsage(const std::string& more) {
+void MyUsage() {
   tell_user(
-      std::string("Usage: Sectorix {/D:n}  where n is the initial disk drive number\r\n"
-                  "PLEASE NOTE: Must be run with Administrator privileges.\r\n"
-                  "If you get a 'Write error' when writing to a removable disk, try 'Ejecting' the drive first.\r\n"
-                  "Reported variables:\r\n"
-                  "QV_S_xxx = SMART statistics\r\n"
-                  "QV_D_xxx = Disk statistics\r\n"
-                  "QV_E_xxx = Event log statistics.") +
-      more);
+      "Usage: Sectorix {/D:n}  where n is the initial disk drive number\r\n"
+      "PLEASE NOTE: Must be run with Administrator privileges.\r\n"
+      "If you get a 'Write error' when writing to a removable disk, try 'Ejecting' the drive first.\r\n"
+      "Reported variables:\r\n"
+      "QV_S_xxx = SMART statistics\r\n"
+      "QV_D_xxx = Disk statistics\r\n"
+      "QV_E_xxx = Event log statistics.");
 }

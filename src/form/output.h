@@ -88,5 +88,5 @@ std::uint32_t append_to_file(const std::string& name, std::string_view lines);
 /// Never returns.
 [[noreturn]] void ExitProgram();
 
-/// Shows what the command line takes, in a box, with `more` below it.
-void MyUsage(const std::string& more);
+/// Shows the usage text in a box.
+void MyUsage();

@@ -42,8 +42,9 @@ struct TemperatureTrack {
   double began = 0.0;  // of the steady clock
   std::vector<Sample> samples;
   std::optional<int> highest;
-  bool tells = false;  // the drive answers without disturbing transfers
-  int pauses = 0;      // for the temperature
+  bool tells = false;              // the drive answers without disturbing transfers
+  std::int64_t failed_before = 0;  // transfers of the run, at the last look
+  int pauses = 0;                  // for the temperature
   double paused_seconds = 0.0;
 };
 

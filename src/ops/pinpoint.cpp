@@ -270,7 +270,7 @@ void list_bad_transfers() {
 }
 
 bool wants_pinpoint() {
-  return asked.pinpoint.value_or(!in_batch()) && !measure.stopped && early_end.why.empty() && !run_findings.bad.empty();
+  return asked.pinpoint && !measure.stopped && early_end.why.empty() && !run_findings.bad.empty();
 }
 
 void pinpoint() {

@@ -12,8 +12,7 @@ std::vector<BadRange> bad_transfers();
 /// Puts them into run_findings.bad, whole as they are, by LBA.
 void list_bad_transfers();
 
-/// True where the run left transfers to look at and the user wants it: in a window unless he said no, in a batch where
-/// he said so, and never behind a run that was stopped.
+/// True if /PINPOINT is on the command line, transfers failed or stalled, and the run was not stopped.
 bool wants_pinpoint();
 
 /// Reads those transfers again in pieces and puts the exact ranges into run_findings.bad, those that it did not come to

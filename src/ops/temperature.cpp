@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "disk/transfer.h"
 #include "form/asked.h"
@@ -10,6 +11,7 @@
 #include "form/progress_line.h"
 #include "health/ask.h"
 #include "measure/findings.h"
+#include "measure/measure.h"
 #include "platform/clock.h"
 #include "platform/window.h"
 
@@ -59,7 +61,15 @@ void pause_until(int cool_enough, int celsius) {
   track.paused_seconds += platform::steady_seconds() - began;
 }
 
+/// True if transfers failed since the last look. A failing drive gets no requests beyond those of the run; a limit on
+/// the temperature is one that the user asked for.
+bool leaves_drive_alone() {
+  TemperatureTrack& track = run_findings.temperature;
+  return !asked.max_celsius && std::exchange(track.failed_before, measure.failed) != measure.failed;
+}
+
 void look_between_transfers() {
+  if (leaves_drive_alone()) return;
   const std::optional<int> celsius = look();
   if (celsius && asked.max_celsius && *celsius >= *asked.max_celsius)
     pause_until(*asked.max_celsius - kCooler, *celsius);

@@ -58,6 +58,7 @@ struct Press {
     click,      // on the control of `row`
     typing,     // its text is now `text`
     picked,     // a double click at `place` of the picture of `row`
+    help,       // F1
     closing,    // the window is to be closed
     interrupt,  // Control-C
     leave       // the console closes, the session ends

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -74,6 +75,7 @@ struct WindowTable {
   Size least;          // smallest client size, in pixels at 96 dpi
   Size whole;          // client size that shows everything, in pixels at 96 dpi
   void (*on_close)();  // the user closes the window; does not return (it ends the process)
+  void (*on_help)();   // F1
   std::size_t cancel;  // the row of the button that has the focus while a command runs
   std::size_t status;  // the row of the status line
   Share (*share)();    // asked while a command runs
@@ -126,6 +128,17 @@ struct CheckBox {
 
 /// A question, as message_box() asks it for OK or Cancel, with a check box, which changes on OK alone.
 bool checked_box(const std::string& text, const std::string& title, CheckBox* check);
+
+/// An entry of a menu.
+struct MenuItem {
+  std::string caption;  // "&" marks the access key; a key that does the same follows a tab
+  std::string hint;     // shown in the status line while the entry is highlighted
+  bool enabled = true;  // false: it is grey, and its hint says why
+};
+
+/// Shows a menu below the control of row `row` of the window's table. Returns the index of the chosen entry, or nullopt
+/// if the user leaves the menu or there is no window.
+std::optional<std::size_t> pick_from_menu(std::span<const MenuItem> items, std::size_t row);
 
 /// Asks for a line of text in a modal box; empty for Cancel as well as for an empty answer.
 std::string input_box(const std::string& prompt, const std::string& title, const std::string& default_answer);

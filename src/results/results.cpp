@@ -197,11 +197,16 @@ void tell_unstarted(const std::string& version, Outcome outcome, const std::stri
   close_unstarted();
 }
 
+std::string why_no_page() {
+  return results.last ? std::string() : "There is no result to save yet: run a command first.";
+}
+
+void add_to_last_results() {
+  results.last->findings = run_findings;
+  results.last->report = form1.Text1.text();
+}
+
 void save_page() {
-  if (!results.last) {
-    tell_user("There is no result to save yet: run a command first.");
-    return;
-  }
   const std::string name =
       ask_line("File for one page with the verdict, the graph, the map, bad places and the report.",
                "SAVE THE RESULT AS A PAGE", proposed_page(*results.last));

@@ -38,7 +38,13 @@ void finish_results();
 /// A run of /OP has ended before its command began. Its outcome is told, and its JSON document written.
 void tell_unstarted(const std::string& version, Outcome outcome, const std::string& reason);
 
-/// Asks for a file and writes the page of the last operation into it.
+/// The exact bad sectors of the last operation are known now: its page gets them. Requires: there is a last operation.
+void add_to_last_results();
+
+/// Why no page can be saved; empty if one can.
+std::string why_no_page();
+
+/// Asks for a file and writes the page of the last operation into it. Requires: there is one.
 void save_page();
 
 /// The program ends, perhaps in the middle of a command: the files get what was measured so far, as a cancelled run's.

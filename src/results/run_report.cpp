@@ -5,6 +5,7 @@
 
 #include "disk/early_end.h"
 #include "disk/error_text.h"
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "form/outcome.h"
@@ -69,8 +70,10 @@ std::string range_lines() {
 std::string pinpoint_line() {
   const Pinpoint& told = run_findings.pinpoint;
   if (!told.made) {
-    return run_findings.bad.empty() ? std::string()
-                                    : std::string("Not pinpointed: each range is a whole transfer.") + kLineEnd;
+    if (run_findings.bad.empty()) return {};
+    return std::string("Each range is a whole transfer. ") +
+           (in_batch() ? "/PINPOINT reads them" : "More... > Find exact bad sectors reads them") +
+           " again in pieces, to find the exact sectors." + kLineEnd;
   }
   std::string line = "Pinpointed " + std::to_string(told.looked_at) + " of " + std::to_string(told.suspects) +
                      " transfers in " + fixed_text(told.seconds, 1) + " s with " + std::to_string(told.reads) +

@@ -47,7 +47,7 @@ TEST(HealthLine, ThePageOfTheLastRunIsSavedWhereTheUserSays) {
   const Program program("/VDISK:0=DEMO");
   read(program, "623000", "2000");
   ASSERT_TRUE(says(program, "Health: WORSE"));
-  program.press("Save page...");
+  program.choose("More...", 3);
   HWND const box = program.wait_for_box("SAVE THE RESULT AS A PAGE");
   ASSERT_NE(box, nullptr);
   set_text(::FindWindowExA(box, nullptr, "EDIT", nullptr), "saved.html");

@@ -114,6 +114,13 @@ void Program::press(const std::string& caption) const {
   ::PostMessageA(control, BM_CLICK, 0, 0);
 }
 
+void Program::choose(const std::string& caption, int number) const {
+  press(caption);
+  ASSERT_TRUE(wait_until([] { return ::FindWindowA("#32768", nullptr) != nullptr; }));
+  for (int i = 0; i < number; ++i) key(VK_DOWN);
+  key(VK_RETURN);
+}
+
 void Program::key(int virtual_key) const {
   HWND const target = focus();
   const LPARAM scan = static_cast<LPARAM>(::MapVirtualKeyA(static_cast<UINT>(virtual_key), MAPVK_VK_TO_VSC)) << 16;

@@ -27,6 +27,9 @@ class Program {
 
   void press(const std::string& caption) const;
 
+  /// Presses the button `caption`, which opens a menu, and chooses the entry `number`, from 1.
+  void choose(const std::string& caption, int number) const;
+
   /// A key as the keyboard gives it, to the control that has the focus.
   void key(int virtual_key) const;
   void type(const std::string& text) const;

@@ -109,6 +109,16 @@ std::string input_box(const std::string& prompt, const std::string& title, const
   return answer == "CANCEL" ? std::string() : answer;
 }
 
+std::optional<std::size_t> pick_from_menu(std::span<const MenuItem> items, std::size_t /*row*/) {
+  std::string shown;
+  for (const MenuItem& item : items) shown += item.caption + (item.enabled ? ": " : " (grey): ") + item.hint + "\r\n";
+  const std::string answer = headless::take_answer({.text = shown, .title = "menu"});
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    if (items[i].enabled && items[i].caption == answer) return i;
+  }
+  return std::nullopt;
+}
+
 std::string command_line() {
   return desktop.command_line;
 }

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <span>
 #include <string>
 
 #include "platform/geometry.h"
@@ -163,6 +165,25 @@ int show_message(const std::string& text, const std::string& title, UINT look) {
   return ::MessageBoxA(main_window.window, text.c_str(), title.c_str(), look);
 }
 
+/// On the window's thread: the number of the chosen entry, from 1, or 0.
+std::size_t show_menu(std::span<const platform::MenuItem> items, std::size_t row) {
+  before_box();
+  HMENU const menu = ::CreatePopupMenu();
+  main_window.menu_hints.clear();
+  for (const platform::MenuItem& item : items) {
+    main_window.menu_hints.push_back(item.hint);
+    ::AppendMenuA(menu, item.enabled ? MF_STRING : MF_STRING | MF_GRAYED, main_window.menu_hints.size(),
+                  item.caption.c_str());
+  }
+  RECT place{};
+  ::GetWindowRect(main_window.controls[row].window, &place);
+  const BOOL chosen = ::TrackPopupMenu(menu, TPM_RETURNCMD | TPM_LEFTALIGN | TPM_TOPALIGN, place.left, place.bottom, 0,
+                                       main_window.window, nullptr);
+  ::DestroyMenu(menu);
+  menu_entry_highlighted(0);
+  return static_cast<std::size_t>(chosen);
+}
+
 }  // namespace
 }  // namespace win32
 
@@ -176,6 +197,13 @@ bool message_box(const std::string& text, Buttons buttons, const std::string& ti
   int pressed = IDCANCEL;
   win32::ask_window([&] { pressed = win32::show_message(text, title, shape | sign); }, true);
   return pressed == IDOK;
+}
+
+std::optional<std::size_t> pick_from_menu(std::span<const MenuItem> items, std::size_t row) {
+  if (win32::main_window.window == nullptr) return std::nullopt;
+  std::size_t chosen = 0;
+  win32::ask_window([&] { chosen = win32::show_menu(items, row); }, true);
+  return chosen == 0 ? std::nullopt : std::optional(chosen - 1);
 }
 
 std::string input_box(const std::string& prompt, const std::string& title, const std::string& default_answer) {

@@ -118,7 +118,7 @@ void note_waiting(const Wanted& wanted) {
   constexpr double kMoments = 0.5;
   const platform::Waiting waiting = waiting_now(wanted);
   const platform::WindowTable& table = main_window.table;
-  main_window.status_instead = table.waiting(waiting);
+  main_window.status_instead = main_window.menu_hint.empty() ? table.waiting(waiting) : main_window.menu_hint;
   if (main_window.status_instead.empty() && waiting.seconds > 0.0 && waiting.seconds < kMoments) {
     main_window.status_instead = table.controls[table.status].field->beneath();
   }
@@ -137,6 +137,14 @@ void show_share_when_due(double now) {
   if (now - command_began + std::max(share.seconds_left, 0.0) < kWorthTelling) return;
   next_share = now + kPause;
   show_on_taskbar(share);
+}
+
+/// True for F1, which asks for help wherever the focus is.
+bool took_help_key(const MSG& message) {
+  constexpr LPARAM kHeldDown = 1 << 30;
+  if (message.message != WM_KEYDOWN || message.wParam != VK_F1) return false;
+  if ((message.lParam & kHeldDown) == 0) presses.add({.what = Press::What::help});
+  return true;
 }
 
 /// Enter and Esc in the main window: Enter presses the button that has the focus, Esc cancels the command that runs.
@@ -211,6 +219,12 @@ void tick() {
   if (now >= next_show) show_soon();
 }
 
+void menu_entry_highlighted(std::size_t number) {
+  const bool known = number > 0 && number <= main_window.menu_hints.size();
+  main_window.menu_hint = known ? main_window.menu_hints[number - 1] : std::string();
+  show_soon();
+}
+
 void show_leaving_box() {
   const std::string text = main_window.table.leaving(waiting_now(wanted_by_presses()));
   ::MessageBoxA(main_window.window, text.c_str(), "Sectorix", MB_OK | MB_ICONINFORMATION);
@@ -240,8 +254,8 @@ void hand_over_typing() {
 void dispatch(MSG* message) {
   HWND const main = main_window.window;
   const bool ours = message->hwnd == main || ::IsChild(main, message->hwnd) != FALSE;
-  if (ours &&
-      (took_enter_or_escape(*message) || took_bare_letter(*message) || ::IsDialogMessageA(main, message) != FALSE))
+  if (ours && (took_help_key(*message) || took_enter_or_escape(*message) || took_bare_letter(*message) ||
+               ::IsDialogMessageA(main, message) != FALSE))
     return;
   ::TranslateMessage(message);
   ::DispatchMessageA(message);

@@ -42,7 +42,9 @@ struct MainWindow {
   bool pushing = false;         // changes that the controls report now are the program's own
   HWND hidden = nullptr;        // stands for the window in a session that shows none, to hear of the session's end
   std::string status_instead;   // what the status line shows in place of its field
-  bool pointer_moved = false;   // over the picture of `pointer_row`, and its handler was not told yet
+  std::vector<std::string> menu_hints;  // of the menu that is open, by entry
+  std::string menu_hint;                // of the entry that is highlighted
+  bool pointer_moved = false;           // over the picture of `pointer_row`, and its handler was not told yet
   std::size_t pointer_row = 0;
   std::optional<platform::Point> pointer;
 };
@@ -156,6 +158,9 @@ void drain_messages();
 
 /// What is to be done again and again: showing, the time that a call takes, presses that stop it.
 void tick();
+
+/// The entry `number` (from 1) of the open menu is highlighted; 0 for none.
+void menu_entry_highlighted(std::size_t number);
 
 /// Says in a box that the program is about to end.
 void show_leaving_box();

@@ -40,6 +40,8 @@ void deal_with(platform::Press press) {
       return;
     case What::picked:
       return controls[press.row].picture->on_double_click(press.place);
+    case What::help:
+      return main_window.table.on_help();
     case What::closing:
       return main_window.table.on_close();
     case What::interrupt:

@@ -106,6 +106,9 @@ LRESULT CALLBACK main_procedure(HWND window, UINT message, WPARAM word, LPARAM l
     case WM_SETFOCUS:
       if (main_window.focus != nullptr) ::SetFocus(main_window.focus);
       return 0;
+    case WM_MENUSELECT:
+      menu_entry_highlighted(HIWORD(word) == 0xFFFF ? 0 : LOWORD(word));
+      return 0;
     case WM_TIMER:
       tick();
       return 0;

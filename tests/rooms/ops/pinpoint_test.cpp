@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "app/commands.h"
 #include "app/handlers.h"
 #include "disk/transfer.h"
 #include "form/form1.h"
@@ -11,6 +12,7 @@
 #include "measure/findings.h"
 #include "measure/measure.h"
 #include "pictures/progress_bar.h"
+#include "results/results.h"
 #include "tests/support/rig.h"
 #include "virtualdisk/state.h"
 
@@ -65,7 +67,10 @@ TEST_P(PinpointTest, NothingOfItIsCounted) {
   EXPECT_EQ(code, static_cast<std::uint32_t>(exit_code()));
   EXPECT_THAT(ranges(), ElementsAre("failed transfer 0+20480 23", "failed transfer 20480+20480 23",
                                     "stalled transfer 61440+20480 0", "stalled transfer 81920+20480 0"));
-  EXPECT_THAT(without, HasSubstr("Not pinpointed: each range is a whole transfer.\r\n"));
+  EXPECT_THAT(
+      without,
+      HasSubstr(
+          "Each range is a whole transfer. /PINPOINT reads them again in pieces, to find the exact sectors.\r\n"));
 }
 
 TEST_P(PinpointTest, NoSectorIsReadByItselfMoreThanTwiceAndNothingIsWritten) {
@@ -82,12 +87,14 @@ TEST_P(PinpointTest, NoSectorIsReadByItselfMoreThanTwiceAndNothingIsWritten) {
 TEST_P(PinpointTest, ASectorThatAnswersTheSecondTimeIsSlow) {
   open_on("sectors 40960\nfail read 1000 8\n");
   click(CmdRead_Click);
+  click(find_exact_sectors);
   const std::int64_t second_round = run_findings.pinpoint.reads - (long_sectors() ? 1 : 8);
   headless::desktop.at_pump = [second_round](int) {
     const Pinpoint& told = run_findings.pinpoint;
     if (told.running && told.reads >= second_round) virtualdisk::state.disks[0]->faults = {};
   };
   click(CmdRead_Click);
+  click(find_exact_sectors);
   EXPECT_THAT(ranges(), ElementsAre("slow 1000+8 0"));
 }
 
@@ -97,6 +104,7 @@ TEST_P(PinpointTest, ATransferThatReadsWellAgainIsNoBadPlace) {
     if (run_findings.pinpoint.running) virtualdisk::state.disks[0]->faults = {};
   };
   click(CmdRead_Click);
+  click(find_exact_sectors);
   EXPECT_THAT(ranges(), ElementsAre());
   EXPECT_THAT(form1.Text1.text(), HasSubstr("1 could be read again without trouble.\r\n"));
 }
@@ -125,7 +133,9 @@ TEST_P(PinpointTest, CancelEndsItAndNotTheRun) {
     cmdCancel_Click();
   };
   click(CmdRead_Click);
+  click(find_exact_sectors);
   EXPECT_EQ(run_findings.pinpoint.stopped, "cancelled");
+  EXPECT_EQ(output.ExitCode, 2) << "of the run: two failed transfers";
   EXPECT_FALSE(measure.stopped);
   EXPECT_EQ(count_of(form1.Text1.text(), "CANCELLED"), 0);
   EXPECT_THAT(form1.Text1.text(), HasSubstr("Finished!"));
@@ -135,19 +145,39 @@ TEST_P(PinpointTest, CancelEndsItAndNotTheRun) {
 TEST_P(PinpointTest, ADriveThatIsGoneIsNotBad) {
   open_on("sectors 122880\nfail read 5000 8\nvanish 20\n");
   click(CmdRead_Click);
+  click(find_exact_sectors);
   EXPECT_THAT(run_findings.pinpoint.stopped, StartsWith("the drive does not answer: error 1167"));
   for (const BadRange& range : run_findings.bad) EXPECT_NE(range.code, 1167U);
 }
 
-TEST_P(PinpointTest, AWindowDoesItUnlessToldAndASearchToo) {
-  open(disk_switch(0, kBad) + "/PINPOINT:OFF");
-  click(CmdRead_Click);
-  EXPECT_FALSE(run_findings.pinpoint.made);
-  open(disk_switch(0, kBad));
+TEST_P(PinpointTest, AWindowReadsAFailingDiskAgainOnlyWhenAsked) {
+  open_on(kBad);
   headless::desktop.answers = {"tnowhere"};
   click(CmdFind_Click);
-  EXPECT_TRUE(run_findings.pinpoint.made);
+  EXPECT_FALSE(run_findings.pinpoint.made);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("Each range is a whole transfer. More... > Find exact bad sectors reads "));
+  EXPECT_EQ(why_no_exact_search(), "");
+  const std::string report = form1.Text1.text();
+  click(find_exact_sectors);
   EXPECT_EQ(run_findings.bad.size(), 4U);
+  EXPECT_THAT(form1.Text1.text(), StartsWith(report)) << "a block is added, the rest stays";
+  EXPECT_THAT(form1.Text1.text().substr(report.size()),
+              HasSubstr("BAD PLACES\r\n==========\r\nunreadable: LBA 5000 to "));
+  EXPECT_EQ(results.last->findings.bad.size(), 4U) << "for the page that the user may save";
+  EXPECT_EQ(why_no_exact_search(), "The bad sectors of the last command are exact already.");
+}
+
+TEST_P(PinpointTest, OnlyTheDriveOfTheLastRunIsReadAgain) {
+  open(disk_switch(0, kBad) + disk_switch(1, "sectors 122880\nserial S2\n"));
+  EXPECT_EQ(why_no_exact_search(), "Run READ or SEARCH first.");
+  click(CmdRead_Click);
+  click(Option2_Click);
+  EXPECT_EQ(why_no_exact_search(), "The last command ran on another drive.");
+  headless::desktop.calls.clear();
+  click(find_exact_sectors);
+  EXPECT_THAT(headless::desktop.calls, testing::IsEmpty());
+  click(CmdRead_Click);
+  EXPECT_EQ(why_no_exact_search(), "No transfer of the last READ or SEARCH failed or stalled.");
 }
 
 TEST_P(PinpointTest, ACancelledRunSaysWhereAndHowMuchIsMissing) {
@@ -167,6 +197,7 @@ using PracticePinpoint = Rig;
 TEST_F(PracticePinpoint, BothPlacesOfThePracticeDiskAreFoundInHalfAMinute) {
   open("/VDISK:0=DEMO");
   click(CmdRead_Click);
+  click(find_exact_sectors);
   ASSERT_EQ(run_findings.bad.size(), 2U);
   EXPECT_EQ(lba_text(run_findings.bad[0]), "LBA 624000 to 624007");
   EXPECT_EQ(lba_text(run_findings.bad[1]), "LBA 1249248 to 1249311");

@@ -112,6 +112,17 @@ TEST_P(Restore, TheWindowAsksAndCancelLeavesEverythingAsItIs) {
   EXPECT_THAT(form1.Text1.text(), HasSubstr("\r\n\r\nUNDO JOURNALS\r\n=============\r\nJournal \"" + journals()[0]));
   EXPECT_EQ(image(), damaged);
 
+  virtualdisk::detach_all();
+  desktop.boxes.clear();
+  open(disk_switches() + "/D:0");
+  EXPECT_THAT(desktop.boxes, IsEmpty()) << "none is opened at start in command-line mode";
+  EXPECT_THAT(form1.TxtStatus.text(), HasSubstr("8 of 8 sectors hold the pattern of an interrupted test."));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("UNDO JOURNALS"));
+  EXPECT_EQ(image(), damaged);
+  virtualdisk::detach_all();
+  desktop.answers = {"CANCEL"};
+  open(disk_switches());
+
   desktop.answers = {"3", "8", "OK"};
   click(CmdRnd_Click);
   EXPECT_THAT(desktop.boxes.back().text, HasSubstr("An earlier test of a disk of this serial number left the journal"))
@@ -120,10 +131,10 @@ TEST_P(Restore, TheWindowAsksAndCancelLeavesEverythingAsItIs) {
   virtualdisk::detach_all();
 
   desktop.answers = {"OK"};
-  open(disk_switches() + disk_switch(3, "sectors 104\n") + " /D:3");
+  open(disk_switches() + disk_switch(3, "sectors 104\n"));
   EXPECT_EQ(image(), pristine_);
   EXPECT_THAT(journals(), IsEmpty());
-  EXPECT_EQ(form1.SelectedDrive, 3) << "the drive of the command line is selected again";
+  EXPECT_EQ(form1.SelectedDrive, 0);
   EXPECT_THAT(form1.Text1.text(), HasSubstr("were given back and read again"));
   EXPECT_FALSE(disk.Sec_Buf.size() > 8 * 512);
 }

@@ -118,8 +118,9 @@ TEST_P(SequentialRead, ACommandBehindADriveButtonWaitsForTheSelection) {
   headless::desktop.at_pump = [](int pump) {
     if (pump == 1) CmdWrite_Click();
   };
+  headless::desktop.answers = {"CANCEL"};
   click(Option4_Click);
-  EXPECT_TRUE(headless::desktop.boxes.empty()) << "it would have asked about drive 0";
+  EXPECT_THAT(headless::desktop.boxes.at(0).text, StartsWith("Warning: This Disk 3 Write operation"));
   EXPECT_EQ(form1.SelectedDrive, 3);
 }
 
