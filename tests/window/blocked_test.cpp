@@ -119,7 +119,7 @@ TEST(Blocked, TheWindowAnswersWhateverTheCommand) {
 
 TEST(Blocked, TheWindowAnswersWhileTheDriveIsAskedWhatItIs) {
   write_file("quick.vd", "sectors 100\n");
-  write_file("mute.vd", "sectors 400\nsmart 5 3 100 100 36 0\nvolume Q:\nrequests 2500\n");
+  write_file("mute.vd", "sectors 400\nsmart 5 3 100 100 36 0\nvolume Q:\nrequests 1600\n");
   const Program program("/VDISK:0=quick.vd /VDISK:1=mute.vd");
   const Limits limits = limits_of(program);
   const auto waits = [&](const char* during) {

@@ -63,7 +63,7 @@ TEST(HealthLine, TheHistoryIsKeptWhereTheUserSays) {
   ::CreateDirectoryA("histories", nullptr);
   ::DeleteFileA("histories\\sectorix-PRACTICE-0001.jsonl");
   const Program program("/VDISK:0=DEMO");
-  program.press("History...");
+  program.choose("More...", 2);
   HWND const box = program.wait_for_box("KEEP A HISTORY?");
   ASSERT_NE(box, nullptr);
   set_text(::GetWindow(box, GW_CHILD) == nullptr ? box : ::FindWindowExA(box, nullptr, "EDIT", nullptr), "histories");
