@@ -175,7 +175,7 @@ void run_operation(const Command& command) {
 
 bool may_begin(const Command& command) {
   if (command.prepare != nullptr && !command.prepare()) return false;
-  if (command.has_range && !confirm_range()) return false;
+  if (command.writes && command.has_range && !confirm_range()) return false;
   if (command.trace != nullptr) ShowMessage(std::string("Started HDD - ") + command.trace);
   const bool offers_read_back = command.read_back != nullptr;
   if (command.question != nullptr && !confirm_write(command.question(), Overwritten::range, offers_read_back)) {

@@ -19,7 +19,7 @@ struct Command {
   bool has_switch = false;  // /OP can name it; tests and the window's controls start the others
   bool needs_serial = false;
   bool takes_find = false;      // and needs it
-  bool has_range = false;       // its place is the range in the fields: asked about where it ends behind the disk
+  bool has_range = false;       // works on the range in the fields
   std::int64_t most_count = 0;  // of /COUNT; 0 for no limit
   const char* above_most = "";  // what a larger one is told
 

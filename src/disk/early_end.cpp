@@ -26,16 +26,20 @@ bool says_gone(std::uint32_t code) {
   return std::find(kCodes.begin(), kCodes.end(), code) != kCodes.end();
 }
 
-void begin_early_end(std::int64_t most_failures) {
-  early_end = {.failures_left = most_failures};
+void begin_early_end(std::int64_t most_failures, std::int64_t disk_sectors) {
+  early_end = {.failures_left = most_failures, .disk_sectors = disk_sectors};
 }
 
-void note_outcome(std::uint32_t code) {
+void note_outcome(std::int64_t lba, std::uint32_t code) {
   constexpr int kEnough = 3;
   early_end.gone_in_a_row = says_gone(code) ? early_end.gone_in_a_row + 1 : 0;
   if (code == 0 || !early_end.why.empty()) return;
   if (early_end.failures_left > 0 && --early_end.failures_left == 0) {
     early_end.why = "as many transfers have failed as /STOPAFTER allows";
+  }
+  if (early_end.disk_sectors > 0 && lba >= early_end.disk_sectors) {
+    early_end.past_end = true;
+    early_end.why = "the range passes the disk's end";
   }
   if (early_end.gone_in_a_row < kEnough) return;
   early_end.gone_in_a_row = 0;

@@ -82,9 +82,8 @@ bool transfer_once(std::int64_t lba, std::int64_t sectors, bool tells_slow, bool
                     .sectors = sectors,
                     .start = progress.XferStart,
                     .end = progress.XferEnd});
-  const std::uint32_t code = done ? 0 : disk.Errno;
   if (!done) direction.report_failure(lba, sectors);
-  note_outcome(code);
+  note_outcome(lba, done ? 0 : disk.Errno);
   counters.Sectors_Done += sectors;
   return done;
 }

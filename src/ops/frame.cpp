@@ -131,7 +131,7 @@ void End_Operation() {
 
 void Clear_Counters() {
   counters = {};
-  begin_early_end(asked.stop_after);
+  begin_early_end(asked.stop_after, identification.Drive_Sectors);
   clear_progress();
 }
 

@@ -270,7 +270,8 @@ void list_bad_transfers() {
 }
 
 bool wants_pinpoint() {
-  return asked.pinpoint && !measure.stopped && early_end.why.empty() && !run_findings.bad.empty();
+  return asked.pinpoint && !measure.stopped && (early_end.why.empty() || early_end.past_end) &&
+         !run_findings.bad.empty();
 }
 
 void pinpoint() {

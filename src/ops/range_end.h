@@ -8,6 +8,6 @@
 /// beyond the disk's end.
 std::string asked_range_beyond_end();
 
-/// Where the range in the fields reaches beyond the end of the selected drive, asks whether to go on, before anything
-/// is transferred. True without a question in command-line mode, and while the size is not known.
+/// Where the range of a write reaches beyond the end of the selected drive, asks whether to go on, before anything is
+/// transferred. True without a question in command-line mode, and while the size is not known.
 bool confirm_range();

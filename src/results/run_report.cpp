@@ -6,6 +6,7 @@
 #include "disk/early_end.h"
 #include "disk/error_text.h"
 #include "form/asked.h"
+#include "disk/transfer.h"
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "form/outcome.h"
@@ -31,12 +32,21 @@ std::string not_done_text() {
   return std::to_string(percent_not_done(measure)) + " % not " + done;
 }
 
+std::string past_end_text() {
+  const std::int64_t size = identification.Drive_Sectors;
+  const std::int64_t past = lba_after(measure.plan.first_lba, measure.plan.sectors) - size;
+  const std::int64_t sectors = std::min(past, measure.plan.sectors);
+  return std::to_string(sectors) + (sectors == 1 ? " sector of the range lies" : " sectors of the range lie") +
+         " past the disk's end, LBA " + std::to_string(size - 1) + ".";
+}
+
 std::string end_line() {
   if (identification.Drive_Sectors == 0) {
     return command_end.reason.empty() ? std::string() : command_end.reason + " No transfer could succeed.";
   }
   const std::string place =
       is_random(measure.plan.kind) ? std::string() : " at LBA " + std::to_string(measure.next_lba);
+  if (early_end.past_end) return "STOPPED" + place + ", " + not_done_text() + ": " + past_end_text();
   if (!early_end.why.empty()) return "STOPPED" + place + ", " + not_done_text() + ": " + early_end.why;
   return measure.stopped ? "CANCELLED" + place + ": " + not_done_text() : std::string();
 }

@@ -9,7 +9,9 @@
 
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::Not;
 using ::testing::StartsWith;
 
 using RangeEnd = Rig;
@@ -29,21 +31,49 @@ TEST_F(RangeEnd, ABatchIsRefusedInOneLineBeforeAnythingIsRead) {
   EXPECT_EQ(start(disk_switch(0, "sectors 2000\n") + "/D:0 /OP:READ /START:1990"), 0U);
 }
 
-TEST_F(RangeEnd, AWindowAsksOnce) {
+TEST_F(RangeEnd, AReadAsksNothingAndEndsWithTheFirstTransferPastTheDisk) {
+  open_on("sectors 50000\n");
+  range("10", "9000000000");
+  click(CmdRead_Click);
+  EXPECT_TRUE(headless::desktop.boxes.empty());
+  EXPECT_THAT(
+      lines_with(form1.Text1.text(), "Error Reading"),
+      ElementsAre("Error Reading Sector 40970 for 20480 sectors.", "Error Reading Sector 61450 for 20480 sectors."));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr(" seconds for 9000000000 sectors.\r\n"));
+  EXPECT_THAT(form1.Text1.text(),
+              HasSubstr("\r\n\r\nRUN\r\n===\r\nSTOPPED at LBA 81930, 99 % not read: 8999950010 sectors of "
+                        "the range lie past the disk's end, LBA 49999.\r\n"));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("SET QV_RESULT=errors"));
+  EXPECT_THAT(form1.Text1.text(), Not(HasSubstr("DOUBTFUL"))) << "nothing is wrong with the disk";
+  range("1990", "10");
+  click(CmdRead_Click);
+  EXPECT_THAT(form1.Text1.text(), Not(HasSubstr("RUN\r\n")));
+}
+
+TEST_F(RangeEnd, ASearchAsksNothingEitherAndAStartPastTheEndFailsOnce) {
+  open_on("sectors 50000\n");
+  range("50000", "100000");
+  headless::desktop.answers = {"tx"};
+  click(CmdFind_Click);
+  EXPECT_EQ(headless::desktop.boxes.size(), 1U);
+  EXPECT_EQ(counters.TotalErrors, 1);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr(": 100000 sectors of the range lie past the disk's end, LBA 49999.\r\n"));
+}
+
+TEST_F(RangeEnd, AWriteInAWindowAsksOnceMore) {
   open_on("sectors 2000\n");
   range("1990", "20");
   headless::desktop.answers = {"CANCEL"};
-  click(CmdRead_Click);
-  EXPECT_EQ(counters.Sectors_Done, 0);
+  click(CmdWrite_Click);
   EXPECT_EQ(headless::desktop.boxes.back().title, "BEYOND THE DISK'S END?");
-  headless::desktop.answers = {"OK"};
-  click(CmdRead_Click);
-  EXPECT_EQ(counters.Sectors_Done, 20);
-  EXPECT_THAT(form1.Text1.text(), HasSubstr("Error Reading Sector 1990 for 20 sectors.\r\nERROR: 27"));
-  EXPECT_EQ(headless::desktop.boxes.size(), 2U);
+  headless::desktop.answers = {"OK", "OK"};
+  click(CmdWrite_Click);
+  EXPECT_EQ(headless::desktop.boxes.size(), 3U);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("Error Writing Sector 1990 for 20 sectors.\r\nERROR: 27"));
   range("1990", "10");
-  click(CmdRead_Click);
-  EXPECT_EQ(headless::desktop.boxes.size(), 2U);
+  headless::desktop.answers = {"OK"};
+  click(CmdWrite_Click);
+  EXPECT_EQ(headless::desktop.boxes.size(), 4U);
 }
 
 }  // namespace
