@@ -186,7 +186,10 @@ bool may_begin(const Command& command) {
 
 /// The volumes are locked, and dismounted with the drive, as long as a command may write.
 void run_writing(const Command& command) {
-  if (!still_the_drive() || !hold_drive()) return;
+  if (!still_the_drive() || !hold_drive()) {
+    Clear_Counters();  // End_Operation prints the rates
+    return;
+  }
   Lock_Unlock_All_Volumes(form1.SelectedDrive, "LOCK");
   MY_DISMOUNT_VOLUME(disk.hDrive);
   run_operation(command);

@@ -7,7 +7,9 @@
 
 #include "app/handlers.h"
 #include "buffer/edit.h"
+#include "disk/counters.h"
 #include "disk/drive.h"
+#include "disk/progress.h"
 #include "form/form1.h"
 #include "form/output.h"
 #include "tests/support/rig.h"
@@ -301,6 +303,22 @@ TEST_P(Writing, OneProgramAtATimeWritesToADrive) {
   headless::desktop.foreign_names.clear();
   EXPECT_EQ(run_op("/OP:WRITE /SERIAL:S123"), 0U);
   EXPECT_EQ(headless::desktop.open_files, 2) << "the image and its disk file: the name was given back";
+}
+
+TEST_P(Writing, ARefusedWriteShowsNothingOfTheCommandBefore) {
+  open_window("slow 0 104 2000\n");
+  range("0", "104");
+  click(CmdRead_Click);
+  progress.SlowXfers = 3;
+  progress.HighRate = 55.5;
+  std::string name = path("a.img");
+  std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::toupper(c); });
+  headless::desktop.foreign_names = {"Global\\Sectorix-" + name};
+  headless::desktop.answers = {"OK", "OK"};
+  click(CmdWrite_Click);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("SET QV_D_XFER_RATE_AV=0\r\nSET QV_D_XFER_RATE_L=999999\r\n"
+                                            "SET QV_D_XFER_RATE_H=0\r\nSET QV_D_SLOW_XFERS=0\r\n"));
+  EXPECT_EQ(counters.Sectors_Done, 0);
 }
 
 TEST_P(Writing, TheCaptionTellsAWindowThatWritesWithoutAsking) {
