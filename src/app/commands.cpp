@@ -170,7 +170,6 @@ void run_operation(const Command& command) {
   if (!command.from_buffer) note_source();
   if (command.timed) end_timing();
   command.report();
-  if (command.read_back != nullptr) command.read_back(*plan);
 }
 
 bool may_begin(const Command& command) {
@@ -220,6 +219,7 @@ void run_in_frame(const Command& command) {
   }
   end_progress_line();
   End_Operation();
+  if (command.read_back != nullptr && measured_something()) command.read_back(measure.plan);
   tell_sector_sizes(command.writes);
   tell_health(command.writes);
   tell_verify();

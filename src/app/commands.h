@@ -37,7 +37,7 @@ struct Command {
   bool timed = true;  // the totals tell the time between its first and last transfer
   void (*transfer)(const RunPlan& plan) = nullptr;
   void (*report)() = nullptr;
-  void (*read_back)(const RunPlan& plan) = nullptr;  // what its question offers to do behind all that
+  void (*read_back)(const RunPlan& plan) = nullptr;  // after the frame: what its question offers
 
   // In place of all that for a command that is no operation: it has no frame, and nothing to measure.
   void (*alone)() = nullptr;

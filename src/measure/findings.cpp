@@ -38,6 +38,11 @@ double share_of(const Pinpoint& pinpoint) {
   return static_cast<double>(pinpoint.looked_at) / static_cast<double>(pinpoint.suspects);
 }
 
+HowFar how_far(const ReadBack& of) {
+  const double share = of.sectors == 0 ? 0.0 : static_cast<double>(of.done) / static_cast<double>(of.sectors);
+  return {.share = share, .seconds_left = seconds_left(of.pace, of.sectors), .phase = Phase::verifying};
+}
+
 std::string temperature_text(const TemperatureTrack& track) {
   if (track.samples.empty()) return {};
   return std::to_string(track.samples.back().celsius) + " C";

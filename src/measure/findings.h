@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "measure/bad_places.h"
+#include "measure/measure.h"
 #include "platform/units.h"
 
 /// What a run found out about the drive, beside what it measured: shown by the report's last blocks, the window, the
@@ -66,6 +67,18 @@ struct Pinpoint {
 /// The share of its transfers that it has looked at, 0 to 1.
 double share_of(const Pinpoint& pinpoint);
 
+/// The read-back after a write, while it runs.
+struct ReadBack {
+  bool running = false;
+  std::int64_t sectors = 0;  // to read
+  std::int64_t done = 0;     // of these, failed ones included
+  double began = 0.0;        // by the steady clock
+  Pace pace{};
+};
+
+/// How far it is.
+HowFar how_far(const ReadBack& of);
+
 struct RunFindings {
   int drive = kNoDrive;
   bool judged = false;
@@ -73,6 +86,7 @@ struct RunFindings {
   TemperatureTrack temperature{};
   std::vector<BadRange> bad{};  // by LBA
   Pinpoint pinpoint{};
+  ReadBack read_back{};
   std::vector<std::string> grown_since{};  // against the drive's history: "pending sectors 0 on 2 March, 8 now"
 };
 

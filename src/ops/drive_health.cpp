@@ -11,6 +11,7 @@
 #include "health/verdict.h"
 #include "measure/findings.h"
 #include "measure/measure.h"
+#include "ops/operations.h"
 #include "smart/identification.h"
 
 namespace {
@@ -20,8 +21,11 @@ RunTotals totals_of_run() {
   const std::int64_t by_drive = std::count_if(first, first + measure.errors_kept, is_of_the_drive);
   // Those beyond the kept ones are taken to be like them.
   const std::int64_t not_kept = measure.failed - static_cast<std::int64_t>(measure.errors_kept);
-  return {.failed_transfers = by_drive == 0 ? 0 : by_drive + not_kept,
-          .compare_errors = counters.TotalCErrors,
+  // What a read-back found is in no counter.
+  const std::int64_t not_read_back = verify_run.after_write ? verify_run.failed_by_drive : 0;
+  const std::int64_t differing = verify_run.after_write ? verify_run.differing : 0;
+  return {.failed_transfers = (by_drive == 0 ? 0 : by_drive + not_kept) + not_read_back,
+          .compare_errors = counters.TotalCErrors + differing,
           .slow_transfers = measure.slow,
           .highest_celsius = run_findings.temperature.highest};
 }

@@ -36,14 +36,17 @@ struct VerifyRun {
     std::int64_t sectors = 0;  // of the chunk that differ
   };
 
-  bool asked = false;                // by this command; nothing else counts else
+  bool asked = false;                // true if this command verified; otherwise the other members are meaningless
+  bool after_write = false;          // a read-back: what it found is in no counter
   std::string pattern{};             // hex
   std::int64_t chunks = 0;           // of the range
   std::int64_t compared = 0;         // chunks that were read
   std::int64_t failed = 0;           // chunks that could not be
+  std::int64_t failed_by_drive = 0;  // of a read-back: those that the system did not refuse by itself
   std::int64_t differing = 0;        // of those compared
   std::vector<Difference> listed{};  // the first ones, by LBA
-  std::int64_t errors_before = 0;    // failed transfers of the write before it
+  std::string not_done{};            // why a read-back did not begin; empty if it did
+  std::string stopped{};             // why a read-back ended early; empty if it did not, or was cancelled
 };
 
 inline VerifyRun verify_run;
@@ -52,8 +55,10 @@ std::optional<RunPlan> plan_verify();
 void verify_range(const RunPlan& plan);
 void report_verify();
 
-/// The same behind a write whose question was answered so, unless that was cancelled. Sec_Buf is left as the write
-/// left it.
+/// Reads back and compares what a write wrote, if its question was answered so. A phase of its own after
+/// End_Operation(): it opens the drive and locks its volumes again, and changes none of the write's counters, rates and
+/// measurements. Failed reads and differences are added to the exit code, and the drive's health is judged anew.
+/// Sec_Buf is left as the write left it. Requires: hold_drive() still holds the drive.
 void verify_written(const RunPlan& plan);
 
 /// A read of one sector, unless /COUNT gave a number, that shows the buffer and, at LBA 0, the partition table in the

@@ -14,7 +14,6 @@
 #include "ops/operations.h"
 #include "ops/resume.h"
 #include "ops/selection.h"
-#include "ops/write_guard.h"
 
 namespace {
 
@@ -65,11 +64,7 @@ void report_read() {
 std::optional<RunPlan> plan_write() {
   const std::int64_t start = take_range();
   announce("Writing");
-  const std::int64_t sectors = counters.No_Secs;
-  return RunPlan{.kind = RunKind::write,
-                 .first_lba = start,
-                 .sectors = sectors,
-                 .work = write_guard.read_back ? lba_after(sectors, sectors) : sectors};
+  return RunPlan{.kind = RunKind::write, .first_lba = start, .sectors = counters.No_Secs};
 }
 
 void Seq_Write(const RunPlan& plan) {

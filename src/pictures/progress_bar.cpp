@@ -17,9 +17,14 @@ using platform::Rect;
 constexpr int kBar = 10;  // pixels at 96 dpi
 constexpr int kPercent = 100;
 
-/// Of the run, or of the search behind it.
+/// Of the run, or of the read-back after it.
+HowFar how_far_shown() {
+  return run_findings.read_back.running ? how_far(run_findings.read_back) : how_far(measure);
+}
+
+/// Of these, or of the search after the run.
 double share_shown() {
-  return run_findings.pinpoint.running ? share_of(run_findings.pinpoint) : how_far(measure).share;
+  return run_findings.pinpoint.running ? share_of(run_findings.pinpoint) : how_far_shown().share;
 }
 
 std::string description() {
@@ -63,9 +68,10 @@ ProgressWords progress_words() {
     return {"pinpointing " + std::to_string(pinpoint.looked_at + 1) + " of " + std::to_string(pinpoint.suspects),
             waited};
   }
-  const HowFar how = how_far(measure);
+  const HowFar how = how_far_shown();
   const std::string percent = std::to_string(static_cast<int>(how.share * kPercent)) + "%";
-  if (!measure.running) return {measure.stopped ? "stopped at " + percent : "finished", {}};
+  if (!measure.running && !run_findings.read_back.running)
+    return {measure.stopped ? "stopped at " + percent : "finished", {}};
   const std::string temperature = temperature_text(run_findings.temperature);
   const std::string what =
       std::string(phase_text(how.phase)) + " " + percent + (temperature.empty() ? "" : ", ") + temperature;
@@ -75,6 +81,6 @@ ProgressWords progress_words() {
 
 platform::Share progress_share() {
   if (run_findings.pinpoint.running) return {share_of(run_findings.pinpoint), measure.failed > 0, -1.0};
-  const HowFar how = how_far(measure);
+  const HowFar how = how_far_shown();
   return {how.share, measure.failed > 0, how.seconds_left};
 }

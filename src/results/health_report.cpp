@@ -182,7 +182,7 @@ std::int32_t code_of(Grade grade) {
 void set_exit_code() {
   if (!asked.exit_by_verdict || form1.MyCancel || identification.Drive_Sectors == 0) return;
   const bool refused = !measured_something() && output.ExitCode != 0;
-  const bool failed = counters.TotalErrors + counters.TotalCErrors > 0;
+  const bool failed = counters.TotalErrors + counters.TotalCErrors + verify_run.failed + verify_run.differing > 0;
   if (refused || (failed && !is_bad(run_findings.verdict.grade))) return;
   output.asked_code = code_of(run_findings.verdict.grade);
 }

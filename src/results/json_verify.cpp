@@ -5,6 +5,7 @@ void put_verify(const Result& result, JsonText* json) {
   const VerifyRun& run = result.verify;
   if (!run.asked) return;
   json->open_object("verify");
+  json->truth("after_write", run.after_write);
   json->text("pattern", run.pattern);
   json->number("chunks", run.chunks);
   json->number("compared", run.compared);

@@ -26,7 +26,7 @@ constexpr std::size_t kMostLines = 1000;
 std::string not_done_text() {
   const char* done = "done";
   if (measure.plan.kind == RunKind::read) done = "read";
-  if (measure.plan.kind == RunKind::write && measure.plan.work == measure.plan.sectors) done = "written";
+  if (measure.plan.kind == RunKind::write) done = "written";
   if (measure.plan.kind == RunKind::verify) done = "compared";
   if (measure.plan.kind == RunKind::search) done = "searched";
   return std::to_string(percent_not_done(measure)) + " % not " + done;

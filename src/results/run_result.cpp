@@ -24,11 +24,11 @@ std::int32_t bit(bool given, std::int32_t which) {
 }
 
 std::int64_t failed_transfers(const Result& result) {
-  return result.counters.TotalErrors;
+  return result.counters.TotalErrors + (result.verify.after_write ? result.verify.failed : 0);
 }
 
 std::int64_t differences(const Result& result) {
-  return result.counters.TotalCErrors;
+  return result.counters.TotalCErrors + (result.verify.after_write ? result.verify.differing : 0);
 }
 
 }  // namespace
@@ -54,5 +54,5 @@ std::int32_t exit_bits(const Result& result) {
   if (!measured_something()) return bits;
   return bits | bit(failed_transfers(result) > 0, kFailedTransfers) | bit(differences(result) > 0, kCompareErrors) |
          bit(comparison.errors > 0, kSmartErrors) | bit(!result.events.entries.empty(), kLoggedEvents) |
-         bit(!result.stopped.empty(), kEndedEarly);
+         bit(!result.stopped.empty() || !result.verify.stopped.empty(), kEndedEarly);
 }

@@ -26,10 +26,13 @@ std::string found_text() {
 
 std::string block() {
   const VerifyRun& run = verify_run;
-  if (run.pattern.empty()) return "VERIFY: not done, since the write was cancelled.";
+  if (!run.not_done.empty()) return "VERIFY: not done, since " + run.not_done + ".";
   std::string text = "VERIFY: " + found_text();
   if (run.failed > 0) text += " " + std::to_string(run.failed) + " could not be read.";
-  if (not_reached() > 0) text += " CANCELLED: " + std::to_string(not_reached()) + " were not read.";
+  if (not_reached() == 0) return text;
+  text += std::string(run.stopped.empty() ? " CANCELLED: " : " STOPPED: ") + std::to_string(not_reached()) +
+          " were not read";
+  text += (run.stopped.empty() ? "" : ", since " + run.stopped) + ".";
   return text;
 }
 

@@ -8,10 +8,12 @@
 #include "app/handlers.h"
 #include "disk/counters.h"
 #include "disk/drive.h"
+#include "disk/volume.h"
 #include "form/form1.h"
 #include "form/output.h"
 #include "measure/measure.h"
 #include "ops/operations.h"
+#include "pictures/progress_bar.h"
 #include "tests/support/rig.h"
 #include "virtualdisk/virtualdisk.h"
 
@@ -124,26 +126,87 @@ TEST_P(Verify, TheFirstThousandDifferencesAreListedAndNoNumberOfThemEndsWithZero
   EXPECT_THAT(out(), HasSubstr("\r\n39003 more chunks differ.\r\n"));
 }
 
-TEST_P(Verify, BehindAWriteItIsDoneInTheSameFrameWhereTheQuestionSaysSo) {
-  int unlocked_at_verifying = -1;
+TEST_P(Verify, AReadBackAfterAWriteIsAPhaseOfItsOwn) {
+  bool locked = false;
+  int lock_passes = 0;
   headless::desktop.at_pump = [&](int) {
-    if (measure.phase == Phase::verifying && measure.running && unlocked_at_verifying < 0)
-      unlocked_at_verifying = count_of(headless::desktop.debug, "Volume unlocked");
+    if (form1.TxtStatus.text().rfind("Reading back ", 0) != 0 || locked) return;
+    locked = volumes.hVolumes[0] > 0;
+    lock_passes = count_of(headless::desktop.debug, "Volume X: locked");
+    EXPECT_THAT(progress_words().what, HasSubstr("verifying "));
   };
   write_in_window("drop 20000 8\nvolume X:\n", "OK TICKED");
+  EXPECT_TRUE(locked);
+  EXPECT_EQ(lock_passes, 2);
   const std::string text = form1.Text1.text();
-  EXPECT_THAT(text,
-              HasSubstr("Finished!\r\nVerifying 48200 sectors starting at LBA 0 on drive 0 with pattern 2C2CAA55"));
-  EXPECT_LT(text.find("Compare error at LBA 20000 byte 0: 8 of"), text.find("SMART DATA AFTER OPERATION"));
-  EXPECT_GT(text.find("VERIFY: 1 of 4 chunks differs, first difference at LBA 20000 byte 0."),
-            text.find("\nHEALTH\r\n"));
-  EXPECT_EQ(count_of(text, "SMART DATA AFTER OPERATION"), 1);
+  const std::vector<std::string> order = {"SMART DATA AFTER OPERATION",
+                                          "\r\n\r\nREAD BACK\r\n=========\r\nVerifying 48200 sectors starting at LBA 0 "
+                                          "on drive 0 with pattern 2C2CAA55\r\n",
+                                          "Compare error at LBA 20000 byte 0: 8 of",
+                                          "The drive's volumes were unlocked between the write and this",
+                                          "\nHEALTH\r\n",
+                                          "VERIFY: 1 of 4 chunks differs, first difference at LBA 20000 byte 0."};
+  std::size_t at = 0;
+  for (const std::string& part : order) {
+    const std::size_t found = text.find(part, at);
+    ASSERT_NE(found, std::string::npos) << part << "\n" << text;
+    at = found;
+  }
+  EXPECT_THAT(text, HasSubstr("DOUBTFUL: 1 compare error in the run"));
+  EXPECT_THAT(text, HasSubstr("SET QV_RESULT=errors"));
   EXPECT_EQ(output.ExitCode, 1);
-  EXPECT_EQ(measure.plan.kind, RunKind::write);
-  EXPECT_EQ(how_far(measure).share, 1.0);
-  EXPECT_EQ(how_far(measure).phase, Phase::verifying);
-  EXPECT_EQ(unlocked_at_verifying, 0);
-  EXPECT_EQ(count_of(headless::desktop.debug, "Volume unlocked"), 1);
+  EXPECT_EQ(count_of(headless::desktop.debug, "Volume unlocked"), 2);
+  EXPECT_EQ(virtualdisk::open_handles(), 0);
+}
+
+TEST_P(Verify, AReadBackChangesNothingOfTheWritesFigures) {
+  std::vector<std::string> reports;
+  for (const char* answer : {"OK", "OK TICKED"}) {
+    std::filesystem::remove(path("a.img"));
+    headless::desktop = {};
+    // Longer than 70 seconds, and much shorter when it is read back.
+    headless::desktop.at_pump = [](int) { headless::pass_time(counters.TotalWErrors > 0 ? 1 : 30); };
+    write_in_window("fail write 48190 1\nslow 0 20000 1000\nsmart 9 0x0032 89 89 0 432000\ngrow 9 125 on write-error\n",
+                    answer);
+    const std::string& text = form1.Text1.text();
+    EXPECT_EQ(count_of(text, "READ BACK"), answer == std::string("OK") ? 0 : 1);
+    EXPECT_THAT(text, HasSubstr("Slow xfer"));
+    EXPECT_THAT(text, HasSubstr("SET QV_S_FINAL_POWER_ON_HOURS=2\r\n")) << "divided twice";
+    reports.push_back(text.substr(0, std::min(text.find("\r\n\r\nREAD BACK"), text.find("\r\n\r\nHEALTH"))));
+    if (long_sectors()) reports.back().resize(std::min(reports.back().size(), text.find("\r\n\r\nSECTORS")));
+  }
+  EXPECT_EQ(reports[0], reports[1]);
+  EXPECT_EQ(counters.TotalErrors, 1);
+  EXPECT_EQ(measure.done, kDisk);
+}
+
+TEST_P(Verify, WhatCannotBeReadBackCountsAndADriveThatChangedIsNotReadBack) {
+  write_in_window("fail read 20000 1\n", "OK TICKED");
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("could not be read back: error 23 - "));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("from the pattern 2C2CAA55. 1 could not be read.\r\n"));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("SET QV_D_TOTERR=0\r\nSET QV_D_READERR=0"));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("DOUBTFUL: 1 transfer of the run failed"));
+  EXPECT_EQ(output.ExitCode, 1);
+  headless::desktop.at_pump = [](int) {
+    if (counters.Sectors_Done < kDisk) return;
+    virtualdisk::detach_all();
+    ASSERT_EQ(virtualdisk::attach(0, write_file("e.vd", "image a.img\nserial OTHER\n")), "");
+  };
+  headless::desktop.answers = {"OK TICKED"};
+  click(CmdWrite_Click);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("VERIFY: not done, since drive 0 is not the one that was written to"));
+}
+
+TEST_P(Verify, ACancelledReadBackSaysWhatWasNotRead) {
+  headless::desktop.at_pump = [](int) {
+    if (verify_run.compared == 1) cmdCancel_Click();
+  };
+  write_in_window("", "OK TICKED");
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("VERIFY: 0 of 4 chunks differ from the pattern 2C2CAA55. CANCELLED: 3 were "
+                                            "not read."));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("SET QV_RESULT=cancelled"));
+  EXPECT_THAT(form1.Text1.text(), Not(HasSubstr("not written")));
+  EXPECT_EQ(output.ExitCode, 3);
 }
 
 TEST_P(Verify, WithoutATickAWriteIsWhatItWas) {

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "disk/counters.h"
 #include "disk/progress.h"
 #include "form/form1.h"
 #include "form/output.h"
@@ -84,6 +85,15 @@ TEST_F(CompareTest, TheDrivesSizesAndRates) {
   identification.Drive_Sectors = 18014398509481983;
   compare({}, {});
   EXPECT_THAT(out(), HasSubstr("SET QV_D_SIZE_DECMB=9223372036854\r\n"));
+}
+
+TEST_F(CompareTest, TheTimeOfTheOperationSaysInWhichUnitPowerOnCounts) {
+  counters.OpStartTime = 36000.0;
+  for (const auto& [end, hours] : {std::pair{36070.0, "432000"}, std::pair{36100.0, "2"}, std::pair{42000.0, "7200"}}) {
+    counters.OpEndTime = end;
+    compare(snapshot({{9, 431900}}), snapshot({{9, 432000}}));
+    EXPECT_THAT(out(), HasSubstr(std::string("SET QV_S_FINAL_POWER_ON_HOURS=") + hours + "\r\n")) << end;
+  }
 }
 
 TEST_F(CompareTest, ADriveCannotSpeakToTheCommandInterpreter) {
