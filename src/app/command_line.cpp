@@ -205,7 +205,7 @@ constexpr std::array kSwitches = {
            "/START:lba        first LBA of the run: a number, or a place as 0x200, 1,000, 10GB, 512MiB or 50%"},
     Switch{
         "/COUNT", Takes::value, false, read_count, "sectors or an amount, as 1000, 0x200, 1,000, 10GB, 512MiB or 50%",
-        "/COUNT:n          number of sectors, written like that; of a random test: sectors per visit, at most 16065"},
+        "/COUNT:n          number of sectors, written like that; of a random test: sectors per visit, at most 2097152"},
     Switch{"/PASSES", Takes::value, false, read_passes, "a number from 1 to 2,147,483,647",
            "/PASSES:n         passes of a random test"},
     Switch{"/SLOW", Takes::value, false, read_slow, "MB/s, as 20 or 0.5, or AUTO",

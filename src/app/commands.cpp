@@ -20,6 +20,7 @@
 #include "ops/range_end.h"
 #include "ops/restore.h"
 #include "ops/selection.h"
+#include "ops/visit.h"
 #include "ops/write_guard.h"
 #include "places/owners.h"
 #include "platform/window.h"
@@ -57,6 +58,9 @@ std::string wipe_title() {
   return "WIPE DRIVE?";
 }
 
+constexpr std::int64_t kMostVisitSectors = 2'097'152;
+constexpr const char* kAboveMostVisit = "/COUNT of a random test is at most 2097152, which is 1 GiB.";
+
 constexpr std::array kCommands = {
     Command{.name = "READ",
             .has_switch = true,
@@ -88,16 +92,16 @@ constexpr std::array kCommands = {
             .report = report_verify},
     Command{.name = "RANDOMREAD",
             .has_switch = true,
-            .most_count = kChunkSectors,
-            .above_most = "/COUNT of a random test is at most 16065.",
+            .most_count = kMostVisitSectors,
+            .above_most = kAboveMostVisit,
             .trace = "RANDOMREAD",
             .plan = plan_random_read,
             .transfer = Random_Read_Test,
             .report = report_random_read},
     Command{.name = "RANDOMWRITE",
             .has_switch = true,
-            .most_count = kChunkSectors,
-            .above_most = "/COUNT of a random test is at most 16065.",
+            .most_count = kMostVisitSectors,
+            .above_most = kAboveMostVisit,
             .trace = "RANDOMWRITE",
             .writes = true,
             .plan = plan_random_write,
@@ -219,6 +223,7 @@ void run_in_frame(const Command& command) {
   }
   end_progress_line();
   End_Operation();
+  report_visits();
   if (command.read_back != nullptr && measured_something()) command.read_back(measure.plan);
   tell_sector_sizes(command.writes);
   tell_health(command.writes);

@@ -183,6 +183,7 @@ void cmdCancel_Click() {
 void CmdExit_Click() {
   output.ExitCode = kLeft;
   end_journal();
+  report_visits();
   leave_results();
   kernel32::Sleep(kLeaveAfter);
   ExitProgram();
@@ -192,6 +193,7 @@ void window_closed() {
   output.ExitCode = kLeft;
   close_drive();
   end_journal();
+  report_visits();
   close_report();
   leave_results();
   kernel32::Sleep(kLeaveAfter);

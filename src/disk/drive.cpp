@@ -23,6 +23,12 @@ bool failed(std::uint32_t code) {
   return false;
 }
 
+/// A transfer that the program refuses, with the code of a missing drive where there is none.
+bool refuse_transfer() {
+  constexpr std::uint32_t kNoDriveOpen = 6;  // winerror.h: ERROR_INVALID_HANDLE
+  return failed(disk.hDrive == kernel32::kInvalidHandle ? kNoDriveOpen : kRefusedTransfer);
+}
+
 /// The two words of a range lock's length, split at 16 bits: docs/oddities.md, 18.
 struct LockLength {
   std::uint32_t low;
@@ -97,7 +103,7 @@ bool ReadAt(std::int64_t lba, std::int64_t count) {
   disk.Buf_LBA = lba;
   disk.Buf_Secs = 0;
   disk.given_up = false;
-  if (!may_transfer(lba, count)) return failed(kRefusedTransfer);
+  if (!may_transfer(lba, count)) return refuse_transfer();
   const Stretch whole = widened({lba, count});
   const bool direct = whole.sectors == count;
   if (!direct) disk.around.resize(whole.sectors * kSectorSize);
@@ -113,7 +119,7 @@ bool ReadAt(std::int64_t lba, std::int64_t count) {
 bool WriteAt(std::int64_t lba, std::int64_t count) {
   disk.Buf_LBA = lba;
   disk.given_up = false;
-  if (!may_transfer(lba, count)) return failed(kRefusedTransfer);
+  if (!may_transfer(lba, count)) return refuse_transfer();
   const Stretch whole = widened({lba, count});
   const bool direct = whole.sectors == count;
   if (!direct && !compose({lba, count}, whole)) return false;

@@ -72,7 +72,7 @@ bool may_transfer(std::int64_t lba, std::int64_t count);
 /// Reads `count` sectors from `lba` into the start of Sec_Buf with one system call, which reads the whole logical
 /// sectors that hold them. False on failure, also when fewer bytes came than asked; disk.Errno has the code (38 where
 /// the system gave none), disk.Buf_Secs is 0 then. A transfer larger than Sec_Buf or than kLargestTransfer, or with a
-/// negative number, makes no call and fails with 13.
+/// negative number, makes no call and fails with 13, or with 6 while no drive is open.
 bool ReadAt(std::int64_t lba, std::int64_t count);
 
 /// Writes `count` sectors from the start of Sec_Buf to `lba` and flushes them. Where they begin or end inside a logical

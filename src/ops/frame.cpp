@@ -18,7 +18,6 @@
 #include "ops/resume.h"
 #include "ops/selection.h"
 #include "ops/temperature.h"
-#include "ops/visit.h"
 #include "ops/write_guard.h"
 #include "platform/clock.h"
 #include "platform/window.h"
@@ -125,8 +124,6 @@ void End_Operation() {
   PrintReport(frame.Smart_Text + "\r\n\r\n");
   form1.Text1.append("\r\n" + frame.Smart_Text);
   close_drive();
-  if (!visits.lost.empty()) form1.Text1.append("\r\n");
-  report_lost_places();
 }
 
 void Clear_Counters() {

@@ -46,7 +46,8 @@ void size_buffer() {
 bool choose_test() {
   random_test = {};
   if (!choose_random_parameters(&random_test.passes, &counters.No_Secs)) return false;
-  if (identification.Drive_Sectors > counters.No_Secs) return true;
+  // On a missing drive every transfer fails and is counted.
+  if (identification.Drive_Sectors == 0 || identification.Drive_Sectors >= counters.No_Secs) return true;
   const std::string line = "The disk has " + std::to_string(identification.Drive_Sectors) + " sectors, a visit " +
                            std::to_string(counters.No_Secs) + ": nothing was done.";
   report_and_show(line + "\r\n");
@@ -63,7 +64,7 @@ std::string what_is_done() {
 /// `transfers` transfers to a visit, anywhere on the disk.
 RunPlan plan_of(RunKind kind, std::int64_t transfers) {
   return {.kind = kind,
-          .sectors = identification.Drive_Sectors,
+          .sectors = std::max(identification.Drive_Sectors, counters.No_Secs),
           .work = random_test.passes * movable_sectors() * transfers};
 }
 
@@ -105,8 +106,8 @@ void write_visit() {
   visit.write();
   const bool read_back = visit.read();
   if (const std::size_t differing = count_compare(written, read_back)) {
-    report_line("Compare error at LBA " + std::to_string(visit.lba()) + ": " +
-                (read_back ? std::to_string(differing) + " bytes differ." : "it could not be read back."));
+    note_visit("Compare error at LBA " + std::to_string(visit.lba()) + ": " +
+               (read_back ? std::to_string(differing) + " bytes differ." : "it could not be read back."));
   }
   visit.give_back();
 }
@@ -154,7 +155,9 @@ void report_random_read() {
 }
 
 std::optional<RunPlan> plan_random_write() {
-  if (!choose_test() || !begin_journal(movable_sectors())) return std::nullopt;
+  if (!choose_test()) return std::nullopt;
+  // Nothing is written to a missing drive, since nothing can be read from it.
+  if (identification.Drive_Sectors > 0 && !begin_journal(movable_sectors())) return std::nullopt;
   report_and_show("Random disk write " + what_is_done());
   size_buffer();
   return plan_of(RunKind::random_write, 4);

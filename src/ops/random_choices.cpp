@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <string>
 
@@ -58,7 +59,7 @@ bool choose_passes(const char* title, std::int32_t* passes) {
   }
   std::int64_t answer = 0;
   constexpr std::int64_t kMostPasses = std::numeric_limits<std::int32_t>::max();
-  if (!ask_number({"Enter number of passes", title, kDefaultPasses, 1, kMostPasses}, &answer)) return false;
+  if (!ask_number({"Enter number of passes", title, kDefaultPasses, 0, kMostPasses}, &answer)) return false;
   *passes = static_cast<std::int32_t>(answer);
   return true;
 }
@@ -88,7 +89,8 @@ float next_uniform_single() {
 
 std::int64_t GetRandomSector(std::int64_t sectors) {
   const std::int64_t places = identification.Drive_Sectors - sectors;
-  return whole_below(std::min(static_cast<std::int64_t>(static_cast<double>(places) * next_uniform()), places - 1));
+  const auto lba = static_cast<std::int64_t>(std::floor(static_cast<double>(places) * next_uniform()));
+  return places > 0 ? whole_below(std::min(lba, places - 1)) : lba;
 }
 
 RandomPattern draw_pattern() {

@@ -25,8 +25,8 @@ double next_uniform();
 /// The next number in [0, 1) in single precision, cut to 24 bits so that it never rounds up to 1.
 float next_uniform_single();
 
-/// A random LBA for a visit of `sectors` sectors that stays on the selected disk, which must have more sectors. A
-/// logical sector begins there.
+/// Returns a random LBA, the start of a logical sector, for a visit of `sectors` sectors that stays on the selected
+/// disk. On a disk with fewer sectors, as a missing one, the LBA is negative.
 std::int64_t GetRandomSector(std::int64_t sectors);
 
 /// What a visit of the non-destructive test writes over and over, each byte 00 to FE.

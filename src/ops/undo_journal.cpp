@@ -88,5 +88,5 @@ bool begin_journal(std::int64_t sectors) {
 
 void end_journal() {
   const std::string problem = journal.finish();
-  if (!problem.empty()) report_line(problem);
+  if (!problem.empty()) note_visit(problem);
 }

@@ -35,10 +35,11 @@ std::string where_they_are() {
                            : "They are not saved: the test ran without a journal.";
 }
 
-/// At once, since the process may end before the report does.
-void tell_now(const std::string& line) {
-  report_line(line);
-  if (in_batch()) tell_at_once(line + "\r\n");
+/// Shows a line immediately, since the process may end before its block is printed.
+void show_now(const std::string& line) {
+  visits.lost.push_back(line);
+  form1.TxtStatus.set_text(line);
+  tell_at_once(line + "\r\n");
 }
 
 }  // namespace
@@ -62,7 +63,9 @@ bool Visit::take_former_contents() {
     disk.known = {whole_.lba, saved_};
     return true;
   }
-  if (!form1.MyCancel) report_line("Not written: the former contents could not be read.");
+  if (!form1.MyCancel) {
+    note_visit("Not written at LBA " + std::to_string(lba_) + ": the former contents could not be read.");
+  }
   return false;
 }
 
@@ -73,7 +76,7 @@ bool Visit::record(std::span<const std::uint8_t> pattern) {
   journal.mark_done();  // nothing was written over them
   visits.ended = true;
   visits.uncounted = true;
-  tell_now("LBA " + std::to_string(lba_) + " was not written to, and the test ends: " + problem);
+  show_now("LBA " + std::to_string(lba_) + " was not written to, and the test ends: " + problem);
   return false;
 }
 
@@ -123,11 +126,10 @@ void Visit::give_back() {
     line += std::string(" could not be written back") + (stand ? ", although a read shows them there" : "") + ". " +
             where_they_are();
   }
-  visits.lost.push_back(line);
   command_end.not_given_back = command_end.not_given_back || !untouched;
   visits.uncounted = visits.uncounted || written;
   visits.ended = true;
-  tell_now(line);
+  show_now(line);
 }
 
 void count_early_end() {
@@ -136,7 +138,18 @@ void count_early_end() {
   add_to_exit_code(1);
 }
 
-void report_lost_places() {
+void note_visit(const std::string& line) {
+  if (visits.notes.size() < Visits::kMostNotes) {
+    visits.notes.push_back(line);
+  } else {
+    ++visits.more;
+  }
+}
+
+void report_visits() {
+  if (!visits.notes.empty() || !visits.lost.empty()) report_line("\r\n\r\nVISITS\r\n======");
+  for (const std::string& line : visits.notes) report_line(line);
+  if (visits.more > 0) report_line("... and " + std::to_string(visits.more) + " more");
   for (const std::string& line : visits.lost) report_line(line);
   visits = {};
 }

@@ -18,20 +18,20 @@ class Visit {
   ~Visit();
 
   /// Lets events run, then reads the place. False when it was not read whole, by failure or cancel: it must not be
-  /// written to then. A failure is told.
+  /// written to then. A failure is noted.
   bool take_former_contents();
 
   /// Records the former contents in the journal, if there is one, before `pattern` (empty: the contents themselves) is
-  /// written over them. False, told, when they are not on its medium: the place must not be written to, and the test
-  /// ends.
+  /// written over them. Returns false, after it showed why, if they are not on its medium: the place must not be
+  /// written to, and the test ends.
   bool record(std::span<const std::uint8_t> pattern);
 
   /// Writes the start of Sec_Buf to the place, or reads it back. False on failure.
   bool write();
   bool read();
 
-  /// Writes the former contents back, reads them again and compares; counted nowhere. Where one of it fails the place
-  /// is told and remembered, and the test ends.
+  /// Writes the former contents back, reads them again and compares; not counted. If one of these fails, the status and
+  /// standard error show the place immediately, its line is kept for the block, and the test ends.
   void give_back();
 
   std::int64_t lba() const { return lba_; }
@@ -49,15 +49,23 @@ class Visit {
 
 /// What the visits of this operation left. Tests start fresh by `{}`.
 struct Visits {
-  std::vector<std::string> lost;  // a line for each place that was not given back or not verified
-  bool uncounted = false;         // no failed transfer stands for what ended the test
-  bool ended = false;             // no further place is visited
+  static constexpr std::size_t kMostNotes = 1000;
+
+  std::vector<std::string> notes;  // what went wrong in a visit, a line each; the first ones
+  std::int64_t more = 0;           // visits whose line is not kept
+  std::vector<std::string> lost;   // contents that were not restored or not verified, and why the test ended
+  bool uncounted = false;          // no failed transfer stands for what ended the test
+  bool ended = false;              // no further place is visited
 };
 
 inline Visits visits;
 
-/// Tells the lost places again, as the last lines of Text1 and the report.
-void report_lost_places();
+/// Keeps a line for the block of the visits.
+void note_visit(const std::string& line);
+
+/// Appends the block of what went wrong in visits to Text1 and the report, the lost contents last. Prints nothing if
+/// nothing went wrong.
+void report_visits();
 
 /// Adds an end of the test that no failed transfer stands for to the exit code.
 void count_early_end();

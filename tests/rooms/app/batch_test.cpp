@@ -106,7 +106,7 @@ TEST_F(Batch, ABadValueSaysWhatIsGood) {
   says("/OP:READ /QUIET:yes", "/QUIET takes no value.");
   says("/OP:READ /PASSES:10GB", "good is a number from 1 to 2,147,483,647.");
   says("/OP:READ /MAXTEMP:200", "good is degrees Celsius from 20 to 120.");
-  says("/OP:RANDOMREAD /COUNT:1%", "at most 16065");
+  says("/OP:RANDOMREAD /COUNT:1%", "at most 2097152");
 }
 
 TEST_F(Batch, WhatLooksLikeASwitchAndIsNoneIsAMistakeWithTheNearestOne) {
@@ -158,7 +158,7 @@ TEST_F(Batch, ARunSaysInAWordHowItEnded) {
   expect("refused");
   EXPECT_THAT(document()["reason"], HasSubstr("not \"other\": nothing was done."));
   EXPECT_EQ(document()["exit_code"], 1);
-  EXPECT_EQ(run("sectors 10\n", "/OP:RANDOMREAD /COUNT:10"), 1U);
+  EXPECT_EQ(run("sectors 10\n", "/OP:RANDOMREAD /COUNT:11"), 1U);
   expect("refused");
   EXPECT_EQ(run(kDisk, "/OP:RESTORE /SERIAL:S1"), 1U);
   expect("refused");

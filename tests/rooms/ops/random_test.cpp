@@ -75,7 +75,7 @@ TEST_P(RandomTests, ARandomReadCountsItsVisits) {
 
 TEST_P(RandomTests, AnswersAreAskedForUntilTheyAreNumbers) {
   open_on("sectors 100000\n");
-  press(CmdRndRD_Click, {"0", "OK", "ten", "OK", "1", "20000"});
+  press(CmdRndRD_Click, {"-1", "OK", "ten", "OK", "1", "20000"});
   EXPECT_EQ(counters.No_Secs, chunk()) << "cut to the most";
   press(CmdRndRD_Click, {"1", "-1", "OK", "0"});
   EXPECT_EQ(counters.No_Secs, chunk()) << "0 is the most";
@@ -92,15 +92,101 @@ TEST_P(RandomTests, TheCommandLineGivesPassesAndSectors) {
   EXPECT_THAT(out(), HasSubstr("Random disk write 1000 sectors per operation, 100 passes on drive 0\r\n"));
   EXPECT_THAT(out(), HasSubstr(" seconds for 100000 Read-Fill-Write-Read-Compare-Write sector operations.\r\n"
                                "Total sectors read/written = 400000"));
-  EXPECT_EQ(start(disk + "/OP:RANDOMREAD /COUNT:16066"), 1U);
 }
 
-TEST_P(RandomTests, ADiskNoLargerThanAVisitIsLeftAlone) {
+TEST_P(RandomTests, ABatchTakesVisitsOfUpToAGibibyte) {
+  const std::string disk = disk_switch(0, "sectors 100000\n") + "/D:0 ";
+  EXPECT_EQ(start(disk + "/OP:RANDOMREAD /PASSES:2 /COUNT:40000"), 0U);
+  EXPECT_EQ(counters.Sectors_Done, 80000);
+  std::size_t slot = 0;
+  headless::desktop.at_pump = [&](int) {
+    if (!journals().empty()) slot = read_file(journals()[0]).size();
+  };
+  EXPECT_EQ(start(disk + "/OP:RANDOMWRITE /PASSES:2 /COUNT:16072"), 0U);
+  EXPECT_EQ(counters.Sectors_Done, 8 * 16072);
+  EXPECT_EQ(slot, 4096U + 16072U * 512U);
+  EXPECT_EQ(start(disk + "/OP:RANDOMREAD /PASSES:1 /COUNT:2097152"), 1U);
+  EXPECT_THAT(out(), HasSubstr("The disk has 100000 sectors, a visit 2097152"));
+  EXPECT_EQ(start(disk + "/OP:RANDOMREAD /COUNT:2097153"), 1U);
+  EXPECT_THAT(err(), HasSubstr("/COUNT of a random test is at most 2097152, which is 1 GiB."));
+}
+
+TEST_P(RandomTests, ADiskOfOneVisitIsTestedAndASmallerOneLeftAlone) {
   open_on("sectors 1000\n");
   press(CmdRnd_Click, {"5", "1000"});
-  EXPECT_THAT(form1.Text1.text(), StartsWith("The disk has 1000 sectors, a visit 1000: nothing was done.\r\n"));
+  EXPECT_EQ(counters.Sectors_Done, 20000);
+  EXPECT_EQ(counters.TotalErrors, 0);
+  press(CmdRnd_Click, {"5", "1001"});
+  EXPECT_THAT(form1.Text1.text(), StartsWith("The disk has 1000 sectors, a visit 1001: nothing was done.\r\n"));
   EXPECT_EQ(counters.Sectors_Done, 0);
-  EXPECT_EQ(start("/VDISK:0=" + path("d0.vd") + " /D:0 /OP:RANDOMREAD"), 1U) << "a caller must not think it was tested";
+  EXPECT_EQ(start("/VDISK:0=" + path("d0.vd") + " /D:0 /OP:RANDOMREAD /COUNT:1001"), 1U)
+      << "a caller must not think it was tested";
+}
+
+TEST_P(RandomTests, OnAMissingDriveEveryVisitFailsAndIsCounted) {
+  open("");
+  click(Option4_Click);
+  for (void (*test)() : {CmdRndRD_Click, CmdRnd_Click}) {
+    press(test, {"3", "1000"});
+    const std::string& text = form1.Text1.text();
+    EXPECT_THAT(text, StartsWith("Random disk "));
+    EXPECT_THAT(text, HasSubstr(" 1000 sectors per operation, 3 passes on drive 3\r\nError Reading Sector "));
+    EXPECT_EQ(count_of(text, "ERROR: 6 - Invalid Handle\r\n"), 3);
+    EXPECT_THAT(text, HasSubstr(" seconds for 3000 Read"));
+    EXPECT_THAT(text,
+                HasSubstr("SET QV_D_TOTERR=3\r\nSET QV_D_READERR=3\r\nSET QV_D_WRITEERR=0\r\nSET QV_D_CMPERR=0\r\n"));
+    EXPECT_THAT(text, HasSubstr("\r\nFinished!\r\n"));
+    EXPECT_TRUE(headless::desktop.answers.empty());
+    EXPECT_EQ(output.ExitCode, 4) << "1 for the drive, 3 for the transfers";
+  }
+  press(Cmd_Destructive_Random_Write, {"OK", "2", "8"});
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("SET QV_D_CMPERR=2"));
+  EXPECT_EQ(counters.TotalErrors, 4);
+}
+
+TEST_P(RandomTests, NoPassesAreNone) {
+  open_on("sectors 4096\n");
+  press(CmdRndRD_Click, {"0", "8"});
+  EXPECT_THAT(form1.Text1.text(), StartsWith("Random disk read 8 sectors per operation, 0 passes on drive 0\r\n"
+                                             "Time taken= 0 seconds for 0 Read sector operations.\r\n"));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("\r\nFinished!\r\n"));
+}
+
+TEST_P(RandomTests, AReadBackThatFailsIsACompareError) {
+  struct Case {
+    void (*test)();
+    std::deque<std::string> answers;
+    int call;  // of the read, after the pump before the visit
+  };
+  // Seek, read; the journal's two seeks, writes and its flush; seek, lock, write, flush, unlock; seek, read.
+  for (const Case& one :
+       {Case{CmdRnd_Click, {"1", "8"}, 14}, Case{Cmd_Destructive_Random_Write, {"OK", "1", "8"}, 7}}) {
+    open_on("sectors 4096\nserial F\n");
+    headless::desktop.at_pump = [&](int) {
+      if (counters.Sectors_Done > 0 || counters.OpStartTime == 0) return;
+      headless::desktop.calls_made = 0;
+      headless::desktop.fail_first = headless::desktop.fail_last = one.call;
+    };
+    press(one.test, one.answers);
+    headless::desktop.fail_first = headless::desktop.fail_last = 0;
+    EXPECT_THAT(form1.Text1.text(), HasSubstr("Error Reading Sector "));
+    EXPECT_THAT(form1.Text1.text(),
+                HasSubstr("SET QV_D_TOTERR=1\r\nSET QV_D_READERR=1\r\nSET QV_D_WRITEERR=0\r\nSET QV_D_CMPERR=1"));
+    EXPECT_EQ(output.ExitCode, 1) << "compare errors are not added";
+  }
+}
+
+TEST_P(RandomTests, WhatWentWrongInAVisitFollowsTheReport) {
+  open_on("sectors 4096\ndrop 0 4096\nfail read 0 1000\n");
+  press(CmdRnd_Click, {"12", "8"});
+  const std::string& text = form1.Text1.text();
+  const std::size_t block = text.find("\r\n\r\nVISITS\r\n======\r\n");
+  ASSERT_NE(block, std::string::npos);
+  EXPECT_GT(block, text.find("SMART DATA AFTER OPERATION"));
+  EXPECT_LT(block, text.find("\r\nHEALTH\r\n"));
+  EXPECT_GT(text.find("Compare error at LBA "), block);
+  EXPECT_GT(text.find("Not written at LBA "), block);
+  EXPECT_EQ(count_of(text, "Compare error at LBA ") + count_of(text, "Not written at LBA "), 12);
 }
 
 TEST_P(RandomTests, AVisitLargerThanATransferIsRefusedWithoutItsMemory) {
@@ -129,7 +215,7 @@ TEST_P(RandomTests, StrayAndLostWritesAreCompareErrors) {
 TEST_P(RandomTests, APlaceThatCannotBeReadIsNotWritten) {
   open_on("sectors 4096\nfail read 0 4096\ngrow 5 1 on write\nsmart 5 0 1 1 0 0\n");
   press(CmdRnd_Click, {"3", "8"});
-  EXPECT_EQ(count_of(form1.Text1.text(), "Not written: the former contents could not be read.\r\n"), 3);
+  EXPECT_EQ(count_of(form1.Text1.text(), ": the former contents could not be read.\r\n"), 3);
   EXPECT_THAT(form1.Text1.text(), HasSubstr("was 0          now 0          DIFFERENCE=0\r\n")) << "nothing was written";
   EXPECT_EQ(counters.Sectors_Done, 24);
   EXPECT_EQ(random_test.Ops_Done, 3);
@@ -143,6 +229,7 @@ TEST_P(RandomTests, WhatCannotBeWrittenBackIsSavedAndNamedLast) {
   const std::string report = read_file(path("r.txt"));
   const std::string last = lines_with(report, "Former contents").back();
   EXPECT_THAT(report, HasSubstr(last + "\r\n\r\n\r\n" + (long_sectors() ? "SECTORS\r\n" : "HEALTH\r\n")));
+  EXPECT_EQ(lines_with(report, "Former contents").size(), 2U) << "in its block and as the last status";
   EXPECT_EQ(count_of(err(), "Former contents of 2 sectors at LBA "), 1);
   const std::string name = last.substr(last.find("in the file ") + 12);
   EXPECT_EQ(name, path("sectorix-A_7.journal."));
