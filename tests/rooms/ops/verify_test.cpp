@@ -209,6 +209,34 @@ TEST_P(Verify, ACancelledReadBackSaysWhatWasNotRead) {
   EXPECT_EQ(output.ExitCode, 3);
 }
 
+TEST_P(Verify, LeavingDuringAReadBackLeavesTheResultOfTheWrite) {
+  headless::desktop.at_pump = [](int) {
+    if (verify_run.compared == 1) CmdExit_Click();
+  };
+  open("/D:0 /JSON:" + path("r.json") + " /VDISK:0=" + disk_file(""));
+  click(cmdCancel_Click);  // ends command-line mode, in which nothing asks
+  headless::desktop.answers = {"OK TICKED"};
+  EXPECT_TRUE(click(CmdWrite_Click));
+  const auto told = nlohmann::json::parse(read_file(path("r.json")));
+  EXPECT_EQ(told["operation"]["name"], "write");
+  EXPECT_EQ(told["totals"]["sectors"], kDisk);
+  EXPECT_EQ(told["verify"]["after_write"], true);
+  EXPECT_EQ(told["verify"]["compared"], 1);
+  EXPECT_EQ(told["outcome"], "cancelled");
+}
+
+TEST_P(Verify, ADriveThatIsGoneEndsItsReadBack) {
+  write_in_window("vanish 4\n", "OK TICKED");
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("SET QV_D_TOTERR=0"));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("VERIFY: not done, since drive 0 does not answer any more."));
+  virtualdisk::detach_all();
+  write_in_window("vanish 5\n", "OK TICKED");
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("SET QV_D_TOTERR=0"));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("differ from the pattern 2C2CAA55. 3 could not be read.\r\n"));
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("SET QV_RESULT=errors"));
+  EXPECT_THAT(form1.Text1.text(), Not(HasSubstr("\r\nRUN\r\n")));
+}
+
 TEST_P(Verify, WithoutATickAWriteIsWhatItWas) {
   write_in_window("drop 20000 8\n", "OK");
   EXPECT_EQ(headless::desktop.boxes.at(0).check_box, "&Read back and compare afterwards");
