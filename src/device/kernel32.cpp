@@ -19,8 +19,8 @@ bool keep_system(bool done) {
 
 /// Runs `answer` unless a rehearsal fails the call first.
 template <typename Answer>
-bool virtual_call(const char* call, Handle handle, Answer answer) {
-  const std::uint32_t refused = platform::rehearsed_failure(call, handle);
+bool virtual_call(const char* call, Answer answer, const platform::CallFacts* facts = nullptr) {
+  const std::uint32_t refused = platform::rehearsed_failure(call, facts);
   return keep(refused != 0 ? refused : answer());
 }
 
@@ -30,7 +30,9 @@ Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_m
                    std::uint32_t flags) {
   Handle handle = kInvalidHandle;
   if (virtualdisk::disk_named(name) >= 0) {
-    virtual_call("CreateFileA", handle, [&] { return virtualdisk::open(name, access, share_mode, &handle); });
+    const platform::CallFacts facts{.text = name, .numbers = {access, share_mode, disposition, flags}};
+    virtual_call(
+        "CreateFileA", [&] { return virtualdisk::open(name, access, share_mode, &handle); }, &facts);
     return handle;
   }
   handle = platform::CreateFileA(name, access, share_mode, disposition, flags);
@@ -48,8 +50,7 @@ Handle open_volume_of(int drive, const char* name, std::uint32_t access, std::ui
 
 bool SetFilePointerEx(Handle file, std::int64_t distance, std::int64_t* new_position, std::uint32_t method) {
   if (virtualdisk::owns(file)) {
-    return virtual_call("SetFilePointerEx", file,
-                        [&] { return virtualdisk::seek(file, distance, new_position, method); });
+    return virtual_call("SetFilePointerEx", [&] { return virtualdisk::seek(file, distance, new_position, method); });
   }
   return keep_system(platform::SetFilePointerEx(file, distance, new_position, method));
 }
@@ -57,7 +58,7 @@ bool SetFilePointerEx(Handle file, std::int64_t distance, std::int64_t* new_posi
 bool ReadFile(Handle file, void* buffer, std::uint32_t bytes, std::uint32_t* moved) {
   *moved = 0;
   if (virtualdisk::owns(file)) {
-    return virtual_call("ReadFile", file, [&] { return virtualdisk::read(file, buffer, bytes, moved); });
+    return virtual_call("ReadFile", [&] { return virtualdisk::read(file, buffer, bytes, moved); });
   }
   return keep_system(platform::ReadFile(file, buffer, bytes, moved));
 }
@@ -65,7 +66,7 @@ bool ReadFile(Handle file, void* buffer, std::uint32_t bytes, std::uint32_t* mov
 bool WriteFile(Handle file, const void* buffer, std::uint32_t bytes, std::uint32_t* moved) {
   *moved = 0;
   if (virtualdisk::owns(file)) {
-    return virtual_call("WriteFile", file, [&] { return virtualdisk::write(file, buffer, bytes, moved); });
+    return virtual_call("WriteFile", [&] { return virtualdisk::write(file, buffer, bytes, moved); });
   }
   return keep_system(platform::WriteFile(file, buffer, bytes, moved));
 }
@@ -73,7 +74,9 @@ bool WriteFile(Handle file, const void* buffer, std::uint32_t bytes, std::uint32
 bool LockFile(Handle file, std::uint32_t offset_low, std::uint32_t offset_high, std::uint32_t bytes_low,
               std::uint32_t bytes_high) {
   if (virtualdisk::owns(file)) {
-    return virtual_call("LockFile", file, [&] { return virtualdisk::lock(file); });
+    const platform::CallFacts facts{.numbers = {offset_low, offset_high, bytes_low, bytes_high}};
+    return virtual_call(
+        "LockFile", [&] { return virtualdisk::lock(file); }, &facts);
   }
   return keep_system(platform::LockFile(file, offset_low, offset_high, bytes_low, bytes_high));
 }
@@ -81,14 +84,16 @@ bool LockFile(Handle file, std::uint32_t offset_low, std::uint32_t offset_high, 
 bool UnlockFile(Handle file, std::uint32_t offset_low, std::uint32_t offset_high, std::uint32_t bytes_low,
                 std::uint32_t bytes_high) {
   if (virtualdisk::owns(file)) {
-    return virtual_call("UnlockFile", file, [&] { return virtualdisk::unlock(file); });
+    const platform::CallFacts facts{.numbers = {offset_low, offset_high, bytes_low, bytes_high}};
+    return virtual_call(
+        "UnlockFile", [&] { return virtualdisk::unlock(file); }, &facts);
   }
   return keep_system(platform::UnlockFile(file, offset_low, offset_high, bytes_low, bytes_high));
 }
 
 bool FlushFileBuffers(Handle file) {
   if (virtualdisk::owns(file)) {
-    return virtual_call("FlushFileBuffers", file, [&] { return virtualdisk::flush(file); });
+    return virtual_call("FlushFileBuffers", [&] { return virtualdisk::flush(file); });
   }
   return keep_system(platform::FlushFileBuffers(file));
 }
@@ -101,8 +106,11 @@ bool DeviceIoControl(Handle device, std::uint32_t code, const void* in, std::uin
                      std::uint32_t out_bytes, std::uint32_t* returned) {
   *returned = 0;
   if (virtualdisk::owns(device)) {
-    return virtual_call("DeviceIoControl", device,
-                        [&] { return virtualdisk::control(device, code, in, in_bytes, out, out_bytes, returned); });
+    const std::span input(static_cast<const std::uint8_t*>(in), in == nullptr ? 0 : in_bytes);
+    const platform::CallFacts facts{.numbers = {code, in_bytes, out_bytes}, .in = input};
+    return virtual_call(
+        "DeviceIoControl", [&] { return virtualdisk::control(device, code, in, in_bytes, out, out_bytes, returned); },
+        &facts);
   }
   return keep_system(platform::DeviceIoControl(device, code, in, in_bytes, out, out_bytes, returned));
 }
@@ -110,7 +118,7 @@ bool DeviceIoControl(Handle device, std::uint32_t code, const void* in, std::uin
 bool CloseHandle(Handle handle) {
   if (virtualdisk::owns(handle)) {
     // A handle is gone after its closing even where the call reports a failure.
-    const std::uint32_t refused = platform::rehearsed_failure("CloseHandle", handle);
+    const std::uint32_t refused = platform::rehearsed_failure("CloseHandle");
     const std::uint32_t code = virtualdisk::close(handle);
     return keep(refused != 0 ? refused : code);
   }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -129,9 +131,16 @@ bool names_device(std::string_view name);
 /// A read that the user gave up while it did not come back fails with this: ERROR_OPERATION_ABORTED (winerror.h).
 inline constexpr std::uint32_t kGivenUp = 995;
 
-/// Asked before a call that an attached virtual disk is about to answer: the system error with which the call is to
-/// fail, or 0 to let the disk answer. On Windows always 0; the headless platform keeps the call and may fail it, as it
-/// may fail its own, so that a test reaches every error path of a run.
-std::uint32_t rehearsed_failure(const char* call, Handle handle);
+/// What a call passes to the system, for the headless platform to record.
+struct CallFacts {
+  const char* text = "";                   // a name, moniker or query
+  std::array<std::uint32_t, 4> numbers{};  // flags, codes and lengths in the order of the call's parameters
+  std::span<const std::uint8_t> in = {};   // DeviceIoControl's input
+};
+
+/// Called before a call that an attached virtual disk answers. Returns the system error with which the call is to
+/// fail, or 0 to let the disk answer. On Windows always 0. The headless platform records the call with its `facts`, if
+/// any, and may fail it like its own calls, so that a test reaches every error path of a run.
+std::uint32_t rehearsed_failure(const char* call, const CallFacts* facts = nullptr);
 
 }  // namespace platform

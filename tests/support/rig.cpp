@@ -107,6 +107,14 @@ bool Rig::click(void (*handler)()) {
   }
 }
 
+std::vector<headless::Call> passed_to(const std::string& name) {
+  std::vector<headless::Call> found;
+  for (const headless::Call& call : headless::desktop.passed) {
+    if (call.name == name) found.push_back(call);
+  }
+  return found;
+}
+
 std::vector<std::string> lines_with(const std::string& text, const std::string& word) {
   std::vector<std::string> found;
   std::istringstream lines(text);

@@ -73,6 +73,9 @@ class EachSectorSize : public Rig, public ::testing::WithParamInterface<int> {
 #define ON_EACH_SECTOR_SIZE(suite) \
   INSTANTIATE_TEST_SUITE_P(Bytes, suite, ::testing::Values(512, 4096), ::testing::PrintToStringParamName())
 
+/// The recorded calls of that name, in their order, with what they passed.
+std::vector<headless::Call> passed_to(const std::string& name);
+
 /// The lines of `text` that contain `word`.
 std::vector<std::string> lines_with(const std::string& text, const std::string& word);
 

@@ -27,9 +27,8 @@ DateTime local_time() {
 }
 
 DateTime utc_time() {
-  DateTime utc = desktop.now;
-  utc.hour += (desktop.zone.bias + desktop.zone.standard_bias) / 60;
-  return utc;
+  constexpr std::int64_t kMinute = 60;
+  return headless::later(desktop.now, (desktop.zone.bias + desktop.zone.standard_bias) * kMinute);
 }
 
 std::string default_form(const DateTime& when) {

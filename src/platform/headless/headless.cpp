@@ -1,5 +1,7 @@
 #include "platform/headless/headless.h"
 
+#include <chrono>
+#include <cmath>
 #include <stdexcept>
 #include <utility>
 
@@ -31,9 +33,28 @@ void note(const std::string& event) {
   if (desktop.keeps_events) desktop.events.push_back(event);
 }
 
+platform::DateTime later(const platform::DateTime& when, std::int64_t seconds) {
+  using namespace std::chrono;
+  const year_month_day date{year(when.year), month(static_cast<unsigned>(when.month)),
+                            day(static_cast<unsigned>(when.day))};
+  const sys_seconds moved = sys_days(date) + hours(when.hour) + minutes(when.minute) +
+                            std::chrono::seconds(when.second) + std::chrono::seconds(seconds);
+  const sys_days midnight = floor<days>(moved);
+  const year_month_day to(midnight);
+  const hh_mm_ss time(moved - midnight);
+  return {static_cast<int>(to.year()),
+          static_cast<int>(static_cast<unsigned>(to.month())),
+          static_cast<int>(static_cast<unsigned>(to.day())),
+          static_cast<int>(time.hours().count()),
+          static_cast<int>(time.minutes().count()),
+          static_cast<int>(time.seconds().count())};
+}
+
 void pass_time(double seconds) {
   constexpr double kDay = 86400.0;
+  const double before = desktop.steady;
   desktop.steady += seconds;
+  desktop.now = later(desktop.now, static_cast<std::int64_t>(std::floor(desktop.steady) - std::floor(before)));
   desktop.midnight_seconds += seconds;
   if (desktop.midnight_seconds >= kDay) desktop.midnight_seconds -= kDay;
 }
@@ -92,8 +113,8 @@ void end_command() {
   pump_events();
 }
 
-bool message_box(const std::string& text, Buttons /*buttons*/, const std::string& title, BoxIcon /*icon*/) {
-  return headless::take_answer({text, title, false, {}}) == "OK";
+bool message_box(const std::string& text, Buttons buttons, const std::string& title, BoxIcon /*icon*/) {
+  return headless::take_answer({.text = text, .title = title, .buttons = buttons}) == "OK";
 }
 
 bool checked_box(const std::string& text, const std::string& title, CheckBox* check) {
@@ -104,8 +125,8 @@ bool checked_box(const std::string& text, const std::string& title, CheckBox* ch
   return answer.starts_with("OK");
 }
 
-std::string input_box(const std::string& prompt, const std::string& title, const std::string& /*default_answer*/) {
-  const std::string answer = headless::take_answer({prompt, title, true, {}});
+std::string input_box(const std::string& prompt, const std::string& title, const std::string& default_answer) {
+  const std::string answer = headless::take_answer({.text = prompt, .title = title, .default_answer = default_answer});
   return answer == "CANCEL" ? std::string() : answer;
 }
 

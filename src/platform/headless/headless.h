@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -11,6 +12,7 @@
 
 #include "platform/clock.h"
 #include "platform/system.h"
+#include "platform/window.h"
 #include "platform/wmi.h"
 
 /// The platform without a desktop: it keeps every call, box and pump, takes its answers from a script, and has a clock
@@ -29,10 +31,19 @@ struct ProcessDied {};
 struct Box {
   std::string text;
   std::string title;
-  bool asks_line = false;
+  platform::Buttons buttons = platform::Buttons::ok_cancel;
+  std::string default_answer{};  // of an input box
   std::string answer{};
   std::string check_box{};  // its caption; empty for none
   bool ticked = false;      // as it was shown
+};
+
+/// A system call with what it passed (platform::CallFacts).
+struct Call {
+  std::string name;
+  std::string text;
+  std::array<std::uint32_t, 4> numbers{};
+  std::vector<std::uint8_t> in;
 };
 
 /// What the management service answers to a query that begins with `query`.
@@ -92,6 +103,7 @@ struct Desktop {
 
   // What happened.
   std::vector<std::string> calls;
+  std::vector<Call> passed;  // of the calls that open, lock, send a request or query the management service
   std::int64_t calls_made = 0;
   std::vector<Box> boxes;
   int pumps = 0;
@@ -122,7 +134,10 @@ inline Desktop desktop;
 /// Keeps an event where they are wanted.
 void note(const std::string& event);
 
-/// Moves both clocks.
+/// `when`, moved by `seconds`.
+platform::DateTime later(const platform::DateTime& when, std::int64_t seconds);
+
+/// Moves the clocks and the date.
 void pass_time(double seconds);
 
 /// What Control-C and closing the console do: the next pump calls the watcher.

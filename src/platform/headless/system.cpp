@@ -60,17 +60,19 @@ bool failed_with(std::uint32_t code) {
 }
 
 /// Keeps the call; true when the script fails it.
-bool scripted_failure(const char* call, Handle handle) {
-  const std::uint32_t code = rehearsed_failure(call, handle);
+bool scripted_failure(const char* call, const CallFacts* facts = nullptr) {
+  const std::uint32_t code = rehearsed_failure(call, facts);
   desktop.last_error = code;
   return code != 0;
 }
 
 }  // namespace
 
-std::uint32_t rehearsed_failure(const char* call, Handle /*handle*/) {
+std::uint32_t rehearsed_failure(const char* call, const CallFacts* facts) {
   const std::int64_t number = ++desktop.calls_made;
   if (desktop.keeps_calls) desktop.calls.emplace_back(call);
+  if (desktop.keeps_calls && facts != nullptr)
+    desktop.passed.push_back({call, facts->text, facts->numbers, {facts->in.begin(), facts->in.end()}});
   headless::note(call);
   // A handle is closed in destructors too, and there by the system.
   if (number >= desktop.dies_at && desktop.dies_at != 0 && std::strcmp(call, "CloseHandle") != 0) {
@@ -81,18 +83,19 @@ std::uint32_t rehearsed_failure(const char* call, Handle /*handle*/) {
 }
 
 Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_mode, std::uint32_t disposition,
-                   std::uint32_t /*flags*/) {
-  if (scripted_failure("CreateFileA", kInvalidHandle)) return kInvalidHandle;
+                   std::uint32_t flags) {
+  const CallFacts passed{.text = name, .numbers = {access, share_mode, disposition, flags}};
+  if (scripted_failure("CreateFileA", &passed)) return kInvalidHandle;
   if (std::strncmp(name, "\\\\.\\", 4) == 0) {
     desktop.last_error = 2;
     return kInvalidHandle;
   }
-  int flags = O_RDONLY | O_CLOEXEC;
-  if ((access & kGenericWrite) != 0) flags = ((access & kGenericRead) != 0 ? O_RDWR : O_WRONLY) | O_CLOEXEC;
-  if (disposition == kCreateNew) flags |= O_CREAT | O_EXCL;
-  if (disposition == kCreateAlways || disposition == kOpenAlways) flags |= O_CREAT;
+  int mode = O_RDONLY | O_CLOEXEC;
+  if ((access & kGenericWrite) != 0) mode = ((access & kGenericRead) != 0 ? O_RDWR : O_WRONLY) | O_CLOEXEC;
+  if (disposition == kCreateNew) mode |= O_CREAT | O_EXCL;
+  if (disposition == kCreateAlways || disposition == kOpenAlways) mode |= O_CREAT;
   constexpr mode_t kOwnerWritesAllRead = 0644;
-  const int file = ::open(name, flags, kOwnerWritesAllRead);
+  const int file = ::open(name, mode, kOwnerWritesAllRead);
   if (!done(file >= 0)) return kInvalidHandle;
   struct stat facts {};
   ::fstat(file, &facts);
@@ -113,7 +116,7 @@ Handle CreateFileA(const char* name, std::uint32_t access, std::uint32_t share_m
 }
 
 bool SetFilePointerEx(Handle file, std::int64_t distance, std::int64_t* new_position, std::uint32_t method) {
-  if (scripted_failure("SetFilePointerEx", file)) return false;
+  if (scripted_failure("SetFilePointerEx")) return false;
   constexpr std::array<int, 3> kWhence = {SEEK_SET, SEEK_CUR, SEEK_END};
   const off_t position = ::lseek(static_cast<int>(file), distance, kWhence.at(method));
   if (position >= 0 && new_position != nullptr) *new_position = position;
@@ -122,7 +125,7 @@ bool SetFilePointerEx(Handle file, std::int64_t distance, std::int64_t* new_posi
 
 bool ReadFile(Handle file, void* buffer, std::uint32_t bytes, std::uint32_t* moved) {
   *moved = 0;
-  if (scripted_failure("ReadFile", file)) return false;
+  if (scripted_failure("ReadFile")) return false;
   const ssize_t got = ::read(static_cast<int>(file), buffer, bytes);
   if (got > 0) *moved = static_cast<std::uint32_t>(got);
   return done(got >= 0);
@@ -133,47 +136,51 @@ bool WriteFile(Handle file, const void* buffer, std::uint32_t bytes, std::uint32
   const bool dies = desktop.calls_made + 1 == desktop.dies_at;
   if (dies) [[maybe_unused]]
     const ssize_t torn = ::write(static_cast<int>(file), buffer, std::min(bytes, desktop.torn_bytes));
-  if (scripted_failure("WriteFile", file)) return false;
+  if (scripted_failure("WriteFile")) return false;
   if (desktop.cuts_writes) bytes /= 2;
   const ssize_t put = ::write(static_cast<int>(file), buffer, bytes);
   if (put > 0) *moved = static_cast<std::uint32_t>(put);
   return done(put >= 0);
 }
 
-bool LockFile(Handle file, std::uint32_t /*offset_low*/, std::uint32_t /*offset_high*/, std::uint32_t /*bytes_low*/,
-              std::uint32_t /*bytes_high*/) {
-  return !scripted_failure("LockFile", file);
+bool LockFile(Handle /*file*/, std::uint32_t offset_low, std::uint32_t offset_high, std::uint32_t bytes_low,
+              std::uint32_t bytes_high) {
+  const CallFacts passed{.numbers = {offset_low, offset_high, bytes_low, bytes_high}};
+  return !scripted_failure("LockFile", &passed);
 }
 
-bool UnlockFile(Handle file, std::uint32_t /*offset_low*/, std::uint32_t /*offset_high*/, std::uint32_t /*bytes_low*/,
-                std::uint32_t /*bytes_high*/) {
-  return !scripted_failure("UnlockFile", file);
+bool UnlockFile(Handle /*file*/, std::uint32_t offset_low, std::uint32_t offset_high, std::uint32_t bytes_low,
+                std::uint32_t bytes_high) {
+  const CallFacts passed{.numbers = {offset_low, offset_high, bytes_low, bytes_high}};
+  return !scripted_failure("UnlockFile", &passed);
 }
 
 bool SetEndOfFile(Handle file) {
   const int number = static_cast<int>(file);
-  return !scripted_failure("SetEndOfFile", file) && done(::ftruncate(number, ::lseek(number, 0, SEEK_CUR)) == 0);
+  return !scripted_failure("SetEndOfFile") && done(::ftruncate(number, ::lseek(number, 0, SEEK_CUR)) == 0);
 }
 
-bool FlushFileBuffers(Handle file) {
-  return !scripted_failure("FlushFileBuffers", file);
+bool FlushFileBuffers(Handle /*file*/) {
+  return !scripted_failure("FlushFileBuffers");
 }
 
-bool DeviceIoControl(Handle device, std::uint32_t /*code*/, const void* /*in*/, std::uint32_t /*in_bytes*/,
-                     void* /*out*/, std::uint32_t /*out_bytes*/, std::uint32_t* returned) {
+bool DeviceIoControl(Handle /*device*/, std::uint32_t code, const void* in, std::uint32_t in_bytes, void* /*out*/,
+                     std::uint32_t out_bytes, std::uint32_t* returned) {
+  const std::span input(static_cast<const std::uint8_t*>(in), in == nullptr ? 0 : in_bytes);
+  const CallFacts passed{.numbers = {code, in_bytes, out_bytes}, .in = input};
   *returned = 0;
-  return !scripted_failure("DeviceIoControl", device) && failed_with(50);
+  return !scripted_failure("DeviceIoControl", &passed) && failed_with(50);
 }
 
 bool CloseHandle(Handle handle) {
-  const bool refused = scripted_failure("CloseHandle", handle);
+  const bool refused = scripted_failure("CloseHandle");
   const bool closed = ::close(static_cast<int>(handle)) == 0;
   if (closed) --desktop.open_files;
   return !refused && done(closed);
 }
 
 Handle make_named_object(const char* name) {
-  if (scripted_failure("CreateMutexA", kInvalidHandle)) return kInvalidHandle;
+  if (scripted_failure("CreateMutexA")) return kInvalidHandle;
   if (desktop.foreign_names.contains(name)) {
     failed_with(kAlreadyExists);
     return kInvalidHandle;
@@ -185,11 +192,11 @@ Handle make_named_object(const char* name) {
 }
 
 bool MoveFileExA(const char* from, const char* to, std::uint32_t /*flags*/) {
-  return !scripted_failure("MoveFileExA", kInvalidHandle) && done(std::rename(from, to) == 0);
+  return !scripted_failure("MoveFileExA") && done(std::rename(from, to) == 0);
 }
 
 bool DeleteFileA(const char* name) {
-  return !scripted_failure("DeleteFileA", kInvalidHandle) && done(::unlink(name) == 0);
+  return !scripted_failure("DeleteFileA") && done(::unlink(name) == 0);
 }
 
 std::uint32_t FormatMessageA(std::uint32_t /*flags*/, std::uint32_t code, char* text, std::uint32_t text_bytes) {
@@ -222,7 +229,7 @@ std::uint32_t GetTimeZoneInformation(TimeZone* zone) {
 }
 
 bool GetVersionExA(OsVersion* version) {
-  if (scripted_failure("GetVersionExA", kInvalidHandle)) return false;
+  if (scripted_failure("GetVersionExA")) return false;
   version->major = 10;
   version->platform_id = 2;
   return true;

@@ -14,14 +14,16 @@ constexpr WmiHandle kService = 1;
 
 }  // namespace
 
-WmiHandle wmi_open(const std::string& /*moniker*/) {
-  return rehearsed_failure("wmi_open", kNoWmi) != 0 || desktop.wmi_absent ? kNoWmi : kService;
+WmiHandle wmi_open(const std::string& moniker) {
+  const CallFacts facts{.text = moniker.c_str()};
+  return rehearsed_failure("wmi_open", &facts) != 0 || desktop.wmi_absent ? kNoWmi : kService;
 }
 
-WmiHandle wmi_query(WmiHandle service, const std::string& query, std::uint32_t /*flags*/) {
+WmiHandle wmi_query(WmiHandle service, const std::string& query, std::uint32_t flags) {
   desktop.wmi_queries.push_back(query);
   headless::note(query);
-  if (service != kService || rehearsed_failure("wmi_query", service) != 0) return kNoWmi;
+  const CallFacts facts{.text = query.c_str(), .numbers = {flags}};
+  if (service != kService || rehearsed_failure("wmi_query", &facts) != 0) return kNoWmi;
   for (std::size_t i = 0; i < desktop.wmi_answers.size(); ++i) {
     const headless::WmiAnswer& answer = desktop.wmi_answers[i];
     if (query.rfind(answer.query, 0) != 0) continue;
@@ -35,7 +37,7 @@ WmiHandle wmi_query(WmiHandle service, const std::string& query, std::uint32_t /
 }
 
 WmiNext wmi_next(WmiHandle rows, const std::vector<std::string>& properties, WmiRow* row) {
-  if (rehearsed_failure("wmi_next", rows) != 0) return WmiNext::failed;
+  if (rehearsed_failure("wmi_next") != 0) return WmiNext::failed;
   headless::WmiCursor& cursor = desktop.wmi_cursors.at(rows);
   if (cursor.answer >= desktop.wmi_answers.size()) return WmiNext::end;
   const headless::WmiAnswer& answer = desktop.wmi_answers[cursor.answer];

@@ -149,7 +149,7 @@ std::uint32_t GetLastError() {
   return last_error;
 }
 
-std::uint32_t rehearsed_failure(const char* /*call*/, Handle /*handle*/) {
+std::uint32_t rehearsed_failure(const char* /*call*/, const CallFacts* /*facts*/) {
   return 0;
 }
 

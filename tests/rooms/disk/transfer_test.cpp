@@ -88,6 +88,28 @@ TEST_F(Transfer, AWriteLocksFlushesAndUnlocksAndAFailedOneDoesNot) {
   EXPECT_THAT(headless::desktop.calls, ElementsAre("SetFilePointerEx", "LockFile", "WriteFile"));
 }
 
+TEST_F(Transfer, AWriteLocksItsRangeByTheSplitLength) {
+  open_disk("sectors 9000000\n", 128);
+  constexpr std::int64_t kBeyond = 8388608 + 7;  // from byte 4294967296 + 3584 on
+  for (const std::int64_t sectors : {1, 64, 128}) EXPECT_TRUE(WriteAt(kBeyond, sectors));
+  std::vector<std::vector<std::uint32_t>> locked;
+  std::vector<std::vector<std::uint32_t>> unlocked;
+  for (const headless::Call& call : passed_to("LockFile"))
+    locked.emplace_back(call.numbers.begin(), call.numbers.end());
+  for (const headless::Call& call : passed_to("UnlockFile"))
+    unlocked.emplace_back(call.numbers.begin(), call.numbers.end());
+  EXPECT_THAT(locked, ElementsAre(ElementsAre(3584, 1, 512, 0), ElementsAre(3584, 1, 0xFFFF8000, 0),
+                                  ElementsAre(3584, 1, 0, 1)));
+  EXPECT_EQ(unlocked, locked);
+}
+
+TEST_F(Transfer, ADriveIsOpenedForReadingAndWritingAndShared) {
+  open_disk("sectors 10\n");
+  const headless::Call opened = passed_to("CreateFileA").back();
+  EXPECT_EQ(opened.text, R"(\\.\PhysicalDrive0)");
+  EXPECT_THAT(opened.numbers, ElementsAre(0xC0000000, 3, 3, 0)) << "access, share mode, disposition, flags";
+}
+
 TEST_F(Transfer, AReadOnlyDiskSaysSo) {
   open_disk("sectors 1000\nreadonly\n");
   std::int64_t lba = 0;

@@ -44,6 +44,8 @@ TEST_F(EventLog, EntriesAreListedAndCountedByType) {
 
 TEST_F(EventLog, AsksForTheHalfOpenSpanInLocalTime) {
   Query_System_Event_Log(kStart);
+  EXPECT_EQ(passed_to("wmi_open").at(0).text, "winmgmts:");
+  EXPECT_EQ(passed_to("wmi_query").at(0).numbers[0], 48U) << "return at once, forward only";
   EXPECT_THAT(headless::desktop.wmi_queries,
               ElementsAre("SELECT * FROM Win32_NTLogEvent Where TimeWritten >= '20260301095958.000000+060' and "
                           "TimeWritten < '20260301100000.000000+060' and Logfile='System'"));

@@ -9,6 +9,7 @@
 
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 class SnapshotTest : public Rig {
@@ -57,6 +58,17 @@ TEST_F(SnapshotTest, DrivesWithoutSmartGiveAnEmptySnapshot) {
   EXPECT_EQ(take("sectors 10\nsmart 5 0 1 1 0 0\nsmart nobit\n").Attr_Count, 1) << "the missing bit stops nothing";
   EXPECT_EQ(take("sectors 10\nsmart 5 0 1 1 0 0\nsmart atapi\n").Drive_Type, 2);
   EXPECT_EQ(smart.Smart_Snapshot.Attributes.size(), 2U);
+}
+
+TEST_F(SnapshotTest, AnOddDriveNumberDoesNotSetTheSlaveBit) {
+  EXPECT_EQ(take("sectors 10\nsmart 5 0 1 1 0 0\n", 3).Attr_Count, 1);
+  std::vector<std::vector<int>> features;
+  for (const headless::Call& call : passed_to("DeviceIoControl")) {
+    if (call.in.size() != 32 || call.in[10] != 0xB0) continue;
+    features.push_back({call.in[4], call.in[9], call.in[12]});
+  }
+  EXPECT_THAT(features, ElementsAre(ElementsAre(0xD8, 0xA0, 3), ElementsAre(0xD0, 0xA0, 3), ElementsAre(0xD1, 0xA0, 3)))
+      << "features, drive/head, drive number";
 }
 
 TEST_F(SnapshotTest, HostilePagesDoNoHarm) {
