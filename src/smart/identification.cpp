@@ -104,19 +104,21 @@ std::array<std::uint8_t, kMiniportBytes> miniport_request() {
   return request;
 }
 
-void take_texts(IdentitySource source, const std::string& model, const std::string& serial,
-                const std::string& firmware) {
-  identification.source = source;
-  identification.Model_No = model;
-  identification.Serial_No = serial;
-  identification.Firmware_Rev = firmware;
+/// Fills in the texts that are still blank. `source` becomes that of the identity if all of them were.
+void fill_in_texts(IdentitySource source, const std::string& model, const std::string& serial,
+                   const std::string& firmware) {
+  Identification& id = identification;
+  if (id.Disk_Model.empty() && id.Disk_Serial.empty() && id.Disk_Firmware.empty()) id.source = source;
+  if (id.Disk_Model.empty()) id.Model_No = model;
+  if (id.Disk_Serial.empty()) id.Serial_No = serial;
+  if (id.Disk_Firmware.empty()) id.Firmware_Rev = firmware;
   Clean_Id_Strings();
 }
 
 void identify_by_controller(kernel32::Handle drive) {
   const std::optional<NvmeController> told = decode_nvme_controller(ask_nvme_controller(through(drive)).data);
   if (told && !clean_id(told->model).empty())
-    take_texts(IdentitySource::nvme_controller, told->model, told->serial, told->firmware);
+    fill_in_texts(IdentitySource::nvme_controller, told->model, told->serial, told->firmware);
 }
 
 std::string text_in(std::span<const std::uint8_t> data, std::size_t at, std::size_t size) {
@@ -134,7 +136,7 @@ void identify_by_inquiry(kernel32::Handle drive) {
                               .product = text_in(reply.data, 16, 16),
                               .revision = text_in(reply.data, 32, 4),
                               .serial = {}};
-  if (!model_of(told).empty()) take_texts(IdentitySource::inquiry, model_of(told), {}, told.revision);
+  if (!model_of(told).empty()) fill_in_texts(IdentitySource::inquiry, model_of(told), {}, told.revision);
 }
 
 /// The unit serial number page (SPC-4, 7.8.15).
@@ -167,7 +169,7 @@ void identify_by_driver(kernel32::Handle drive) {
   if (!id.Disk_Model.empty()) return;
   if (told->bus == StorageBus::nvme) identify_by_controller(drive);
   if (id.Disk_Model.empty() && !model_of(*told).empty())
-    take_texts(IdentitySource::descriptor, model_of(*told), told->serial, told->revision);
+    fill_in_texts(IdentitySource::descriptor, model_of(*told), told->serial, told->revision);
   if (!speaks_scsi(told->bus)) return;
   if (id.Disk_Model.empty()) identify_by_inquiry(drive);
   if (id.Disk_Serial.empty()) ask_unit_serial(drive);

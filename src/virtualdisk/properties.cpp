@@ -67,9 +67,10 @@ std::vector<std::uint8_t> device_descriptor(const VirtualDisk& disk) {
   ScsiName name = scsi_name(file.model);
   std::string serial = file.serial;
   if (file.bus == Bus::ata) {
-    // As the drive itself has it.
+    // As the drive itself has it; a model that it lacks is the disk file's.
     const Page identify = identity_of(disk);
-    name = {.vendor = {}, .product = identify_text(identify, 27, 20)};
+    const std::string model = identify_text(identify, 27, 20);
+    if (!model.empty()) name = {.vendor = {}, .product = model};
     serial = identify_text(identify, 10, 10);
   }
   if (file.bus == Bus::nvme || file.bus == Bus::nvme_hidden) {

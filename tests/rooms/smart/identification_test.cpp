@@ -8,9 +8,11 @@
 #include "form/output.h"
 #include "smart/identify_data.h"
 #include "tests/support/rig.h"
+#include "virtualdisk/identify.h"
 
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 class IdentificationTest : public Rig {
@@ -68,6 +70,50 @@ TEST_F(IdentificationTest, ADriveThatAnswersNothingIsNotFound) {
   EXPECT_EQ(out(),
             "Check_drv 2 was called\r\nIDE disk 2 Size=0(0 Mb)\r\nIDE disk geometry 2 Size=0 (0 Mb)\r\n"
             "SCSI disk 2 Size=0 (0 Mb)\r\n");
+}
+
+TEST_F(IdentificationTest, AnAnswerWithoutAModelKeepsItsSerialNumberAndFirmware) {
+  const auto page_of = [](const virtualdisk::Identity& identity) {
+    const virtualdisk::Page page = virtualdisk::identify_page(identity);
+    return std::string(page.begin(), page.end());
+  };
+  const std::string described = "sectors 100\nmodel Described\nserial-property D-1\nfirmware D.1\nidentify page.bin\n";
+  raw_page("page.bin", page_of({.serial = "I-1", .firmware = "I.1", .sectors = 100}));
+  EXPECT_TRUE(identify(described));
+  EXPECT_EQ(identification.Disk_Model, "Described");
+  EXPECT_EQ(identification.Disk_Serial, "I-1");
+  EXPECT_EQ(identification.Disk_Firmware, "I.1");
+  EXPECT_EQ(identification.source, IdentitySource::identify);
+  raw_page("page.bin", page_of({.sectors = 100}));
+  EXPECT_TRUE(identify(described));
+  EXPECT_EQ(identification.Disk_Serial, "D-1");
+  EXPECT_EQ(identification.source, IdentitySource::descriptor) << "nothing came of IDENTIFY";
+}
+
+TEST_F(IdentificationTest, RequestsGoOutInTheirOrder) {
+  EXPECT_TRUE(identify("sectors 100\n"));
+  std::vector<std::uint32_t> codes;
+  for (const headless::Call& call : passed_to("DeviceIoControl")) codes.push_back(call.numbers[0]);
+  EXPECT_THAT(codes, ElementsAre(0x7C088, 0x70000, 0x4D004, 0x7405C, 0x2D1400))
+      << "IDENTIFY, geometry, READ CAPACITY, length, then the device descriptor";
+  const headless::Call capacity = passed_to("DeviceIoControl")[2];
+  EXPECT_EQ(capacity.numbers[1], 585U);
+  EXPECT_EQ(capacity.numbers[2], 585U);
+  // SCSI_PASS_THROUGH of a 64-bit program: 56 bytes, 24 of sense after it, the data from 80 on.
+  std::vector<std::uint8_t> expected(585);
+  expected[0] = 56;
+  expected[4] = 1;
+  expected[6] = 6;
+  expected[7] = 24;
+  expected[8] = 1;
+  expected[12] = 192;
+  expected[16] = 2;
+  expected[24] = 80;
+  expected[32] = 56;
+  expected[36] = 0x25;
+  expected[37] = 8;
+  expected[40] = 192;
+  EXPECT_EQ(capacity.in, expected);
 }
 
 TEST_F(IdentificationTest, HostileIdentitiesDoNoHarm) {
