@@ -26,27 +26,29 @@ const Smart_Attribute* find(const Snapshot& snapshot, std::uint8_t id) {
   return found == snapshot.Attributes.end() ? nullptr : &*found;
 }
 
-std::string left_aligned(std::int64_t value) {
+/// `value` in ten characters; blanks where it is absent.
+std::string left_aligned(const std::optional<std::int64_t>& value) {
   constexpr std::size_t kWidth = 10;
-  std::string text = std::to_string(value);
+  std::string text = value ? std::to_string(*value) : std::string();
   if (text.size() < kWidth) text.resize(kWidth, ' ');
   return text;
 }
 
-/// One attribute before and after; absent from one snapshot it counts as 0 there.
+/// One attribute before and after. A value that a snapshot lacks counts as 0.
 struct Pair {
-  std::int64_t before = 0;
-  std::int64_t after = 0;
-  std::string name;  // empty when both lack it
-  std::int64_t difference() const { return after - before; }
+  std::optional<std::int64_t> before;
+  std::optional<std::int64_t> after;
+  std::string name;
+  std::int64_t difference() const { return after.value_or(0) - before.value_or(0); }
 };
 
 Pair pair_of(const Snapshot& before, std::uint8_t id) {
   const Smart_Attribute* const old_one = find(before, id);
   const Smart_Attribute* const new_one = find(smart.Smart_Snapshot, id);
   Pair pair;
-  if (old_one != nullptr) pair = {old_one->Raw, 0, old_one->Attr_Name};
+  if (old_one != nullptr) pair = {old_one->Raw, {}, old_one->Attr_Name};
   if (new_one != nullptr) pair = {pair.before, new_one->Raw, new_one->Attr_Name};
+  if (pair.name.empty()) pair.name = AttName(id);
   return pair;
 }
 
@@ -74,21 +76,20 @@ std::optional<std::int64_t>* kept_difference(std::uint8_t id) {
   }
 }
 
-/// Compares every attribute of the list, keeps the values, and gives the lines.
+/// Compares every attribute of the list and keeps the values. Returns a line for each.
 std::string compare_attributes(const Snapshot& before) {
   PrintReport("Compare_Smart_info " + std::to_string(form1.SelectedDrive) + " was called OK - " +
               std::to_string(smart.Smart_Snapshot.Attr_Count) + " Attributes to Parse!");
   std::string lines;
   for (const std::uint8_t id : kCompared) {
     const Pair pair = pair_of(before, id);
-    if (!pair.name.empty()) {
-      lines += three_digits(id) + " " + pair.name + " was " + left_aligned(pair.before) + " now " +
-               left_aligned(pair.after) + " DIFFERENCE=" + std::to_string(pair.difference()) + "\r\n";
-    }
+    lines += three_digits(id) + " " + pair.name + " was " + left_aligned(pair.before) + " now " +
+             left_aligned(pair.after) + " DIFFERENCE=" + std::to_string(pair.difference()) + "\r\n";
     if (std::optional<std::int64_t>* const kept = kept_difference(id)) *kept = pair.difference();
     if (id == kTemperatureId) comparison.final_temperature = pair.after;
     if (id == kPowerOnId) {
-      comparison.final_power_on = power_on_hours(pair.after, pair.difference(), static_cast<double>(elapsed_seconds()));
+      comparison.final_power_on =
+          power_on_hours(pair.after.value_or(0), pair.difference(), static_cast<double>(elapsed_seconds()));
     }
   }
   return lines;

@@ -11,6 +11,7 @@
 
 namespace {
 
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -42,17 +43,32 @@ class CompareTest : public Rig {
 };
 
 TEST_F(CompareTest, DifferencesAreListedReportedAndCounted) {
-  compare(snapshot({{5, 0}, {7, 9}, {9, 100}, {194, 30}}), snapshot({{5, 2}, {7, 8}, {9, 100}, {194, 80}, {199, 1}}));
-  EXPECT_THAT(form1.Text1.text(), HasSubstr("\r\nSMART DATA\r\n"
-                                            "005 NAME was 0          now 2          DIFFERENCE=2\r\n"
-                                            "007 NAME was 9          now 8          DIFFERENCE=-1\r\n"
-                                            "009 NAME was 100        now 100        DIFFERENCE=0\r\n"
-                                            "194 NAME was 30         now 80         DIFFERENCE=50\r\n"
-                                            "199 NAME was 0          now 1          DIFFERENCE=1\r\n"));
+  compare(snapshot({{5, 0}, {7, 9}, {9, 100}, {12, 3}, {194, 30}}),
+          snapshot({{5, 2}, {7, 8}, {9, 100}, {194, 80}, {199, 1}}));
+  EXPECT_THAT(form1.Text1.text(),
+              EndsWith("\r\nSMART DATA\r\n"
+                       "001 READ_ERROR_RATE               was            now            DIFFERENCE=0\r\n"
+                       "005 NAME was 0          now 2          DIFFERENCE=2\r\n"
+                       "007 NAME was 9          now 8          DIFFERENCE=-1\r\n"
+                       "009 NAME was 100        now 100        DIFFERENCE=0\r\n"
+                       "010 SPIN_RETRY_COUNT              was            now            DIFFERENCE=0\r\n"
+                       "011 CALIBRATION_RETRY_COUNT       was            now            DIFFERENCE=0\r\n"
+                       "012 NAME was 3          now            DIFFERENCE=-3\r\n"
+                       "196 REALLOCATION_EVENTS_COUNT     was            now            DIFFERENCE=0\r\n"
+                       "194 NAME was 30         now 80         DIFFERENCE=50\r\n"
+                       "198 UNCORRECTABLE_SECTOR_COUNT    was            now            DIFFERENCE=0\r\n"
+                       "199 NAME was            now 1          DIFFERENCE=1\r\n"))
+      << "the name comes from the snapshot that has the attribute, else from the table";
   EXPECT_THAT(out(), HasSubstr("SET QV_S_REALLOC_SECT=2\r\nSET QV_S_SEEK_ERR_RATE=-1\r\nSET QV_S_CALIB_RETRY=0\r\n"));
   EXPECT_THAT(out(), HasSubstr("SET QV_S_FINAL_POWER_ON_HOURS=100\r\nSET QV_S_FINAL_TEMP=80\r\n"));
-  EXPECT_THAT(out(), HasSubstr("SET QV_S_ERRORS=3\r\nSET QV_S_WARNINGS=1\r\nSET QV_S_INFO=0\r\n"));
-  EXPECT_EQ(output.ExitCode, 3);
+  EXPECT_THAT(out(), HasSubstr("SET QV_S_ERRORS=4\r\nSET QV_S_WARNINGS=1\r\nSET QV_S_INFO=0\r\n"));
+  EXPECT_EQ(output.ExitCode, 4);
+}
+
+TEST_F(CompareTest, ATemperatureThatIsAbsentAtTheEndIsBlank) {
+  compare(snapshot({{194, 90}}), snapshot({{5, 0}}));
+  EXPECT_THAT(out(), HasSubstr("SET QV_S_FINAL_TEMP=\r\n"));
+  EXPECT_THAT(out(), HasSubstr("SET QV_S_ERRORS=0\r\n"));
 }
 
 TEST_F(CompareTest, EveryFindingHasItsClass) {
