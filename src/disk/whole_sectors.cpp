@@ -66,10 +66,7 @@ bool compose(const Stretch& asked, const Stretch& whole) {
 }
 
 std::string sector_sizes_text() {
-  const std::string logical = std::to_string(disk.sizes.logical);
-  if (disk.sizes.logical > kSectorSize) {
-    return " (sectors of " + logical + " bytes: each is " + std::to_string(sectors_per_logical()) + " sectors of 512)";
-  }
-  if (disk.sizes.physical == disk.sizes.logical) return {};
-  return " (sectors of 512 bytes, of " + std::to_string(disk.sizes.physical) + " on the medium)";
+  if (disk.sizes.logical == kSectorSize) return {};
+  return " (sectors of " + std::to_string(disk.sizes.logical) + " bytes: each is " +
+         std::to_string(sectors_per_logical()) + " sectors of 512)";
 }

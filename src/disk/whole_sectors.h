@@ -35,5 +35,5 @@ std::span<const std::uint8_t> whole_sectors_read();
 /// as ReadAt leaves it; else their bytes are `disk.around`.
 bool compose(const Stretch& asked, const Stretch& whole);
 
-/// The sizes of the selected drive's sectors for a line of text, " (sectors of ...)"; empty where both have 512 bytes.
+/// The size of the selected drive's logical sectors for a line of text, " (sectors of ...)"; empty if it is 512 bytes.
 std::string sector_sizes_text();
