@@ -29,7 +29,6 @@
 #include "results/run_report.h"
 #include "results/sector_report.h"
 #include "results/verify_report.h"
-#include "smart/identification.h"
 
 namespace {
 
@@ -231,7 +230,6 @@ void run_in_frame(const Command& command) {
   end_measuring(form1.MyCancel);
   tell_run_end();
   if (command.finds_bad_places && measured_something()) find_bad_places();
-  if (identification.Drive_Sectors == 0) form1.TxtStatus.set_text(command_end.reason);
 }
 
 void lock_buttons() {

@@ -116,7 +116,6 @@ void Start_Operation() {
 void End_Operation() {
   end_temperature_watch();
   Get_Smart_Data(form1.SelectedDrive);
-  end_drive_health();
   frame.Smart_Text += smart.Smart_List;
   Compare_smart_info(frame.before);
   Query_System_Event_Log(frame.Op_Start_Date);
@@ -124,6 +123,8 @@ void End_Operation() {
   PrintReport(frame.Smart_Text + "\r\n\r\n");
   form1.Text1.append("\r\n" + frame.Smart_Text);
   close_drive();
+  // Its requests are no part of the run, so they follow the span that the event log is queried for.
+  end_drive_health();
 }
 
 void Clear_Counters() {
