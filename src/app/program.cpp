@@ -97,12 +97,14 @@ void run_batch(bool has_window) {
   close_report();
 }
 
-/// Learns what the next drive is, for its button's tool tip. False when all are known.
+/// Finds out what the next drive is, for its button's tool tip. Returns false if all are known.
 bool learn_drive() {
   const int drive = form1.drives_learned++;
+  const auto button = static_cast<std::size_t>(drive);
   const std::string words = drive_words(drive);
-  if (!words.empty())
-    form1.drive_tips.at(static_cast<std::size_t>(drive)).set_text("Drive " + std::to_string(drive) + ": " + words);
+  std::string tip = main_window().controls[button].tool_tip;
+  if (!tip.empty()) tip += "\r\n";
+  if (!words.empty()) form1.drive_tips.at(button).set_text(tip + "Drive " + std::to_string(drive) + ": " + words);
   return form1.drives_learned < kDriveCount;
 }
 

@@ -223,7 +223,8 @@ TEST_F(HealthRun, TheHistorySaysWhatGrewSince) {
 TEST_F(HealthRun, TheDriveButtonsTellWhatDrivesAre) {
   open(disk_switch(0, "sectors 40000\nmodel A\nserial A1\n") +
        disk_switch(3, "sectors 4000000\nmodel B\nserial B1\nbus nvme\n"));
-  EXPECT_EQ(form1.drive_tips[0].text(), "Drive 0: A, serial number A1, 19Mb, SATA");
+  EXPECT_EQ(form1.drive_tips[0].text(),
+            "Select the desired disk (as detected by Windows)\r\nDrive 0: A, serial number A1, 19Mb, SATA");
   EXPECT_EQ(form1.drive_tips[3].text(), "Drive 3: B, serial number B1, 1953Mb, NVMe");
   EXPECT_EQ(form1.drive_tips[1].text(), "");
 }
