@@ -20,8 +20,10 @@ bool volume_request(kernel32::Handle handle, std::uint32_t code) {
   return kernel32::DeviceIoControl(handle, code, nullptr, 0, nullptr, 0, &returned);
 }
 
-void trace(const std::string& text) {
-  platform::debug_text(text);
+/// Writes a line of trace in a debug build. A release does not even hold the texts.
+template <typename... Parts>
+void trace(const Parts&... parts) {
+  if constexpr (platform::kDebugBuild) platform::debug_text((std::string() + ... + parts));
 }
 
 /// The device ids that a query gives; empty where it fails.
@@ -46,15 +48,18 @@ bool lock_volume(int drive, const std::string& volume) {
   if (volumes.hVolumes[0] >= 1) volumes.replaced.push_back(volumes.hVolumes[0]);
   volumes.hVolumes[0] = handle;
   if (handle == kernel32::kInvalidHandle) {
-    trace("Lock_Unlock_All_Volumes - Cannot open handle for " + volume + " to dismount.");
+    trace("Lock_Unlock_All_Volumes - Cannot open handle for ", volume, " to dismount.");
     return false;
   }
-  trace("Lock_Unlock_All_Volumes - Volume handle " + volume + " opened");
+  trace("Lock_Unlock_All_Volumes - Volume handle ", volume, " opened");
   // Asked twice, also where the first request was granted: docs/oddities.md, 17.
   const bool at_once = volume_request(handle, kLockVolume);
   const bool again = volume_request(handle, kLockVolume);
-  trace(at_once || again ? "Lock_Unlock_All_Volumes - FSCTL_LOCK_VOLUME Volume " + volume + " locked"
-                         : "Lock_Unlock_All_Volumes - FSCTL_LOCK_VOLUME Cannot lock volume");
+  if (at_once || again) {
+    trace("Lock_Unlock_All_Volumes - FSCTL_LOCK_VOLUME Volume ", volume, " locked");
+  } else {
+    trace("Lock_Unlock_All_Volumes - FSCTL_LOCK_VOLUME Cannot lock volume");
+  }
   MY_DISMOUNT_VOLUME(handle);
   return true;
 }

@@ -13,7 +13,14 @@ std::string command_line();
 std::uint32_t write_out(std::string_view text);
 std::uint32_t write_err(std::string_view text);
 
-/// Hands a line to a debugger, if one listens.
+/// False in a release build, which writes no trace.
+#ifdef NDEBUG
+inline constexpr bool kDebugBuild = false;
+#else
+inline constexpr bool kDebugBuild = true;
+#endif
+
+/// Passes a line to a debugger, if one is attached. Callers do so in debug builds only.
 void debug_text(const std::string& text);
 
 /// True when standard error is a terminal, on which a line may be rewritten in place.
