@@ -1,9 +1,8 @@
 // The buttons and default answers of the boxes that buttons open.
 
-#include "app/handlers.h"
-
 #include <gmock/gmock.h>
 
+#include "app/handlers.h"
 #include "form/form1.h"
 #include "tests/support/rig.h"
 
