@@ -17,6 +17,7 @@
 #include "buffer/hex_view.h"
 #include "buffer/pattern.h"
 #include "buffer/search_kernels.h"
+#include "platform/text.h"
 #include "platform/units.h"
 
 namespace {
@@ -74,13 +75,14 @@ Bytes bytes_of(const std::string& text) {
 
 void searches(const std::string& on, const Bytes& memory, const Work& compare) {
   const Bytes absent = bytes_of("Sectorix was here");
+  const search_kernels::UpperCase upper_case = platform::ansi_upper_case();
   const Bytes absent_upper = bytes_of("SECTORIX WAS HERE");
   row(
       "search, case-sensitive, on " + on + " / its own memcmp", 0.45,
       [&] { return search_kernels::find_bytes(memory, absent); }, compare);
   row(
       "search, any case, on " + on + " / its own memcmp", 0.40,
-      [&] { return search_kernels::find_any_case(memory, absent_upper); }, compare);
+      [&] { return search_kernels::find_any_case(memory, absent_upper, upper_case); }, compare);
 }
 
 /// Memory in which a pattern nearly stands at every second place: what candidates cost must not multiply.

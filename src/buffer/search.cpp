@@ -5,6 +5,7 @@
 #include "buffer/hex_text.h"
 #include "buffer/pattern.h"
 #include "buffer/search_kernels.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -43,10 +44,10 @@ Search parse_search(std::string_view search_string) {
   search.kind = prefix->kind;
   const std::string_view rest = search_string.substr(prefix->text.size());
   if (search.kind == SearchKind::text || search.kind == SearchKind::text_any_case) {
-    for (const char c : rest) {
-      const auto code = static_cast<std::uint8_t>(c);
-      search.pattern.push_back(search.kind == SearchKind::text ? code : search_kernels::kUpper1252[code]);
-    }
+    search.pattern.assign(rest.begin(), rest.end());
+    if (search.kind == SearchKind::text) return search;
+    search.upper_case = platform::ansi_upper_case();
+    for (std::uint8_t& byte : search.pattern) byte = search.upper_case[byte];
     return search;
   }
   search.error = hex_error(rest);
@@ -60,8 +61,8 @@ Search parse_search(std::string_view search_string) {
   return search;
 }
 
-std::int64_t find_match(const Search& search, std::span<const std::uint8_t> bytes) {
-  if (search.pattern.empty()) return -1;
+std::int64_t FindStringPosinBuffer(const Search& search, std::span<const std::uint8_t> bytes) {
+  if (search.pattern.empty()) return 0;
   std::size_t found = search_kernels::kNotFound;
   switch (search.kind) {
     case SearchKind::text:
@@ -69,11 +70,11 @@ std::int64_t find_match(const Search& search, std::span<const std::uint8_t> byte
       found = search_kernels::find_bytes(bytes, search.pattern);
       break;
     case SearchKind::text_any_case:
-      found = search_kernels::find_any_case(bytes, search.pattern);
+      found = search_kernels::find_any_case(bytes, search.pattern, search.upper_case);
       break;
     case SearchKind::not_equal:
       found = search_kernels::find_differing(bytes, search.pattern.front());
       break;
   }
-  return found == search_kernels::kNotFound ? -1 : static_cast<std::int64_t>(found);
+  return found == search_kernels::kNotFound ? 0 : static_cast<std::int64_t>(found) + 1;
 }

@@ -18,28 +18,8 @@ using Bytes = std::span<const std::uint8_t>;
 
 inline constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
 
-/// Upper case of every Windows-1252 code. Sharp s, florin and micro sign have none in this code page and stay.
-inline constexpr auto kUpper1252 = [] {
-  std::array<std::uint8_t, 256> upper{};
-  for (std::size_t code = 0; code < upper.size(); ++code) {
-    const bool letter = (code >= 'a' && code <= 'z') || (code >= 0xE0 && code <= 0xFE && code != 0xF7);
-    upper[code] = static_cast<std::uint8_t>(letter ? code - 0x20 : code);
-  }
-  upper[0x9A] = 0x8A;
-  upper[0x9C] = 0x8C;
-  upper[0x9E] = 0x8E;
-  upper[0xFF] = 0x9F;
-  return upper;
-}();
-
-/// The bits in which the codes of one upper-case letter differ from it.
-inline constexpr auto kCaseBits1252 = [] {
-  std::array<std::uint8_t, 256> bits{};
-  for (std::size_t code = 0; code < bits.size(); ++code) {
-    bits[kUpper1252[code]] = static_cast<std::uint8_t>(bits[kUpper1252[code]] | (code ^ kUpper1252[code]));
-  }
-  return bits;
-}();
+/// The upper case of each byte.
+using UpperCase = std::array<std::uint8_t, 256>;
 
 namespace detail {
 
@@ -49,11 +29,18 @@ inline constexpr std::size_t kStep = 4 * kVector;
 /// How the bytes of the memory are looked at.
 struct AsIs {
   static std::uint8_t fold(std::uint8_t byte) { return byte; }
-  static std::uint8_t case_bits(std::uint8_t) { return 0; }
 };
 struct AnyCase {
-  static std::uint8_t fold(std::uint8_t byte) { return kUpper1252[byte]; }
-  static std::uint8_t case_bits(std::uint8_t upper) { return kCaseBits1252[upper]; }
+  explicit AnyCase(const UpperCase& upper_case) : upper(upper_case) {
+    for (std::size_t code = 0; code < upper.size(); ++code) {
+      bits[upper[code]] = static_cast<std::uint8_t>(bits[upper[code]] | (code ^ upper[code]));
+    }
+  }
+
+  std::uint8_t fold(std::uint8_t byte) const { return upper[byte]; }
+
+  const UpperCase& upper;
+  std::array<std::uint8_t, 256> bits{};  // in which the codes of one upper-case letter differ from it
 };
 
 inline __m128i load(const std::uint8_t* from) {
@@ -68,9 +55,9 @@ inline unsigned mask_of(__m128i equal) {
 /// the comparison that follows does not.
 template <class Case>
 struct Probe {
-  Probe(Bytes pattern, std::size_t position)
+  Probe(Bytes pattern, std::size_t position, const Case& letters)
       : at(position),
-        case_bits(_mm_set1_epi8(static_cast<char>(Case::case_bits(pattern[position])))),
+        case_bits(_mm_set1_epi8(static_cast<char>(letters.bits[pattern[position]]))),
         value(_mm_or_si128(_mm_set1_epi8(static_cast<char>(pattern[position])), case_bits)) {}
 
   __m128i matches(const std::uint8_t* start) const {
@@ -84,7 +71,7 @@ struct Probe {
 
 template <>
 struct Probe<AsIs> {
-  Probe(Bytes pattern, std::size_t position)
+  Probe(Bytes pattern, std::size_t position, const AsIs& /*letters*/)
       : at(position), value(_mm_set1_epi8(static_cast<char>(pattern[position]))) {}
 
   __m128i matches(const std::uint8_t* start) const { return _mm_cmpeq_epi8(load(start + at), value); }
@@ -100,7 +87,7 @@ struct Positions {
 
 /// The two positions of `pattern` whose bytes are rarest in a sample of `memory`; the same one twice when there is one.
 template <class Case>
-Positions rarest_positions(Bytes memory, Bytes pattern) {
+Positions rarest_positions(Bytes memory, Bytes pattern, const Case& letters) {
   // No power of two, so that the pieces do not all lie at the starts of sectors and records.
   constexpr std::size_t kPieces = 17;
   constexpr std::size_t kPiece = 64;
@@ -108,7 +95,7 @@ Positions rarest_positions(Bytes memory, Bytes pattern) {
   const std::size_t stride = std::max(memory.size() / kPieces, kPiece);
   for (std::size_t piece = 0; piece < memory.size(); piece += stride) {
     for (const std::uint8_t byte : memory.subspan(piece, std::min(kPiece, memory.size() - piece))) {
-      ++seen[Case::fold(byte)];
+      ++seen[letters.fold(byte)];
     }
   }
   Positions positions{0, pattern.size() - 1};
@@ -126,15 +113,15 @@ Positions rarest_positions(Bytes memory, Bytes pattern) {
 
 /// How many bytes from `start` on agree with `pattern`.
 template <class Case>
-std::size_t agreeing(const std::uint8_t* start, Bytes pattern) {
+std::size_t agreeing(const std::uint8_t* start, Bytes pattern, const Case& letters) {
   std::size_t i = 0;
-  while (i < pattern.size() && Case::fold(start[i]) == pattern[i]) ++i;
+  while (i < pattern.size() && letters.fold(start[i]) == pattern[i]) ++i;
   return i;
 }
 
 /// Knuth, Morris and Pratt: slower, but the same for every memory.
 template <class Case>
-std::size_t find_steadily(Bytes memory, Bytes pattern) {
+std::size_t find_steadily(Bytes memory, Bytes pattern, const Case& letters) {
   std::vector<std::size_t> border(pattern.size(), 0);
   for (std::size_t i = 1, length = 0; i < pattern.size(); ++i) {
     while (length > 0 && pattern[i] != pattern[length]) length = border[length - 1];
@@ -143,7 +130,7 @@ std::size_t find_steadily(Bytes memory, Bytes pattern) {
   }
   std::size_t matched = 0;
   for (std::size_t i = 0; i < memory.size(); ++i) {
-    const std::uint8_t byte = Case::fold(memory[i]);
+    const std::uint8_t byte = letters.fold(memory[i]);
     while (matched > 0 && byte != pattern[matched]) matched = border[matched - 1];
     if (byte == pattern[matched]) ++matched;
     if (matched == pattern.size()) return i + 1 - matched;
@@ -153,10 +140,10 @@ std::size_t find_steadily(Bytes memory, Bytes pattern) {
 
 /// First match that starts among the first `starts` bytes of `memory`, which holds all of the last one.
 template <class Case>
-std::size_t find_in_window(Bytes memory, std::size_t starts, Bytes pattern) {
-  const Positions positions = rarest_positions<Case>(memory, pattern);
-  const Probe<Case> rarest(pattern, positions.rarest);
-  const Probe<Case> second(pattern, positions.second);
+std::size_t find_in_window(Bytes memory, std::size_t starts, Bytes pattern, const Case& letters) {
+  const Positions positions = rarest_positions(memory, pattern, letters);
+  const Probe<Case> rarest(pattern, positions.rarest, letters);
+  const Probe<Case> second(pattern, positions.second, letters);
   // Comparing candidates may cost this much, in bytes, before the steady way takes over: time stays linear.
   constexpr std::size_t kCandidate = 16;
   std::size_t allowance = 4096 + 2 * starts;
@@ -174,28 +161,28 @@ std::size_t find_in_window(Bytes memory, std::size_t starts, Bytes pattern) {
                                std::uint64_t{mask_of(m3)} << 48;
     for (; candidates != 0; candidates &= candidates - 1) {
       const std::size_t start = at + static_cast<std::size_t>(std::countr_zero(candidates));
-      const std::size_t agreed = agreeing<Case>(first + start, pattern);
+      const std::size_t agreed = agreeing(first + start, pattern, letters);
       if (agreed == pattern.size()) return start;
       if (allowance < agreed + kCandidate) {
-        const std::size_t found = find_steadily<Case>(memory.subspan(start), pattern);
+        const std::size_t found = find_steadily(memory.subspan(start), pattern, letters);
         return found == kNotFound ? kNotFound : start + found;
       }
       allowance -= agreed + kCandidate;
     }
   }
-  const std::size_t found = at < starts ? find_steadily<Case>(memory.subspan(at), pattern) : kNotFound;
+  const std::size_t found = at < starts ? find_steadily(memory.subspan(at), pattern, letters) : kNotFound;
   return found == kNotFound ? kNotFound : at + found;
 }
 
 template <class Case>
-std::size_t find(Bytes memory, Bytes pattern) {
+std::size_t find(Bytes memory, Bytes pattern, const Case& letters) {
   if (pattern.empty() || memory.size() < pattern.size()) return kNotFound;
   const std::size_t starts = memory.size() - pattern.size() + 1;
   // What is rare changes along a disk, so each window picks its own probes.
   const std::size_t window = std::max<std::size_t>(std::size_t{256} * 1024, 8 * pattern.size());
   for (std::size_t at = 0; at < starts; at += window) {
     const std::size_t count = std::min(window, starts - at);
-    const std::size_t found = find_in_window<Case>(memory.subspan(at, count + pattern.size() - 1), count, pattern);
+    const std::size_t found = find_in_window(memory.subspan(at, count + pattern.size() - 1), count, pattern, letters);
     if (found != kNotFound) return at + found;
   }
   return kNotFound;
@@ -206,12 +193,12 @@ std::size_t find(Bytes memory, Bytes pattern) {
 /// Index of the first place where `pattern` stands in `memory`; kNotFound when there is none or `pattern` is empty.
 /// Linear in the sizes of both.
 inline std::size_t find_bytes(Bytes memory, Bytes pattern) {
-  return detail::find<detail::AsIs>(memory, pattern);
+  return detail::find(memory, pattern, detail::AsIs());
 }
 
-/// The same without regard to the case of Windows-1252 letters. `upper_pattern` must be in upper case already.
-inline std::size_t find_any_case(Bytes memory, Bytes upper_pattern) {
-  return detail::find<detail::AnyCase>(memory, upper_pattern);
+/// The same without regard to case. Requires: `upper_pattern` is in upper case already, by `upper_case`.
+inline std::size_t find_any_case(Bytes memory, Bytes upper_pattern, const UpperCase& upper_case) {
+  return detail::find(memory, upper_pattern, detail::AnyCase(upper_case));
 }
 
 /// Index of the first byte of `memory` that is not `value`; kNotFound when all are.

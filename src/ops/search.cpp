@@ -57,10 +57,10 @@ class Border {
     const std::size_t reach = std::min(reach_, chunk.size());
     std::vector<std::uint8_t> both = before_;
     both.insert(both.end(), chunk.begin(), chunk.begin() + static_cast<std::ptrdiff_t>(reach));
-    const std::int64_t at = find_match(search_, both);
+    const std::int64_t position = FindStringPosinBuffer(search_, both);
     const std::int64_t start = std::ssize(before_);
     before_.assign(chunk.end() - static_cast<std::ptrdiff_t>(reach), chunk.end());
-    return at < 0 ? std::nullopt : std::optional(at - start);
+    return position == 0 ? std::nullopt : std::optional(position - 1 - start);
   }
 
   /// What would come before the next chunk could not be read.
@@ -98,8 +98,8 @@ std::optional<std::int64_t> ReadSearchSectors(const Search& search, std::int64_t
     if (read) {
       const auto just_read = disk.Sec_Buf.bytes().first(static_cast<std::size_t>(sectors * kSectorSize));
       if (const auto across = border.match(just_read)) return across;
-      const std::int64_t match = find_match(search, just_read);
-      if (match >= 0) return match;
+      const std::int64_t position = FindStringPosinBuffer(search, just_read);
+      if (position > 0) return position - 1;
     } else {
       border.lose();
     }

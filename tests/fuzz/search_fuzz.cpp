@@ -4,19 +4,19 @@
 #include <vector>
 
 #include "buffer/search.h"
-#include "buffer/search_kernels.h"
 
 namespace {
 
+/// 0, or the position from 1.
 std::int64_t plainly(const Search& search, std::vector<std::uint8_t> memory) {
-  if (search.pattern.empty()) return -1;
+  if (search.pattern.empty()) return 0;
   if (search.kind == SearchKind::text_any_case) {
-    for (std::uint8_t& byte : memory) byte = search_kernels::kUpper1252[byte];
+    for (std::uint8_t& byte : memory) byte = search.upper_case[byte];
   }
   const auto at = search.kind == SearchKind::not_equal
                       ? std::find_if(memory.begin(), memory.end(), [&](auto byte) { return byte != search.pattern[0]; })
                       : std::search(memory.begin(), memory.end(), search.pattern.begin(), search.pattern.end());
-  return at == memory.end() ? -1 : at - memory.begin();
+  return at == memory.end() ? 0 : at - memory.begin() + 1;
 }
 
 }  // namespace
@@ -32,6 +32,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::vector<std::uint8_t> memory;
   for (int i = 0; i < 4; ++i) memory.insert(memory.end(), line_end + 1, data + size);
   memory.shrink_to_fit();
-  if (find_match(search, memory) != plainly(search, memory)) std::abort();
+  if (FindStringPosinBuffer(search, memory) != plainly(search, memory)) std::abort();
   return 0;
 }

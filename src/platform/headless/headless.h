@@ -67,6 +67,7 @@ struct Desktop {
   std::function<void(int)> at_pump;  // called with the pump's number, from 1: events of the user
   std::function<void()> at_box;      // called while a box is open
   bool has_display = false;
+  int code_page = 1252;  // of letters' case; 932 is a double-byte one that has only ASCII letters
   std::string command_line = "sectorix";
   bool err_is_terminal = false;
   std::string current_volume;  // before every path, as "X:"

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdint>
 
+#include "platform/headless/headless.h"
+
 namespace platform {
 namespace {
 
@@ -28,6 +30,21 @@ void append(std::uint32_t point, std::string* utf8) {
 }
 
 }  // namespace
+
+std::array<std::uint8_t, 256> ansi_upper_case() {
+  std::array<std::uint8_t, 256> upper{};
+  for (std::size_t code = 0; code < upper.size(); ++code) {
+    const bool above = headless::desktop.code_page == 1252 && code >= 0xE0 && code <= 0xFE && code != 0xF7;
+    const bool letter = (code >= 'a' && code <= 'z') || above;
+    upper[code] = static_cast<std::uint8_t>(letter ? code - 0x20 : code);
+  }
+  if (headless::desktop.code_page != 1252) return upper;
+  upper[0x9A] = 0x8A;
+  upper[0x9C] = 0x8C;
+  upper[0x9E] = 0x8E;
+  upper[0xFF] = 0x9F;
+  return upper;
+}
 
 std::string utf8_of_ansi(std::string_view text) {
   std::string utf8;

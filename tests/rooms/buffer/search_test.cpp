@@ -7,6 +7,8 @@
 #include <string>
 
 #include "buffer/search_kernels.h"
+#include "platform/headless/headless.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -17,11 +19,12 @@ Bytes bytes_of(std::string_view text) {
 }
 
 std::int64_t find(std::string_view search_string, std::string_view text) {
-  return find_match(parse_search(search_string), bytes_of(text));
+  return FindStringPosinBuffer(parse_search(search_string), bytes_of(text));
 }
 
 Bytes upper(Bytes bytes) {
-  for (std::uint8_t& byte : bytes) byte = search_kernels::kUpper1252[byte];
+  const search_kernels::UpperCase upper_case = platform::ansi_upper_case();
+  for (std::uint8_t& byte : bytes) byte = upper_case[byte];
   return bytes;
 }
 
@@ -32,18 +35,19 @@ std::size_t plainly(const Bytes& memory, const Bytes& pattern) {
 
 void expect_as_plainly(const Bytes& memory, const Bytes& pattern) {
   ASSERT_EQ(search_kernels::find_bytes(memory, pattern), plainly(memory, pattern));
-  ASSERT_EQ(search_kernels::find_any_case(memory, upper(pattern)), plainly(upper(memory), upper(pattern)));
+  ASSERT_EQ(search_kernels::find_any_case(memory, upper(pattern), platform::ansi_upper_case()),
+            plainly(upper(memory), upper(pattern)));
 }
 
 TEST(Search, ReadsTheFourKinds) {
-  EXPECT_EQ(find("tfindME", "..FINDme"), -1);
-  EXPECT_EQ(find("TfindME", "..FINDme"), 2);
-  EXPECT_EQ(find("tt x", "a t x"), 2);
-  EXPECT_EQ(find("H0531", "\x05\x05\x31"), 1);
-  EXPECT_EQ(find("H6a6B", "ijk"), 1);
-  EXPECT_EQ(find("!H2E", "...x."), 3);
-  EXPECT_EQ(find("!H2E41", "....A"), 4);
-  EXPECT_EQ(find("!H2E", "....."), -1);
+  EXPECT_EQ(find("tfindME", "..FINDme"), 0);
+  EXPECT_EQ(find("TfindME", "..FINDme"), 3);
+  EXPECT_EQ(find("tt x", "a t x"), 3);
+  EXPECT_EQ(find("H0531", "\x05\x05\x31"), 2);
+  EXPECT_EQ(find("H6a6B", "ijk"), 2);
+  EXPECT_EQ(find("!H2E", "...x."), 4);
+  EXPECT_EQ(find("!H2E41", "....A"), 5);
+  EXPECT_EQ(find("!H2E", "....."), 0);
 }
 
 TEST(Search, TellsWhatIsWrong) {
@@ -58,16 +62,23 @@ TEST(Search, TellsWhatIsWrong) {
 }
 
 TEST(Search, FindsNothingForAnEmptyPattern) {
-  for (const char* text : {"t", "T", "H", "!H"}) EXPECT_EQ(find(text, "some text"), -1) << text;
+  for (const char* text : {"t", "T", "H", "!H"}) EXPECT_EQ(find(text, "some text"), 0) << text;
 }
 
 TEST(Search, FoldsTheLettersOfTheCodePage) {
-  EXPECT_EQ(find("T\xE4\x9A\xFF", ".\xC4\x8A\x9F"), 1);
-  EXPECT_EQ(find("T\xC4\x8E\x9F", ".\xE4\x9E\xFF"), 1);
+  EXPECT_EQ(find("T\xE4\x9A\xFF", ".\xC4\x8A\x9F"), 2);
+  EXPECT_EQ(find("T\xC4\x8E\x9F", ".\xE4\x9E\xFF"), 2);
   for (const char* pair : {"\xD7\xF7", "\xDF\xFF", "[{", "\x83\xA3", "@`"}) {
-    EXPECT_EQ(find(std::string("T") + pair[0], std::string(1, pair[1])), -1);
-    EXPECT_EQ(find(std::string("T") + pair[1], std::string(1, pair[0])), -1);
+    EXPECT_EQ(find(std::string("T") + pair[0], std::string(1, pair[1])), 0);
+    EXPECT_EQ(find(std::string("T") + pair[1], std::string(1, pair[0])), 0);
   }
+}
+
+TEST(Search, LeavesTheLeadBytesOfADoubleByteCodePageAlone) {
+  EXPECT_EQ(find("T\xE4\xC5", "\xC4\xE5"), 1);
+  headless::desktop.code_page = 932;
+  EXPECT_EQ(find("T\xE4\xC5", "\xC4\xE5\xE4\xC5"), 3);
+  EXPECT_EQ(find("T\x9A\xFEz", "\x8A\xFEZ\x9A\xFEZ"), 4);
 }
 
 TEST(SearchKernels, FindAMatchAtEveryPlace) {
@@ -109,7 +120,7 @@ TEST(SearchKernels, CrossWindowsAndTurnSteadyWithoutMissing) {
     Bytes holding = memory;
     std::copy(pattern.begin(), pattern.end(), holding.begin() + static_cast<std::ptrdiff_t>(at));
     EXPECT_EQ(search_kernels::find_bytes(holding, pattern), at);
-    EXPECT_EQ(search_kernels::find_any_case(holding, upper(pattern)), at);
+    EXPECT_EQ(search_kernels::find_any_case(holding, upper(pattern), platform::ansi_upper_case()), at);
   }
 }
 
