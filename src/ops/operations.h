@@ -67,12 +67,13 @@ std::optional<RunPlan> plan_show();
 void report_show();
 
 /// Searches the range for what ask_search_string() takes: from the command line, or from a question, which gives false
-/// to leave. On a match the buffer holds that sector alone.
+/// to leave. On a match the buffer holds that sector alone, unless `not_read` says why not.
 struct SearchRun {
   std::string text;         // as typed
   bool found = false;       // a match begins at `lba`; it may end in the next sector
   std::int64_t lba = 0;     // else the first LBA that was not read
   std::int64_t offset = 0;  // of the match in its sector
+  std::string not_read{};   // why the match's sector is not in the buffer; empty if it is
 };
 
 inline SearchRun search_run;

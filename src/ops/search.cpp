@@ -9,6 +9,7 @@
 #include "disk/counters.h"
 #include "disk/drive.h"
 #include "disk/early_end.h"
+#include "disk/error_text.h"
 #include "disk/transfer.h"
 #include "form/asked.h"
 #include "form/form1.h"
@@ -72,6 +73,17 @@ class Border {
   std::vector<std::uint8_t> before_;
 };
 
+/// Reads the match's sector into Sec_Buf. Returns why it is not there, as a sentence's end; empty if it is.
+std::string read_match() {
+  constexpr const char* kCancelled = "the search was cancelled before it was read again.";
+  if (told_to_stop()) return kCancelled;
+  const bool read = read_once(search_run.lba, 1);
+  const std::string failure =
+      disk.given_up ? kCancelled : "reading it again failed with " + coded_error_text(disk.Errno);
+  platform::pump_events();  // what was pressed during the transfer counts
+  return read ? std::string() : failure;
+}
+
 /// A search run from the command line adds its place to the variables; both empty when nothing was found.
 void report_place() {
   if (!in_batch()) return;
@@ -88,6 +100,7 @@ void report_place() {
 std::optional<std::int64_t> ReadSearchSectors(const Search& search, std::int64_t* lba, std::int64_t count,
                                               std::int64_t chunk) {
   Border border(search);
+  std::optional<std::int64_t> match;
   for (std::int64_t left = count; left > 0;) {
     platform::pump_events();
     work_between_transfers();
@@ -97,9 +110,10 @@ std::optional<std::int64_t> ReadSearchSectors(const Search& search, std::int64_t
     if (disk.given_up) break;
     if (read) {
       const auto just_read = disk.Sec_Buf.bytes().first(static_cast<std::size_t>(sectors * kSectorSize));
-      if (const auto across = border.match(just_read)) return across;
-      const std::int64_t position = FindStringPosinBuffer(search, just_read);
-      if (position > 0) return position - 1;
+      match = border.match(just_read);
+      const std::int64_t position = match ? 0 : FindStringPosinBuffer(search, just_read);
+      if (position > 0) match = position - 1;
+      if (match) break;
     } else {
       border.lose();
     }
@@ -108,12 +122,11 @@ std::optional<std::int64_t> ReadSearchSectors(const Search& search, std::int64_t
     left -= sectors;
   }
   platform::pump_events();  // what was pressed during the last transfer counts
-  return std::nullopt;
+  return match;
 }
 
 bool ask_search_string() {
   search_run = {.text = search_string()};
-  if (search_run.text.empty()) form1.TxtStatus.set_text("Nothing to search for was given: the disk was not searched.");
   return !search_run.text.empty();
 }
 
@@ -138,7 +151,7 @@ void search_range(const RunPlan& plan) {
   run.lba = place / kSectorSize;
   run.offset = place % kSectorSize;
   remake_buffer(kSectorSize, run.lba);
-  read_once(run.lba, 1);
+  run.not_read = read_match();
 }
 
 void report_search() {
@@ -146,9 +159,15 @@ void report_search() {
   form1.TxtStartLBA.set_text(std::to_string(run.lba));
   const std::string stopped = "Stopped at block " + form1.TxtStartLBA.text() + "\r\n";
   const auto hex = [](std::int64_t value) { return hex_padded(static_cast<std::uint64_t>(value), 1); };
-  form1.TxtStatus.set_text(run.found ? stopped + "Found match for " + run.text + " at address " + hex(run.offset) +
-                                           " hex in buffer (0-" + hex(disk.Sec_Buf.size() - 1) + ")"
-                                     : stopped + "No match for search string " + run.text);
+  if (!run.found) {
+    form1.TxtStatus.set_text(stopped + "No match for search string " + run.text);
+  } else if (run.not_read.empty()) {
+    form1.TxtStatus.set_text(stopped + "Found match for " + run.text + " at address " + hex(run.offset) +
+                             " hex in buffer (0-" + hex(disk.Sec_Buf.size() - 1) + ")");
+  } else {
+    form1.TxtStatus.set_text(stopped + "A match for " + run.text +
+                             " begins in this sector, which is not in the buffer: " + run.not_read);
+  }
   report_place();
   show_in_report(Display_Sec_Buf);
 }

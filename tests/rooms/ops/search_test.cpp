@@ -10,8 +10,10 @@
 
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 using ::testing::Not;
 
 class DiskSearch : public EachSectorSize {
@@ -101,6 +103,52 @@ TEST_P(DiskSearch, AReadThatIsGivenUpEndsItWhereItStands) {
   EXPECT_EQ(form1.TxtStartLBA.text(), "20480") << "the first LBA that was not read";
   EXPECT_THAT(form1.Text1.text(), Not(HasSubstr("ERROR:")));
   EXPECT_EQ(output.ExitCode, 3);
+}
+
+TEST_P(DiskSearch, CancelDuringTheChunkOfTheMatchEndsItAsCancelled) {
+  std::string contents(100 * 512, '\0');
+  contents[60 * 512 + 3] = 'Q';
+  write_file("a.img", contents);
+  const std::string run = "/VDISK:0=" + path("a.img") + " /D:0 /OP:SEARCH /FIND:tQ";
+  start(run);
+  const int pumps = headless::desktop.pumps;
+  std::vector<std::uint32_t> codes;
+  for (int at = pumps - 3; at <= pumps; ++at) {
+    headless::desktop = {};
+    headless::desktop.at_pump = [at](int pump) {
+      if (pump == at) headless::press_control_c();
+    };
+    codes.push_back(start(run));
+    const bool in_buffer = at >= pumps - 1;
+    EXPECT_EQ(out().find("QV_D_FOUND_LBA=60\r\n") != std::string::npos, at > pumps - 3) << at;
+    EXPECT_EQ(out().find("in buffer (0-1FF)") != std::string::npos, in_buffer) << at;
+    EXPECT_EQ(out().find("QV_RESULT=cancelled\r\n") != std::string::npos, at < pumps) << at;
+  }
+  EXPECT_THAT(codes, ElementsAre(3U, 3U, 3U, 0U))
+      << "before the chunk, in it, in the read of the match's sector, and after the end";
+}
+
+TEST_P(DiskSearch, AMatchWhoseSectorCannotBeReadAgainHasNoAddressInTheBuffer) {
+  headless::desktop.at_pump = [](int) {
+    if (headless::desktop.fail_first != 0 || !form1.TxtStatus.text().starts_with("At sector 0 and reading")) return;
+    headless::desktop.fail_first = headless::desktop.fail_last = headless::desktop.calls_made + 1;
+    headless::desktop.fail_code = 23;
+  };
+  search(104, 60 * 512 + 100, "Find Me", "tFind Me");
+  EXPECT_EQ(form1.TxtStatus.text(),
+            "Stopped at block 60\r\nA match for tFind Me begins in this sector, which is not in the buffer: "
+            "reading it again failed with error 23 - (No such error)");
+  EXPECT_EQ(count_of(form1.Text1.text(), "[Sector "), 0);
+}
+
+TEST_P(DiskSearch, AnEmptyAnswerDoesNothing) {
+  open_on("sectors 104\n");
+  form1.TxtStatus.set_text("as it was");
+  headless::desktop.calls.clear();
+  headless::desktop.answers = {""};
+  click(CmdFind_Click);
+  EXPECT_EQ(form1.TxtStatus.text(), "as it was");
+  EXPECT_THAT(headless::desktop.calls, IsEmpty());
 }
 
 ON_EACH_SECTOR_SIZE(DiskSearch);
