@@ -43,7 +43,7 @@ void fill_buffer_alone() {
 }
 
 bool take_edited_buffer() {
-  return disk.Sec_Buf.allocated() && range_is_plain() && take_edits(named_range());
+  return disk.Sec_Buf.allocated() && range_is_plain() && take_edits(named_range);
 }
 
 /// Asks at once, and not where the other commands that write do: docs/oddities.md, 13.

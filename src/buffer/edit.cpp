@@ -97,7 +97,7 @@ bool Get_text_to_Buffer() {
   return parse.outcome == EditOutcome::ok;
 }
 
-bool take_edits(const std::string& place) {
+bool take_edits(std::string (*place)()) {
   if (!disk.Sec_Buf.allocated()) return false;
   form1.report_in_front = true;  // whether it holds edits is to be seen
   if (form1.Text1.text().find(kEditMark) == std::string::npos) return true;
@@ -115,7 +115,7 @@ bool take_edits(const std::string& place) {
     return true;
   }
   const std::string question = std::to_string(changes.count) + " bytes edited - OK to overwrite " +
-                               std::to_string(sectors) + " sectors?" + place;
+                               std::to_string(sectors) + " sectors?" + place();
   // In command-line mode no second question follows: the title of this one tells what is written where.
   if (!ask_user(question, form1.CommandLineMode ? write_buffer_title() : "")) return false;
   std::copy(editor.Edit_Buf.begin(), editor.Edit_Buf.end(), disk.Sec_Buf.data());

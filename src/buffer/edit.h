@@ -17,8 +17,9 @@ bool Get_text_to_Buffer();
 
 /// Takes the edits from the edit view, if it is shown: lists the bytes changed, asks once, and copies them into
 /// Sec_Buf. True when the buffer is to be written to the disk now, which is also the case with no view shown and with
-/// nothing changed; the writing asks for itself. `place` ends the question: what is written to.
-bool take_edits(const std::string& place);
+/// nothing changed; the writing asks for itself. `place` returns the end of the question, what is written to, and is
+/// called only once there is one to ask.
+bool take_edits(std::string (*place)());
 
 /// "Write 2 sectors starting at sector 40 from the buffer?", with the fields of the range as typed.
 std::string write_buffer_title();

@@ -17,6 +17,10 @@ using headless::desktop;
 using testing::HasSubstr;
 using testing::Not;
 
+std::string nowhere() {
+  return {};
+}
+
 /// A buffer of zeros as a read left it, and a user before the edit view.
 struct EditTest : Rig {
   static void read(std::int64_t lba, std::int64_t sectors) {
@@ -36,7 +40,7 @@ TEST_F(EditTest, ShowsNothingWithoutABuffer) {
   form1.Text1.set_text("old");
   show_buffer_for_editing();
   EXPECT_EQ(form1.Text1.text(), "old");
-  EXPECT_FALSE(take_edits({}));
+  EXPECT_FALSE(take_edits(nowhere));
 }
 
 TEST_F(EditTest, ShowsThePartitionTableOfLba0Only) {
@@ -56,7 +60,7 @@ TEST_F(EditTest, TakesEditsAfterOneQuestion) {
   show_buffer_for_editing();
   type_over("\r\n27F0 00 00", "\r\n27F0 4a 00");
   desktop.answers = {"OK"};
-  EXPECT_TRUE(take_edits({}));
+  EXPECT_TRUE(take_edits(nowhere));
   EXPECT_EQ(desktop.boxes.at(0).text, "1 bytes edited - OK to overwrite 20 sectors?");
   EXPECT_THAT(form1.Text1.text(), HasSubstr("Byte at address 27F0 Hex was 00 now 4A\r\n"));
   EXPECT_EQ(disk.Sec_Buf.data()[0x27F0], 0x4A);
@@ -68,10 +72,10 @@ TEST_F(EditTest, LeavesTheBufferOnCancelAndOnErrors) {
   show_buffer_for_editing();
   type_over("0010 00", "0010 41");
   desktop.answers = {"CANCEL", "OK"};
-  EXPECT_FALSE(take_edits({}));
+  EXPECT_FALSE(take_edits(nowhere));
   show_buffer_for_editing();
   type_over("0010 00", "0010 0");
-  EXPECT_FALSE(take_edits({}));
+  EXPECT_FALSE(take_edits(nowhere));
   EXPECT_EQ(desktop.boxes.at(1).text, "ERROR NEAR ADDRESS 10 HEX");
   EXPECT_EQ(disk.Sec_Buf.data()[0x10], 0);
 }
@@ -79,10 +83,10 @@ TEST_F(EditTest, LeavesTheBufferOnCancelAndOnErrors) {
 TEST_F(EditTest, WritesUneditedBuffersAllTheSame) {
   read(4096, 1);
   Display_Sec_Buf();
-  EXPECT_TRUE(take_edits({}));
+  EXPECT_TRUE(take_edits(nowhere));
   show_buffer_for_editing();
   desktop.answers = {"OK"};
-  EXPECT_TRUE(take_edits({}));
+  EXPECT_TRUE(take_edits(nowhere));
   EXPECT_EQ(desktop.boxes.at(0).text, "No changes made to buffer contents");
 }
 
@@ -92,7 +96,7 @@ TEST_F(EditTest, StopsSilentlyAtPartOfASector) {
   std::string text = form1.Text1.text();
   text.erase(text.find("01F0 "), 75);
   form1.Text1.set_typed(text);
-  EXPECT_FALSE(take_edits({}));
+  EXPECT_FALSE(take_edits(nowhere));
   EXPECT_TRUE(desktop.boxes.empty());
 }
 

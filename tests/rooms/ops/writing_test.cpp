@@ -351,17 +351,22 @@ TEST_P(Writing, NonsenseInTheViewWritesNothing) {
   text.erase(text.find("\n0010 ") + 6, 1);
   form1.Text1.set_typed(text);
   headless::desktop.answers = {"OK"};
+  headless::desktop.calls.clear();
   click(cmdWriteBuffer_Click);
   EXPECT_EQ(headless::desktop.boxes[0].text, "ERROR NEAR ADDRESS 10 HEX");
   EXPECT_TRUE(untouched());
+  EXPECT_THAT(headless::desktop.calls, testing::IsEmpty()) << "the drive is opened for the question only";
 }
 
 TEST_P(Writing, TheFillIsBytesLongAndShownAsAPartitionTableToo) {
   open_window();
+  range("40", "8");
+  click(CmdRead_Click);
   form1.TxtPattern.set_text("a5");
   click(CmdFillBuffer_Click);
   EXPECT_EQ(disk.Sec_Buf.size(), 8225280);
   EXPECT_EQ(disk.Buf_Secs, 8225280);
+  EXPECT_EQ(disk.Buf_LBA, 0);
   EXPECT_EQ(form1.TxtStatus.text(), "Buffer filled with A5 OK.");
   click(CmdDisplay_Click);
   EXPECT_EQ(count_of(form1.Text1.text(), "[Sector "), 20);
