@@ -1,5 +1,6 @@
 #include "buffer/display.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -13,36 +14,48 @@
 
 namespace {
 
-void show(std::span<const std::uint8_t> buffer, std::string_view title) {
+/// Sec_Buf as far as it was read from a drive's LBA 0 on, whichever drive is selected now; else empty.
+std::span<const std::uint8_t> start_of_disk() {
+  const Source& source = disk.source;
+  if (source.kind != Source::Kind::sectors || source.lba != 0) return {};
+  const std::int64_t bytes = std::min(disk.Sec_Buf.size(), source.sectors * kSectorSize);
+  return disk.Sec_Buf.bytes().first(static_cast<std::size_t>(bytes));
+}
+
+std::string further_in_buffer() {
+  return further_partitions_in(start_of_disk(), disk.source.sizes.logical);
+}
+
+std::string further_on_drive() {
+  return further_partitions_text(disk.source.drive, start_of_disk(), disk.source.sizes.logical);
+}
+
+void show(std::span<const std::uint8_t> buffer, std::string_view title, std::string (*further)()) {
   form1.Text1.append(hex_view(buffer, disk.Buf_LBA, disk.Buf_Secs, title));
   form1.Text1.caret_to_end();
   form1.report_in_front = true;
-  if (disk.Buf_LBA == 0) ShowMBRParams();
-}
-
-/// True where Sec_Buf holds what the selected drive's first sector held when it was read.
-bool shows_first_sector() {
-  const Source& source = disk.source;
-  return source.kind == Source::Kind::sectors && source.drive == form1.SelectedDrive && source.lba == 0 &&
-         source.sectors > 0 && disk.Buf_LBA == 0;
+  if (disk.Buf_LBA != 0) return;
+  ShowMBRParams();
+  form1.Text1.append(further());
 }
 
 }  // namespace
 
 void Display_Sec_Buf() {
-  show(disk.Sec_Buf.bytes(), kViewTitle);
+  show(disk.Sec_Buf.bytes(), kViewTitle, further_in_buffer);
+}
+
+void show_sectors_and_tables() {
+  show(disk.Sec_Buf.bytes(), kViewTitle, further_on_drive);
 }
 
 void Display_Buf(std::span<const std::uint8_t> buffer) {
-  show(buffer, kEditTitle);
+  show(buffer, kEditTitle, further_in_buffer);
   form1.Text1.caret_to_end();
 }
 
 void ShowMBRParams() {
-  const std::span<const std::uint8_t> sector = disk.Sec_Buf.bytes();
-  form1.Text1.append(partition_table_text(sector, sectors_per_logical()));
-  if (!shows_first_sector()) return;
-  form1.Text1.append(further_partitions_text(disk.source.drive, sector, disk.sizes.logical));
+  form1.Text1.append(partition_table_text(disk.Sec_Buf.bytes(), disk.source.sizes.logical / kSectorSize));
 }
 
 void show_buffer_for_editing() {

@@ -5,16 +5,19 @@
 
 /// The sector buffer in the large text box.
 
-/// Shows Sec_Buf, up to 20 of the sectors that the last transfer moved, and the partition table when it begins at LBA
-/// 0.
+/// Shows Sec_Buf, up to 20 of the sectors that the last transfer moved. At LBA 0 the partition table follows, then what
+/// the buffer holds of a GUID partition table or of logical partitions, and which sectors to read for more. Reads no
+/// drive.
 void Display_Sec_Buf();
+
+/// The same, but what follows the partition table is read from the drive that filled Sec_Buf, through a handle of its
+/// own.
+void show_sectors_and_tables();
 
 /// The same for `buffer`, with the title by which the edit view is known; the box scrolls to its end.
 void Display_Buf(std::span<const std::uint8_t> buffer);
 
-/// Describes the partition table in Sec_Buf's first sector. Where that was read from the selected drive's LBA 0 and
-/// names a GUID partition table or an extended partition, these are read from the drive, through a handle of its own,
-/// and described too.
+/// Describes the partition table in Sec_Buf's first sector, in the sector size of what filled the buffer.
 void ShowMBRParams();
 
 /// Shows Sec_Buf for editing in place of what the box held; nothing while there is no buffer.

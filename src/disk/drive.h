@@ -13,6 +13,7 @@
 struct Source {
   enum class Kind : std::uint8_t { nothing, pattern, sectors };
   Kind kind = Kind::nothing;
+  SectorSizes sizes{};   // of the drive; a pattern's sectors have 512 bytes
   int drive = kNoDrive;  // of sectors: the drive, its serial number, the first LBA and how many were read
   std::string serial{};
   std::int64_t lba = 0;

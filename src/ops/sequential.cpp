@@ -86,5 +86,5 @@ std::optional<RunPlan> plan_show() {
 
 void report_show() {
   report_read();
-  show_in_report(Display_Sec_Buf);
+  show_in_report(show_sectors_and_tables);
 }

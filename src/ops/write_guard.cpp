@@ -163,6 +163,7 @@ bool confirm_source() {
 
 void note_source() {
   disk.source = {.kind = Source::Kind::sectors,
+                 .sizes = disk.sizes,
                  .drive = form1.SelectedDrive,
                  .serial = identification.Disk_Serial,
                  .lba = disk.Buf_LBA,

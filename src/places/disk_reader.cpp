@@ -12,6 +12,17 @@ std::int64_t logical_sectors(std::uint64_t number) {
   return static_cast<std::int64_t>(std::min<std::uint64_t>(number, kMostLogical));
 }
 
+DiskReader reader_of_buffer(std::span<const std::uint8_t> bytes, std::int64_t logical) {
+  DiskReader disk{.logical = logical, .sectors = 0, .read = nullptr};
+  disk.held = std::ssize(bytes) / logical;
+  disk.read = [bytes, logical](std::int64_t lba, std::span<std::uint8_t> to) {
+    const auto held = bytes.subspan(static_cast<std::size_t>(lba * logical), to.size());
+    std::copy(held.begin(), held.end(), to.begin());
+    return 0U;
+  };
+  return disk;
+}
+
 ReadOnlyDrive::ReadOnlyDrive(int drive) {
   const std::string name = R"(\\.\PhysicalDrive)" + std::to_string(drive);
   handle_ = kernel32::CreateFileA(name.c_str(), platform::kGenericRead, platform::kShareRead | platform::kShareWrite,

@@ -26,12 +26,32 @@ std::string place(const DiskReader& disk, std::int64_t lba) {
 struct Side {
   std::int64_t lba = 0;
   std::optional<GptHeader> header;
-  std::vector<std::uint8_t> table;
+  std::vector<std::uint8_t> table;  // as far as the disk's reader holds it
+  std::string missing{};            // sentence: what of the table it does not hold
   bool header_sound = false;
   bool sound = false;  // the entries too
 };
 
-/// The entries that `side` leads to; gives the fault, or an empty text.
+/// What to do about a table that ends with logical sector `last`. A longer range is read in several transfers, and the
+/// buffer holds the last one.
+std::string advice(const DiskReader& disk, std::int64_t last) {
+  const std::int64_t end = (last + 1) * disk.per_logical();
+  return end > kLargeChunkSectors ? std::string()
+                                  : " Read LBA 0 to " + std::to_string(end - 1) + " to show the whole table here.";
+}
+
+std::string missing_header_text(const DiskReader& disk) {
+  constexpr std::int64_t kUsualTable = 16'384;  // 128 entries
+  const std::int64_t table = (kUsualTable + disk.logical - 1) / disk.logical;
+  return "The GUID partition table is not in the buffer." + advice(disk, 1 + table);
+}
+
+std::string missing_entries_text(const DiskReader& disk, std::int64_t first, std::int64_t last) {
+  return "The GPT entries, " + place(disk, first) + " to " + std::to_string((last + 1) * disk.per_logical() - 1) +
+         ", are not all in the buffer." + advice(disk, last);
+}
+
+/// Reads the entries that `side` leads to. Returns what is wrong with them; empty if nothing is.
 std::string read_entries(const DiskReader& disk, Side* side) {
   const GptHeader& header = *side->header;
   const bool plausible = header.entry_bytes >= kSmallestEntry && header.entry_bytes <= kLargestEntry &&
@@ -45,14 +65,19 @@ std::string read_entries(const DiskReader& disk, Side* side) {
   if (!disk.has(header.entries_lba) || !disk.has(header.entries_lba + sectors - 1)) {
     return "at " + place(disk, header.entries_lba) + " lie beyond the end of the disk";
   }
-  std::vector<std::uint8_t> table(static_cast<std::size_t>(sectors * disk.logical));
+  const std::int64_t held = std::clamp<std::int64_t>(disk.held - header.entries_lba, 0, sectors);
+  if (held < sectors) {
+    side->missing = missing_entries_text(disk, header.entries_lba, header.entries_lba + sectors - 1);
+    if (held == 0) return {};
+  }
+  std::vector<std::uint8_t> table(static_cast<std::size_t>(held * disk.logical));
   const std::uint32_t code = disk.read(header.entries_lba, table);
   const std::string where = "at " + place(disk, header.entries_lba);
   if (code != 0) return where + " cannot be read: " + coded_error_text(code);
-  table.resize(static_cast<std::size_t>(header.table_bytes()));
+  table.resize(std::min(table.size(), static_cast<std::size_t>(header.table_bytes())));
   const std::uint32_t found = crc32::sum(table);
   side->table = std::move(table);
-  if (found == header.entries_checksum) return {};
+  if (held < sectors || found == header.entries_checksum) return {};
   return where + " have a bad checksum: " + hex_digits(found, 8) + " instead of " +
          hex_digits(header.entries_checksum, 8);
 }
@@ -170,8 +195,17 @@ std::vector<DiskPartition> decode_gpt_entries(std::span<const std::uint8_t> tabl
 
 GptTable read_gpt(const DiskReader& disk) {
   GptTable table;
+  if (disk.held < 2) {
+    table.missing = {missing_header_text(disk)};
+    return table;
+  }
   const Side first = read_side(disk, 1, "GPT header", &table.damages);
-  const Side backup = read_backup(disk, first, &table.damages);
+  if (!first.missing.empty()) table.missing.push_back(first.missing);
+  const bool whole_disk = disk.held == kMostLogical;
+  if (!whole_disk && first.header_sound) {
+    table.missing.push_back("The backup header at " + place(disk, first.header->other_lba) + " was not checked.");
+  }
+  const Side backup = whole_disk ? read_backup(disk, first, &table.damages) : Side{};
   const bool alike = first.header && backup.header && same_table(*first.header, *backup.header);
   if (first.sound && backup.sound && !alike) {
     table.damages.push_back("The backup at " + place(disk, backup.lba) + " differs from the first table.");

@@ -51,8 +51,10 @@ struct GptTable {
   std::int64_t backup_lba = -1;  // of a backup without fault that says the same as the first; else -1
   std::vector<DiskPartition> partitions;
   std::vector<std::string> damages;  // sentences
+  std::vector<std::string> missing;  // sentences: what a buffer does not hold, and what to read to have it there
 };
 
 /// Reads both headers and the entries of both. The entries shown are those of the first header without fault; where
-/// both have one, of the first that leads to any.
+/// both have one, of the first that leads to any. Of a buffer only the first header and its entries are read, as far as
+/// the buffer holds them.
 GptTable read_gpt(const DiskReader& disk);

@@ -79,6 +79,12 @@ void take_partition(const Chain& chain, const MbrEntry& entry, std::int64_t base
 std::int64_t follow(Chain* chain, std::int64_t lba) {
   constexpr std::int64_t kEnd = -1;
   const std::string name = "The extended partition table at " + chain->place(lba);
+  if (lba >= chain->disk.held) {
+    chain->table->missing.push_back(name + " is not in the buffer. Read " + chain->place(lba) +
+                                    " to see that sector; \"sectorix /D:n /OP:SHOW /START:0\" lists all logical "
+                                    "partitions.");
+    return kEnd;
+  }
   std::vector<std::uint8_t> sector(static_cast<std::size_t>(chain->disk.logical));
   const std::uint32_t code = chain->disk.read(lba, sector);
   if (code != 0) {

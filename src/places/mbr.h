@@ -41,6 +41,7 @@ DiskPartition mbr_partition(int number, const MbrEntry& entry, std::int64_t base
 struct LogicalTable {
   std::vector<DiskPartition> partitions;
   std::vector<std::string> damages;
+  std::vector<std::string> missing;  // sentences: what a buffer does not hold, and what to read
 };
 
 /// Follows the chains of the extended partitions among `primaries`. Reads a logical sector for each link, at most 256

@@ -32,6 +32,10 @@ std::string damage_text(const std::vector<std::string>& damages) {
   return text;
 }
 
+std::string missing_text(const std::vector<std::string>& missing) {
+  return missing.empty() ? std::string() : kBlock + joined(missing, kLine);
+}
+
 std::string header_text(const GptTable& table) {
   const GptHeader& header = *table.header;
   const unsigned major = header.revision >> 16U;
@@ -60,14 +64,25 @@ std::string gpt_text(const GptTable& table) {
   std::string text = table.header ? header_text(table) : std::string();
   text += damage_text(table.damages);
   for (const DiskPartition& partition : table.partitions) text += partition_text("GPT entry", partition);
-  return text;
+  return text + missing_text(table.missing);
 }
 
 std::string logical_text(const LogicalTable& table) {
   std::string text;
   for (const DiskPartition& partition : table.partitions) text += partition_text("Logical partition", partition);
-  return text + damage_text(table.damages);
+  return text + damage_text(table.damages) + missing_text(table.missing);
 }
+
+namespace {
+
+std::string further_text(const DiskReader& disk, std::span<const std::uint8_t> sector) {
+  const std::array<MbrEntry, 4> entries = decode_mbr(sector);
+  const bool protective =
+      std::any_of(entries.begin(), entries.end(), [](const MbrEntry& entry) { return entry.type == kProtectiveType; });
+  return (protective ? gpt_text(read_gpt(disk)) : std::string()) + logical_text(read_logical(disk, entries));
+}
+
+}  // namespace
 
 std::string further_partitions_text(int drive, std::span<const std::uint8_t> sector, std::int64_t logical) {
   if (!has_further_partitions(sector)) return {};
@@ -75,9 +90,9 @@ std::string further_partitions_text(int drive, std::span<const std::uint8_t> sec
   if (opened.code() != 0) {
     return std::string(kBlock) + "The further partitions cannot be read: " + coded_error_text(opened.code());
   }
-  const DiskReader disk = opened.reader(logical);
-  const std::array<MbrEntry, 4> entries = decode_mbr(sector);
-  const bool protective =
-      std::any_of(entries.begin(), entries.end(), [](const MbrEntry& entry) { return entry.type == kProtectiveType; });
-  return (protective ? gpt_text(read_gpt(disk)) : std::string()) + logical_text(read_logical(disk, entries));
+  return further_text(opened.reader(logical), sector);
+}
+
+std::string further_partitions_in(std::span<const std::uint8_t> bytes, std::int64_t logical) {
+  return further_text(reader_of_buffer(bytes, logical), bytes);
 }

@@ -47,6 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const DiskReader disk = disk_of(bytes, data[0], &reads);
   gpt_text(read_gpt(disk));
   logical_text(read_logical(disk, decode_mbr(bytes)));
+  further_partitions_in(bytes, disk.logical);
   reads = 0;
   if (partitions_of(read_layout(disk), 0, 100).empty()) std::abort();
   check_boot_sector(bytes);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "app/handlers.h"
 #include "disk/drive.h"
 #include "form/form1.h"
 #include "tests/support/rig.h"
@@ -11,6 +12,7 @@
 
 namespace {
 
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -67,6 +69,66 @@ TEST_F(PartitionView, OpensNothingForAPlainTable) {
   headless::desktop.calls.clear();
   shown();
   EXPECT_EQ(opened(), plain + 1) << "of its own, for what an extended partition holds";
+}
+
+/// A drive of `image` and one of long sectors, and what Display shows of the former's first `sectors` sectors while the
+/// latter is selected.
+struct PartitionViewOfTheBuffer : PartitionView {
+  std::string shown_after_read(const std::string& sectors) {
+    write_file("disk.img", image.text());
+    open(disk_switch(0, "image disk.img\n") + disk_switch(1, "sectors 800\nlogical 4096\n"));
+    range("0", sectors);
+    click(CmdRead_Click);
+    click(Option2_Click);
+    headless::desktop.calls.clear();
+    click(CmdDisplay_Click);
+    EXPECT_THAT(headless::desktop.calls, testing::IsEmpty());
+    return form1.Text1.text();
+  }
+};
+
+TEST_F(PartitionViewOfTheBuffer, CountsInTheSectorsOfTheDriveThatFilledIt) {
+  image.mbr_entry(0, 1, 0x07, 64, 800);
+  EXPECT_THAT(shown_after_read("1"), HasSubstr("START (LBA) = 64 (40)   SIZE (LBA) = 800 (320)"));
+  form1.TxtPattern.set_text("01000000");
+  click(CmdFillBuffer_Click);
+  click(CmdDisplay_Click);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("START (LBA) = 65536 (10000)   SIZE (LBA) = 65536 (10000)"));
+  range("0", "8");
+  click(CmdRead_Click);
+  click(Option1_Click);
+  disk.Sec_Buf.data()[446 + 8] = 64;
+  click(CmdDisplay_Click);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("START (LBA) = 512 (200) "));
+}
+
+TEST_F(PartitionViewOfTheBuffer, ShowsWhatItHoldsOfAGuidTable) {
+  image.gpt({{kBasicData, 2048, 4095, "Data"}});
+  EXPECT_THAT(shown_after_read("34"),
+              HasSubstr("\r\n\r\nGPT entry 1 (SIZE=0.001GB)  Type: Microsoft basic data  Name: Data\r\n"
+                        "FIRST (LBA) = 2048 (800)   LAST (LBA) = 4095 (FFF)   SIZE (LBA) = 2048 (800)\r\n\r\n"
+                        "The backup header at LBA 5999 was not checked."));
+  EXPECT_THAT(form1.Text1.text(), Not(HasSubstr("DAMAGED")));
+  EXPECT_THAT(shown_after_read("3"),
+              HasSubstr("Name: Data\r\nFIRST (LBA) = 2048 (800)   LAST (LBA) = 4095 (FFF)   SIZE (LBA) = 2048 (800)"
+                        "\r\n\r\nThe GPT entries, LBA 2 to 33, are not all in the buffer. "
+                        "Read LBA 0 to 33 to show the whole table here.\r\nThe backup header "));
+  EXPECT_THAT(
+      shown_after_read("1"),
+      EndsWith("START (LBA) = 0 (0)   SIZE (LBA) = 0 (0)\r\n\r\n"
+               "The GUID partition table is not in the buffer. Read LBA 0 to 33 to show the whole table here."));
+  image.at(2)[0] = 0;
+  EXPECT_THAT(shown_after_read("34"), HasSubstr("DAMAGED: The GPT header's entries at LBA 2 have a bad checksum: "));
+}
+
+TEST_F(PartitionViewOfTheBuffer, NamesTheSectorThatListsLogicalPartitions) {
+  image.mbr_entry(0, 1, 0x05, 100, 2000);
+  image.mbr_entry(100, 1, 0x83, 10, 1024);
+  EXPECT_THAT(shown_after_read("100"),
+              EndsWith("\r\n\r\nThe extended partition table at LBA 100 is not in the buffer. Read LBA 100 to see that "
+                       "sector; \"sectorix /D:n /OP:SHOW /START:0\" lists all logical partitions."));
+  EXPECT_THAT(shown_after_read("101"),
+              EndsWith("FIRST (LBA) = 110 (6E)   LAST (LBA) = 1133 (46D)   SIZE (LBA) = 1024 (400)"));
 }
 
 TEST_F(PartitionView, ReadsNoDriveForAFilledBuffer) {

@@ -124,4 +124,26 @@ TEST(GptTypes, AreTheirGuidWithoutAName) {
   EXPECT_EQ(gpt_type_name(guid), "33221100-5544-7766-8899-AABBCCDDEEFF");
 }
 
+TEST_F(GptTest, OfABufferShowsWhatIsHeldAndSaysWhatToRead) {
+  image = DiskImage(200, 4096);
+  image.gpt({{kBasicData, 40, 59, "Data"}});
+  const auto held = [this](std::size_t sectors) {
+    return read_gpt(reader_of_buffer(std::span(image.bytes).first(sectors * 4096), 4096));
+  };
+  const std::string backup = "The backup header at LBA 1592 was not checked.";
+  EXPECT_THAT(held(1).missing,
+              ElementsAre("The GUID partition table is not in the buffer. Read LBA 0 to 47 to show the "
+                          "whole table here."));
+  EXPECT_THAT(held(5).missing, ElementsAre("The GPT entries, LBA 16 to 47, are not all in the buffer. Read LBA 0 to 47 "
+                                           "to show the whole table here.",
+                                           backup));
+  EXPECT_EQ(held(5).partitions.at(0).first_lba, 320);
+  EXPECT_THAT(held(6).missing, ElementsAre(backup));
+  EXPECT_THAT(held(6).damages, IsEmpty());
+  bytes::put_le(image.at(1), 72, 8, 30'000);
+  image.sum_header(1);
+  EXPECT_THAT(held(6).missing, ElementsAre("The GPT entries, LBA 240000 to 240031, are not all in the buffer.", backup))
+      << "a read as long as that leaves only its end in the buffer";
+}
+
 }  // namespace
