@@ -5,8 +5,8 @@
 
 #include "disk/early_end.h"
 #include "disk/error_text.h"
-#include "form/asked.h"
 #include "disk/transfer.h"
+#include "form/asked.h"
 #include "form/form1.h"
 #include "form/number_text.h"
 #include "form/outcome.h"
