@@ -53,7 +53,7 @@ int main(int argc, char** argv) {
   form1.SelectedDrive = 0;
   GetandOpenDrive();
   if (!Check_drv(0)) return 1;
-  remake_buffer(kVisit * kSectorSize + 1, 0);
+  remake_buffer(kVisit * SectorSize + 1, 0);
   const DiskIdentity disk_identity{.model = identification.Disk_Model,
                                    .serial = identification.Disk_Serial,
                                    .firmware = identification.Disk_Firmware,

@@ -20,7 +20,7 @@ namespace {
 /// Logical and physical sector, where they have other sizes than the sectors that the list counts.
 std::string sizes_column() {
   const SectorSizes& sizes = disk.sizes;
-  if (sizes.physical == kSectorSize) return {};
+  if (sizes.physical == SectorSize) return {};
   return "\tsectors " + std::to_string(sizes.logical) + "/" + std::to_string(sizes.physical) + " bytes";
 }
 

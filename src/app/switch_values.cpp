@@ -68,7 +68,7 @@ std::optional<Amount> in_bytes(std::string_view number, const Unit& unit) {
   const std::optional<Decimal> value = decimal(number);
   if (!value || value->whole > kMost / unit.bytes - 1) return std::nullopt;
   const std::int64_t bytes = value->whole * unit.bytes + value->millionths * unit.bytes / kMillion;
-  return Amount{.sectors = bytes / kSectorSize};
+  return Amount{.sectors = bytes / SectorSize};
 }
 
 std::optional<Amount> in_percent(std::string_view number) {

@@ -18,7 +18,7 @@ namespace {
 std::span<const std::uint8_t> start_of_disk() {
   const Source& source = disk.source;
   if (source.kind != Source::Kind::sectors || source.lba != 0) return {};
-  const std::int64_t bytes = std::min(disk.Sec_Buf.size(), source.sectors * kSectorSize);
+  const std::int64_t bytes = std::min(disk.Sec_Buf.size(), source.sectors * SectorSize);
   return disk.Sec_Buf.bytes().first(static_cast<std::size_t>(bytes));
 }
 
@@ -55,7 +55,7 @@ void Display_Buf(std::span<const std::uint8_t> buffer) {
 }
 
 void ShowMBRParams() {
-  form1.Text1.append(partition_table_text(disk.Sec_Buf.bytes(), disk.source.sizes.logical / kSectorSize));
+  form1.Text1.append(partition_table_text(disk.Sec_Buf.bytes(), disk.source.sizes.logical / SectorSize));
 }
 
 void show_buffer_for_editing() {
@@ -67,7 +67,7 @@ void show_buffer_for_editing() {
 bool fill_buffer() {
   const Pattern pattern = parse_pattern(form1.TxtPattern.text());
   if (pattern.replaced) tell_user(std::string(kPatternError));
-  disk.Sec_Buf.resize(kChunkSectors * kSectorSize);
+  disk.Sec_Buf.resize(kChunkSectors * SectorSize);
   fill_pattern(disk.Sec_Buf.bytes(), pattern.span());
   const std::string text = pattern_text(pattern);
   form1.TxtPattern.set_text(text);

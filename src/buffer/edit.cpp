@@ -105,8 +105,8 @@ bool take_edits(std::string (*place)()) {
   form1.Text1.set_text({});
   Display_Buf(editor.Edit_Buf);
 
-  const std::size_t sectors = editor.Edit_Buf.size() / kSectorSize;
-  if (sectors == 0 || editor.Edit_Buf.size() % kSectorSize != 0) return false;
+  const std::size_t sectors = editor.Edit_Buf.size() / SectorSize;
+  if (sectors == 0 || editor.Edit_Buf.size() % SectorSize != 0) return false;
   const EditChanges changes = list_changes(disk.Sec_Buf.bytes(), editor.Edit_Buf);
   form1.Text1.append(changes.lines);
   form1.Text1.caret_to_end();

@@ -50,10 +50,10 @@ void append_line(std::string& text, std::span<const std::uint8_t> bytes, std::si
 
 std::string hex_view(std::span<const std::uint8_t> bytes, std::int64_t first_lba, std::int64_t sectors,
                      std::string_view title) {
-  const std::int64_t whole = static_cast<std::int64_t>(bytes.size()) / kSectorSize;
+  const std::int64_t whole = static_cast<std::int64_t>(bytes.size()) / SectorSize;
   const auto shown_sectors =
       static_cast<std::size_t>(std::max<std::int64_t>(0, std::min({sectors, whole, kShownSectors})));
-  constexpr auto kBytes = static_cast<std::size_t>(kSectorSize);
+  constexpr auto kBytes = static_cast<std::size_t>(SectorSize);
 
   std::string text;
   text.reserve(shown_sectors * (kHeaderReserve + kBytes / kLineBytes * kLineLength) + 2 * title.size() +

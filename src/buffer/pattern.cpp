@@ -60,7 +60,7 @@ void fill_pattern(std::span<std::uint8_t> bytes, std::span<const std::uint8_t> p
 
 PatternDifference difference_from(std::span<const std::uint8_t> bytes, std::span<const std::uint8_t> pattern) {
   // Every length from 1 to 4 divides three sectors.
-  constexpr std::size_t kSector = kSectorSize;
+  constexpr std::size_t kSector = SectorSize;
   std::array<std::uint8_t, 3 * kSector> block;
   fill_pattern(block, pattern);
   PatternDifference difference;

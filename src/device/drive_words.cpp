@@ -12,7 +12,7 @@ std::optional<ToldDrive> told_by(const Sender& send) {
   ToldDrive drive{.model = model_of(*told),
                   .serial = clean_id(told->serial),
                   .firmware = clean_id(told->revision),
-                  .sectors = ask_size(send) / kSectorSize,
+                  .sectors = ask_size(send) / SectorSize,
                   .bus = told->bus};
   if (told->bus != StorageBus::nvme) return drive;
   if (const auto controller = decode_nvme_controller(ask_nvme_controller(send).data)) {

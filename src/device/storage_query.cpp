@@ -153,7 +153,7 @@ std::optional<DeviceDescriptor> decode_device_descriptor(Bytes reply) {
 
 bool is_sector_size(std::int64_t bytes) {
   constexpr std::int64_t kLargest = 65536;
-  return bytes >= kSectorSize && bytes <= kLargest && (bytes & (bytes - 1)) == 0;
+  return bytes >= SectorSize && bytes <= kLargest && (bytes & (bytes - 1)) == 0;
 }
 
 std::optional<SectorSizes> decode_sector_sizes(Bytes reply) {

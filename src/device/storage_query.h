@@ -69,8 +69,8 @@ std::optional<DeviceDescriptor> decode_device_descriptor(std::span<const std::ui
 
 /// Bytes of a drive's sectors: of those that it is addressed by, and of those that its medium has.
 struct SectorSizes {
-  std::int64_t logical = kSectorSize;
-  std::int64_t physical = kSectorSize;
+  std::int64_t logical = SectorSize;
+  std::int64_t physical = SectorSize;
   std::int64_t offset = 0;  // how far into its physical sector the disk's first byte lies
 };
 

@@ -15,7 +15,7 @@ constexpr std::uint32_t kEndOfFile = 38;  // winerror.h: ERROR_HANDLE_EOF
 
 bool seek(std::int64_t lba) {
   std::int64_t position = 0;
-  return kernel32::SetFilePointerEx(disk.hDrive, lba * kSectorSize, &position, platform::kFileBegin);
+  return kernel32::SetFilePointerEx(disk.hDrive, lba * SectorSize, &position, platform::kFileBegin);
 }
 
 bool failed(std::uint32_t code) {
@@ -49,7 +49,7 @@ void report_open_failure(int n, const std::string& path, std::uint32_t code) {
 }  // namespace
 
 void remake_buffer(std::int64_t bytes, std::int64_t lba) {
-  constexpr std::int64_t kShown = kShownSectors * kSectorSize;
+  constexpr std::int64_t kShown = kShownSectors * SectorSize;
   disk.Sec_Buf.resize(bytes);
   std::memset(disk.Sec_Buf.data(), 0, static_cast<std::size_t>(std::min(bytes, kShown)));
   disk.Buf_LBA = lba;
@@ -82,15 +82,15 @@ void close_drive() {
 }
 
 bool may_transfer(std::int64_t lba, std::int64_t count) {
-  constexpr std::int64_t kLastLba = std::numeric_limits<std::int64_t>::max() / kSectorSize;
+  constexpr std::int64_t kLastLba = std::numeric_limits<std::int64_t>::max() / SectorSize;
   return lba >= 0 && lba <= kLastLba && count >= 0 && count <= kLargestTransfer &&
-         count * kSectorSize <= disk.Sec_Buf.size() && widened({lba, count}).sectors <= kLargestTransfer;
+         count * SectorSize <= disk.Sec_Buf.size() && widened({lba, count}).sectors <= kLargestTransfer;
 }
 
 bool read_whole(const Stretch& whole, std::uint8_t* to) {
   disk.given_up = false;
   if (!seek(whole.lba)) return failed(kernel32::GetLastError());
-  const auto bytes = static_cast<std::uint32_t>(whole.sectors * kSectorSize);
+  const auto bytes = static_cast<std::uint32_t>(whole.sectors * SectorSize);
   std::uint32_t moved = 0;
   const bool read = kernel32::ReadFile(disk.hDrive, to, bytes, &moved);
   disk.Errno = kernel32::GetLastError();
@@ -106,11 +106,11 @@ bool ReadAt(std::int64_t lba, std::int64_t count) {
   if (!may_transfer(lba, count)) return refuse_transfer();
   const Stretch whole = widened({lba, count});
   const bool direct = whole.sectors == count;
-  if (!direct) disk.around.resize(whole.sectors * kSectorSize);
+  if (!direct) disk.around.resize(whole.sectors * SectorSize);
   if (!read_whole(whole, (direct ? disk.Sec_Buf : disk.around).data())) return false;
   if (!direct) {
-    std::memcpy(disk.Sec_Buf.data(), disk.around.data() + (lba - whole.lba) * kSectorSize,
-                static_cast<std::size_t>(count * kSectorSize));
+    std::memcpy(disk.Sec_Buf.data(), disk.around.data() + (lba - whole.lba) * SectorSize,
+                static_cast<std::size_t>(count * SectorSize));
   }
   disk.Buf_Secs = count;
   return true;
@@ -124,8 +124,8 @@ bool WriteAt(std::int64_t lba, std::int64_t count) {
   const bool direct = whole.sectors == count;
   if (!direct && !compose({lba, count}, whole)) return false;
   if (!seek(whole.lba)) return failed(kernel32::GetLastError());
-  const auto bytes = static_cast<std::uint32_t>(whole.sectors * kSectorSize);
-  const auto offset = static_cast<std::uint64_t>(whole.lba * kSectorSize);
+  const auto bytes = static_cast<std::uint32_t>(whole.sectors * SectorSize);
+  const auto offset = static_cast<std::uint64_t>(whole.lba * SectorSize);
   const auto offset_low = static_cast<std::uint32_t>(offset);
   const auto offset_high = static_cast<std::uint32_t>(offset >> 32U);
   const LockLength length = lock_length(bytes);

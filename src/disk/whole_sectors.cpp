@@ -8,7 +8,7 @@
 namespace {
 
 std::size_t bytes_of(std::int64_t sectors) {
-  return static_cast<std::size_t>(sectors * kSectorSize);
+  return static_cast<std::size_t>(sectors * SectorSize);
 }
 
 /// Puts what somebody has read of `whole` into disk.around. False when nobody has.
@@ -34,7 +34,7 @@ bool read_ends(const Stretch& asked, const Stretch& whole) {
 }  // namespace
 
 std::int64_t sectors_per_logical() {
-  return disk.sizes.logical / kSectorSize;
+  return disk.sizes.logical / SectorSize;
 }
 
 std::int64_t behind_boundary(std::int64_t lba) {
@@ -59,14 +59,14 @@ std::span<const std::uint8_t> whole_sectors_read() {
 }
 
 bool compose(const Stretch& asked, const Stretch& whole) {
-  disk.around.resize(whole.sectors * kSectorSize);
+  disk.around.resize(whole.sectors * SectorSize);
   if (!take_known(whole) && !read_ends(asked, whole)) return false;
   std::memcpy(disk.around.data() + bytes_of(asked.lba - whole.lba), disk.Sec_Buf.data(), bytes_of(asked.sectors));
   return true;
 }
 
 std::string sector_sizes_text() {
-  if (disk.sizes.logical == kSectorSize) return {};
+  if (disk.sizes.logical == SectorSize) return {};
   return " (sectors of " + std::to_string(disk.sizes.logical) + " bytes: each is " +
          std::to_string(sectors_per_logical()) + " sectors of 512)";
 }

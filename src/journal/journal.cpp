@@ -17,7 +17,7 @@ std::string with_code(const std::string& what, std::uint32_t code) {
 }
 
 std::size_t bytes_of(std::int64_t sectors) {
-  return static_cast<std::size_t>(sectors * kSectorSize);
+  return static_cast<std::size_t>(sectors * SectorSize);
 }
 
 }  // namespace
@@ -61,7 +61,7 @@ std::string Journal::record(std::int64_t lba, std::span<const std::uint8_t> form
                             std::span<const std::uint8_t> pattern) {
   record_.state = RecordState::pending;
   record_.lba = lba;
-  record_.sectors = static_cast<std::int64_t>(former.size()) / kSectorSize;
+  record_.sectors = static_cast<std::int64_t>(former.size()) / SectorSize;
   record_.pattern.assign(pattern.begin(), pattern.end());
   contents_sum_ = crc32c::sum(former);
   // The contents come first: a process that ends between the two leaves the former header, which is done with.
@@ -116,7 +116,7 @@ LeftJournal take_journal(std::span<const std::uint8_t> bytes) {
   if (record->state != RecordState::pending) return left;
   const auto header = bytes.first(kHeaderBytes);
   const auto behind = bytes.subspan(kHeaderBytes);
-  const std::size_t size = bytes_of(std::min(record->sectors, static_cast<std::int64_t>(behind.size()) / kSectorSize));
+  const std::size_t size = bytes_of(std::min(record->sectors, static_cast<std::int64_t>(behind.size()) / SectorSize));
   if (size == bytes_of(record->sectors) && contents_hold(header, behind.first(size))) {
     left.former.assign(behind.begin(), behind.begin() + static_cast<std::ptrdiff_t>(size));
   } else {

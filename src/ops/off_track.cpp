@@ -56,7 +56,7 @@ Places next_places() {
 void seek_to(std::int64_t lba, const Visit& visit) {
   measure_phase(Phase::reading);
   Read_sectors(&lba, 1, 1, Events::wait);
-  std::copy_n(visit.former_contents().begin(), kSectorSize, disk.Sec_Buf.data());
+  std::copy_n(visit.former_contents().begin(), SectorSize, disk.Sec_Buf.data());
 }
 
 void make_pass(const Places& places) {
@@ -110,7 +110,7 @@ std::optional<RunPlan> plan_off_track() {
     return std::nullopt;
   }
   if (!begin_journal(kSectors)) return std::nullopt;
-  remake_buffer(kVerified * kSectorSize + 1, 0);
+  remake_buffer(kVerified * SectorSize + 1, 0);
   counters.No_Secs = kSectors;
   form1.TxtNoSecs.set_text(std::to_string(kSectors));
   const std::string header = "Non-Destructive Off-Track Write test - " + std::to_string(random_test.passes) +

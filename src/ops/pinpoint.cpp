@@ -75,7 +75,7 @@ std::optional<Answer> ask(const Stretch& what, Hunt* hunt) {
   if (!told.stopped.empty()) return std::nullopt;
   form1.TxtStatus.set_text("Pinpointing at sector " + std::to_string(what.lba) + ": transfer " +
                            std::to_string(told.looked_at + 1) + " of " + std::to_string(told.suspects));
-  hunt->buffer.resize(std::max(what.sectors * kSectorSize, hunt->buffer.size()));
+  hunt->buffer.resize(std::max(what.sectors * SectorSize, hunt->buffer.size()));
   const double start = platform::steady_seconds();
   Answer answer;
   answer.read = read_whole(what, hunt->buffer.data());

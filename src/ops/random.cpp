@@ -28,7 +28,7 @@ constexpr std::int16_t kNothingDone = 1;  // exit code
 
 /// The bytes of a visit; the buffer has one more, which is never transferred or compared.
 std::span<std::uint8_t> visit_bytes() {
-  const std::int64_t bytes = std::min(counters.No_Secs * kSectorSize, disk.Sec_Buf.size());
+  const std::int64_t bytes = std::min(counters.No_Secs * SectorSize, disk.Sec_Buf.size());
   return disk.Sec_Buf.bytes().first(static_cast<std::size_t>(bytes));
 }
 
@@ -38,7 +38,7 @@ std::int64_t movable_sectors() {
 }
 
 void size_buffer() {
-  remake_buffer(movable_sectors() * kSectorSize + 1, 0);
+  remake_buffer(movable_sectors() * SectorSize + 1, 0);
 }
 
 /// Takes the parameters into counters.No_Secs and random_test. False when the user leaves, or when the disk has no room

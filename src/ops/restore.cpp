@@ -53,16 +53,16 @@ Held look_at_place(const LeftJournal& left) {
   const Record& record = left.record;
   Held held;
   SectorBuffer shown = std::exchange(disk.Sec_Buf, {});
-  disk.Sec_Buf.resize(record.sectors * kSectorSize);
+  disk.Sec_Buf.resize(record.sectors * SectorSize);
   if (!ReadAt(record.lba, record.sectors)) {
     held.problem = coded_error_text(disk.Errno);
   }
   const Bytes former = left.former.empty() ? Bytes(disk.Sec_Buf.bytes().size()) : left.former;
   const Bytes pattern = overwritten(record, former);
   for (std::int64_t sector = 0; held.problem.empty() && sector < record.sectors; ++sector) {
-    const std::int64_t at = sector * kSectorSize;
+    const std::int64_t at = sector * SectorSize;
     const auto is = [&](const Bytes& expected) {
-      return std::memcmp(disk.Sec_Buf.data() + at, expected.data() + at, kSectorSize) == 0;
+      return std::memcmp(disk.Sec_Buf.data() + at, expected.data() + at, SectorSize) == 0;
     };
     if (!left.former.empty() && is(former)) {
       ++held.former;
@@ -243,7 +243,7 @@ std::optional<RunPlan> plan_restore() {
   report_line(about(left.file, verdict.text));
   restore_run = {.file = left.file, .former = left.former, .problem = {}};
   counters.No_Secs = left.record.sectors;
-  remake_buffer(counters.No_Secs * kSectorSize, left.record.lba);
+  remake_buffer(counters.No_Secs * SectorSize, left.record.lba);
   return RunPlan{.kind = RunKind::restore, .first_lba = left.record.lba, .sectors = counters.No_Secs};
 }
 

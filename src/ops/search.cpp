@@ -109,7 +109,7 @@ std::optional<std::int64_t> ReadSearchSectors(const Search& search, std::int64_t
     const bool read = read_once(*lba, sectors);
     if (disk.given_up) break;
     if (read) {
-      const auto just_read = disk.Sec_Buf.bytes().first(static_cast<std::size_t>(sectors * kSectorSize));
+      const auto just_read = disk.Sec_Buf.bytes().first(static_cast<std::size_t>(sectors * SectorSize));
       match = border.match(just_read);
       const std::int64_t position = match ? 0 : FindStringPosinBuffer(search, just_read);
       if (position > 0) match = position - 1;
@@ -132,7 +132,7 @@ bool ask_search_string() {
 
 std::optional<RunPlan> plan_search() {
   const std::int64_t start = take_range();
-  remake_buffer(read_chunk(counters.No_Secs) * kSectorSize, start);
+  remake_buffer(read_chunk(counters.No_Secs) * SectorSize, start);
   search_run.lba = start;
   return RunPlan{.kind = RunKind::search, .first_lba = start, .sectors = counters.No_Secs};
 }
@@ -147,10 +147,10 @@ void search_range(const RunPlan& plan) {
   const auto match = ReadSearchSectors(search, &run.lba, plan.sectors, read_chunk(plan.sectors));
   if (!match) return;
   run.found = true;
-  const std::int64_t place = run.lba * kSectorSize + *match;
-  run.lba = place / kSectorSize;
-  run.offset = place % kSectorSize;
-  remake_buffer(kSectorSize, run.lba);
+  const std::int64_t place = run.lba * SectorSize + *match;
+  run.lba = place / SectorSize;
+  run.offset = place % SectorSize;
+  remake_buffer(SectorSize, run.lba);
   run.not_read = read_match();
 }
 

@@ -41,7 +41,7 @@ void transfer_range(bool (*transfer)(std::int64_t*, std::int64_t, std::int64_t, 
 std::optional<RunPlan> plan_read() {
   const std::int64_t start = take_range();
   announce("Reading");
-  remake_buffer(read_chunk(counters.No_Secs) * kSectorSize, start);
+  remake_buffer(read_chunk(counters.No_Secs) * SectorSize, start);
   RunPlan plan{.kind = RunKind::read, .first_lba = start, .sectors = counters.No_Secs};
   plan.work = 0;
   for (const SectorRun& run : left_to_read(start, plan.sectors)) plan.work += run.sectors;

@@ -50,7 +50,7 @@ void announce(const std::string& title, std::int64_t start, std::int64_t sectors
 
 /// Compares the chunk that was just read from `lba` with the pattern.
 void compare_chunk(std::int64_t lba, std::int64_t sectors, const Pattern& pattern) {
-  const auto chunk = disk.Sec_Buf.bytes().first(static_cast<std::size_t>(sectors * kSectorSize));
+  const auto chunk = disk.Sec_Buf.bytes().first(static_cast<std::size_t>(sectors * SectorSize));
   const PatternDifference found = difference_from(chunk, pattern.span());
   ++verify_run.compared;
   if (found.sectors == 0) return;
@@ -58,7 +58,7 @@ void compare_chunk(std::int64_t lba, std::int64_t sectors, const Pattern& patter
   ++verify_run.differing;
   if (verify_run.listed.size() == VerifyRun::kMostListed) return;
   const auto first = static_cast<std::int64_t>(found.first);
-  const VerifyRun::Difference difference{lba + first / kSectorSize, first % kSectorSize, found.sectors};
+  const VerifyRun::Difference difference{lba + first / SectorSize, first % SectorSize, found.sectors};
   verify_run.listed.push_back(difference);
   report_line("Compare error at LBA " + std::to_string(difference.lba) + " byte " + std::to_string(difference.offset) +
               ": " + std::to_string(found.sectors) + " of the " + std::to_string(sectors) + " sectors from LBA " +
@@ -173,7 +173,7 @@ std::optional<RunPlan> plan_verify() {
   const std::int64_t start = take_range();
   verify_run = {.asked = true, .chunks = count_chunks(start, counters.No_Secs)};
   announce({}, start, counters.No_Secs);
-  remake_buffer(written_chunk(0, counters.No_Secs) * kSectorSize, start);
+  remake_buffer(written_chunk(0, counters.No_Secs) * SectorSize, start);
   return RunPlan{.kind = RunKind::verify, .first_lba = start, .sectors = counters.No_Secs};
 }
 

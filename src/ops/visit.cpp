@@ -101,8 +101,8 @@ std::string Visit::why_not_verified() const {
 }
 
 std::span<const std::uint8_t> Visit::former_contents() const {
-  return std::span(saved_).subspan(static_cast<std::size_t>((lba_ - whole_.lba) * kSectorSize),
-                                   static_cast<std::size_t>(sectors_ * kSectorSize));
+  return std::span(saved_).subspan(static_cast<std::size_t>((lba_ - whole_.lba) * SectorSize),
+                                   static_cast<std::size_t>(sectors_ * SectorSize));
 }
 
 void Visit::give_back() {

@@ -15,15 +15,15 @@ inline constexpr std::int64_t kMostLogical = std::int64_t{1} << 46;
 /// A disk as the decoders of partition tables see it: they count in its logical sectors, and give back sectors of 512
 /// bytes.
 struct DiskReader {
-  std::int64_t logical = kSectorSize;  // bytes of a logical sector
-  std::int64_t sectors = 0;            // logical ones; 0 where the size is not known
+  std::int64_t logical = SectorSize;  // bytes of a logical sector
+  std::int64_t sectors = 0;           // logical ones; 0 where the size is not known
 
   /// Fills `to`, whole logical sectors, from logical sector `lba` on. Gives a system error code, 0 for success.
   std::function<std::uint32_t(std::int64_t lba, std::span<std::uint8_t> to)> read;
 
   std::int64_t held = kMostLogical;  // logical sectors that can be read, from 0 on: fewer where this is a buffer
 
-  std::int64_t per_logical() const { return logical / kSectorSize; }
+  std::int64_t per_logical() const { return logical / SectorSize; }
 
   /// True for a logical sector that the disk has; where its size is not known, for one that any disk could have.
   bool has(std::int64_t lba) const;

@@ -26,8 +26,8 @@ void name_partitions(int drive, std::span<BadRange> ranges) {
 
 /// The stretch of the volume that `range` and `extent` share, in bytes of the volume.
 VolumeStretch shared_stretch(const BadRange& range, const DiskExtent& extent) {
-  const std::int64_t first = std::max(range.first_lba * kSectorSize, extent.first);
-  const std::int64_t end = std::min(range.end_lba() * kSectorSize, extent.first + extent.bytes);
+  const std::int64_t first = std::max(range.first_lba * SectorSize, extent.first);
+  const std::int64_t end = std::min(range.end_lba() * SectorSize, extent.first + extent.bytes);
   return {.first = first - extent.first, .bytes = std::max<std::int64_t>(end - first, 0)};
 }
 

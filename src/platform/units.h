@@ -5,7 +5,7 @@
 /// What the whole house counts in.
 
 /// Bytes per sector; an LBA's byte offset is LBA x 512.
-inline constexpr std::int64_t kSectorSize = 512;
+inline constexpr std::int64_t SectorSize = 512;
 
 /// One megabyte of the rates and sizes: 2048 sectors, 1,048,576 bytes.
 inline constexpr std::int64_t kSectorsPerMb = 2048;

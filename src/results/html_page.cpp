@@ -74,7 +74,7 @@ std::string drive_facts(const Result& result) {
                      fact("Firmware", id.Disk_Firmware) + fact("Bus", bus_name(id.bus));
   if (sectors > 0) {
     rows += fact("Size", std::to_string(sectors) + " sectors of 512 bytes, " +
-                             fixed_text(static_cast<double>(sectors) * kSectorSize / 1e9, 1) + " GB");
+                             fixed_text(static_cast<double>(sectors) * SectorSize / 1e9, 1) + " GB");
   }
   return rows;
 }

@@ -27,7 +27,7 @@ void put_disk(const Result& result, JsonText* json) {
   json->text("serial", result.disk.Disk_Serial);
   json->text("firmware", result.disk.Disk_Firmware);
   json->number("sectors", sectors);
-  json->number("sector_bytes", kSectorSize);
+  json->number("sector_bytes", SectorSize);
   json->number("logical_sector_bytes", result.sizes.logical);
   json->number("physical_sector_bytes", result.sizes.physical);
   json->text("bus", bus_name(result.disk.bus));

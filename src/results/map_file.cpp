@@ -22,7 +22,7 @@ constexpr const char* kLogical = "Bytes of a logical sector: ";
 
 std::string hex(std::int64_t sectors) {
   std::array<char, 32> text{};
-  std::snprintf(text.data(), text.size(), "0x%08" PRIX64, static_cast<std::uint64_t>(sectors * kSectorSize));
+  std::snprintf(text.data(), text.size(), "0x%08" PRIX64, static_cast<std::uint64_t>(sectors * SectorSize));
   return text.data();
 }
 
@@ -150,7 +150,7 @@ std::string take_block(const std::vector<std::string_view>& words, std::vector<B
 
 /// Sectors of which a block has a part alone stay not tried.
 ReadMap in_sectors(const std::vector<ByteBlock>& blocks) {
-  constexpr std::uint64_t kSector = kSectorSize;
+  constexpr std::uint64_t kSector = SectorSize;
   ReadMap map = untried_map(static_cast<std::int64_t>((blocks.back().end + kSector - 1) / kSector));
   for (const ByteBlock& block : blocks) {
     const auto first = static_cast<std::int64_t>((block.first + kSector - 1) / kSector);

@@ -15,7 +15,7 @@ namespace {
 constexpr const char* kLineEnd = "\r\n";
 
 bool is_at_physical(std::int64_t lba) {
-  return (lba * kSectorSize + disk.sizes.offset) % disk.sizes.physical == 0;
+  return (lba * SectorSize + disk.sizes.offset) % disk.sizes.physical == 0;
 }
 
 /// A test at random places has no range but places, which all begin where logical sectors begin.
@@ -52,10 +52,10 @@ std::string operation_line(bool writes) {
 
 void tell_sector_sizes(bool writes) {
   const SectorSizes& sizes = disk.sizes;
-  if (identification.Drive_Sectors == 0 || sizes.physical == kSectorSize) return;
+  if (identification.Drive_Sectors == 0 || sizes.physical == SectorSize) return;
   std::string text = "\r\n\r\nSECTORS\r\n=======\r\nLogical sector " + std::to_string(sizes.logical) +
                      " bytes, physical sector " + std::to_string(sizes.physical) + " bytes." + kLineEnd;
-  if (sizes.logical > kSectorSize) {
+  if (sizes.logical > SectorSize) {
     text += "LBAs and counts are in sectors of 512 bytes: a sector of this disk is " +
             std::to_string(sectors_per_logical()) + " of them." + kLineEnd;
   }

@@ -22,7 +22,7 @@ constexpr std::uint32_t kGetLengthInfo = 0x7405C;      // IOCTL_DISK_GET_LENGTH_
 constexpr std::uint32_t kScsiMiniport = 0x4D008;       // IOCTL_SCSI_MINIPORT
 constexpr std::uint32_t kMiniportIdentify = 0x1B0501;  // IOCTL_SCSI_MINIPORT_IDENTIFY
 
-constexpr std::int64_t kMostSectors = std::numeric_limits<std::int64_t>::max() / kSectorSize;
+constexpr std::int64_t kMostSectors = std::numeric_limits<std::int64_t>::max() / SectorSize;
 
 std::string megabytes(std::int64_t sectors) {
   return std::to_string(sectors / kSectorsPerMb);
@@ -46,8 +46,8 @@ void take_identity(const IdentifyData& data) {
   identification.Num_Cyls = data.cylinders;
   identification.Num_Heads = data.heads;
   identification.Sectors_Per_Track = data.sectors_per_track;
-  if (disk.sizes.logical == kSectorSize) disk.sizes = data.sizes;
-  identification.Id_Total_Sectors = data.sectors * (data.sizes.logical / kSectorSize);
+  if (disk.sizes.logical == SectorSize) disk.sizes = data.sizes;
+  identification.Id_Total_Sectors = data.sectors * (data.sizes.logical / SectorSize);
   identification.Drive_Sectors = identification.Id_Total_Sectors;
 }
 
@@ -85,7 +85,7 @@ std::array<std::uint8_t, kPassThroughBytes> read_capacity_request() {
 
 std::int64_t capacity_in(std::span<const std::uint8_t> data) {
   const double blocks = static_cast<double>(bytes::be32(data, 0)) + 1.0;
-  const double sectors = blocks * static_cast<double>(bytes::be32(data, 4)) / static_cast<double>(kSectorSize);
+  const double sectors = blocks * static_cast<double>(bytes::be32(data, 4)) / static_cast<double>(SectorSize);
   return sectors < static_cast<double>(kMostSectors) ? static_cast<std::int64_t>(sectors) : 0;
 }
 
@@ -156,7 +156,7 @@ bool speaks_scsi(StorageBus bus) {
 
 /// Asks for the sizes of the sectors, unless IDENTIFY has told of sectors that the house can count in.
 void learn_sector_sizes(kernel32::Handle drive) {
-  if (identification.source == IdentitySource::identify && disk.sizes.logical == kSectorSize) return;
+  if (identification.source == IdentitySource::identify && disk.sizes.logical == SectorSize) return;
   if (const auto sizes = decode_sector_sizes(ask_sector_sizes(through(drive)).data)) disk.sizes = *sizes;
 }
 
@@ -297,7 +297,7 @@ std::int64_t Get_Capacity_PassThrough(std::int32_t drive) {
                             kPassThroughBytes, &returned);
   std::int64_t capacity = 0;
   if (returned > 0) capacity = capacity_in(std::span(buffer).subspan(kPassThroughData));
-  capacity = std::max(capacity, Get_Length_Info(handle) / kSectorSize);
+  capacity = std::max(capacity, Get_Length_Info(handle) / SectorSize);
   kernel32::CloseHandle(handle);
   return capacity;
 }

@@ -65,7 +65,7 @@ Wrong open_content(VirtualDisk& disk, const std::string& beside) {
   const std::string reason = disk.content.open_image(name);
   disk.image = platform::full_path(name);
   if (!reason.empty()) return {file.image.line, file.image.name + " " + reason};
-  const std::int64_t held = disk.content.image_bytes() / kSectorSize;
+  const std::int64_t held = disk.content.image_bytes() / SectorSize;
   if (file.sectors > held) {
     return {file.sectors_line,
             "sectors must be at most the image's " + std::to_string(held) + ": " + std::to_string(file.sectors)};

@@ -32,7 +32,7 @@ std::string Content::open_image(const std::string& name) {
   if (!image_.is_open() || !platform::SetFilePointerEx(image_.get(), 0, &image_bytes_, platform::kFileEnd)) {
     return "cannot be opened (error " + std::to_string(platform::GetLastError()) + ")";
   }
-  return image_bytes_ < kSectorSize ? "holds no whole sector" : "";
+  return image_bytes_ < SectorSize ? "holds no whole sector" : "";
 }
 
 std::uint32_t Content::image_at(std::uint64_t offset) const {

@@ -169,7 +169,7 @@ std::uint32_t get_geometry(const VirtualDisk& disk, Out out, std::uint32_t* retu
 
 std::uint64_t size_in_bytes(const VirtualDisk& disk) {
   // The largest disk of all is one sector longer than a signed length can say.
-  const std::int64_t sayable = std::min(disk.sectors, kMaxSectors - 1) * kSectorSize;
+  const std::int64_t sayable = std::min(disk.sectors, kMaxSectors - 1) * SectorSize;
   return static_cast<std::uint64_t>(disk.file.length.value_or(sayable));
 }
 

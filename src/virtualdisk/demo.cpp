@@ -114,16 +114,16 @@ Page partition_sector() {
 
 std::string story_sector(const Story& story, std::int64_t sector) {
   std::string text;
-  while (text.size() < kSectorSize) {
+  while (text.size() < SectorSize) {
     text += std::string(story.line) + ", sector " + std::to_string(sector) + ".\r\n";
   }
-  text.resize(kSectorSize);
+  text.resize(SectorSize);
   return text;
 }
 
 void put(Content& content, std::int64_t sector, const void* bytes) {
   std::uint32_t moved = 0;
-  content.write(static_cast<std::uint64_t>(sector * kSectorSize), bytes, kSectorSize, &moved);
+  content.write(static_cast<std::uint64_t>(sector * SectorSize), bytes, SectorSize, &moved);
 }
 
 }  // namespace

@@ -32,9 +32,9 @@ constexpr std::uint64_t kExponent = 0x000F;
 
 /// Left at zero, which says 512 bytes too, by drives that have nothing else to say.
 void put_sector_sizes(Page& page, const Identity& identity) {
-  if (identity.physical == kSectorSize) return;
+  if (identity.physical == SectorSize) return;
   std::uint64_t sizes = kSizesValid;
-  if (identity.logical > kSectorSize) {
+  if (identity.logical > SectorSize) {
     sizes |= kLongLogical;
     put_words(page, kLogicalWord, 2, identity.logical / 2);
   }
@@ -48,9 +48,9 @@ void put_sector_sizes(Page& page, const Identity& identity) {
 
 std::int64_t physical_bytes(const Page& page) {
   const std::uint64_t word = bytes::le16(page, 2 * kSizesWord);
-  if ((word & 0xC000) != kSizesValid) return kSectorSize;
+  if ((word & 0xC000) != kSizesValid) return SectorSize;
   const bool is_long = (word & kLongLogical) != 0;
-  const std::int64_t logical = is_long ? 2 * std::int64_t{bytes::le32(page, 2 * kLogicalWord)} : kSectorSize;
+  const std::int64_t logical = is_long ? 2 * std::int64_t{bytes::le32(page, 2 * kLogicalWord)} : SectorSize;
   return logical << ((word & kLargePhysical) != 0 ? word & kExponent : 0);
 }
 

@@ -15,7 +15,7 @@ std::uint32_t begin_transfer(VirtualDisk& disk, std::uint64_t offset, std::uint3
   const auto logical = static_cast<std::uint64_t>(disk.file.logical);
   if (offset % logical != 0 || bytes % logical != 0) return kInvalidParameter;
   if (disk.file.vanish_after) ++disk.transfers;
-  *range = {static_cast<std::int64_t>(offset / kSectorSize), bytes / kSectorSize};
+  *range = {static_cast<std::int64_t>(offset / SectorSize), bytes / SectorSize};
   return range->end() > disk.sectors ? kSectorNotFound : 0;
 }
 
@@ -40,9 +40,9 @@ double start_time(const VirtualDisk& disk) {
 std::uint32_t write_pieces(VirtualDisk& disk, const Range& range, const std::uint8_t* bytes) {
   for (const Faults::Piece& piece : disk.faults.landing(range)) {
     std::uint32_t moved = 0;
-    const std::uint32_t code = disk.content.write(static_cast<std::uint64_t>(piece.lands_at) * kSectorSize,
-                                                  bytes + (piece.range.first - range.first) * kSectorSize,
-                                                  static_cast<std::uint32_t>(piece.range.count * kSectorSize), &moved);
+    const std::uint32_t code = disk.content.write(static_cast<std::uint64_t>(piece.lands_at) * SectorSize,
+                                                  bytes + (piece.range.first - range.first) * SectorSize,
+                                                  static_cast<std::uint32_t>(piece.range.count * SectorSize), &moved);
     if (code != 0) return code;
   }
   return 0;
@@ -51,7 +51,7 @@ std::uint32_t write_pieces(VirtualDisk& disk, const Range& range, const std::uin
 }  // namespace
 
 std::int64_t sectors_per_logical(const VirtualDisk& disk) {
-  return disk.file.logical / kSectorSize;
+  return disk.file.logical / SectorSize;
 }
 
 void grow(VirtualDisk& disk, Event event) {
@@ -73,7 +73,7 @@ std::uint32_t read_disk(VirtualDisk& disk, std::uint64_t offset, void* buffer, s
   const double started = start_time(disk);
   std::uint32_t code = disk.faults.failure(Op::read, range);
   if (code == 0) {
-    const auto moving = static_cast<std::uint32_t>(disk.faults.sectors_moved(Op::read, range) * kSectorSize);
+    const auto moving = static_cast<std::uint32_t>(disk.faults.sectors_moved(Op::read, range) * SectorSize);
     code = disk.content.read(offset, buffer, moving, moved);
   }
   if (end_transfer(disk, range, code == 0 ? Event::read : Event::read_error, started)) return code;
@@ -92,7 +92,7 @@ std::uint32_t write_disk(VirtualDisk& disk, std::uint64_t offset, const void* bu
   std::uint32_t code = disk.faults.failure(Op::write, range);
   if (code == 0) {
     const Range part = {range.first, disk.faults.sectors_moved(Op::write, range)};
-    const auto moving = static_cast<std::uint32_t>(part.count * kSectorSize);
+    const auto moving = static_cast<std::uint32_t>(part.count * SectorSize);
     if (disk.faults.lands_in_place(part)) {
       code = disk.content.write(offset, buffer, moving, moved);
     } else {

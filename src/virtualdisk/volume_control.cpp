@@ -49,8 +49,8 @@ std::uint32_t volume_extents(const VirtualDisk& disk, std::size_t volume, Out ou
   std::fill_n(out.begin(), kBytes, std::uint8_t{0});
   bytes::put_le(out, 0, 4, 1);
   bytes::put_le(out, 8, 4, static_cast<std::uint64_t>(disk.drive));
-  bytes::put_le(out, 16, 8, static_cast<std::uint64_t>(partition->first * kSectorSize));
-  bytes::put_le(out, 24, 8, static_cast<std::uint64_t>(partition->count * kSectorSize));
+  bytes::put_le(out, 16, 8, static_cast<std::uint64_t>(partition->first * SectorSize));
+  bytes::put_le(out, 24, 8, static_cast<std::uint64_t>(partition->count * SectorSize));
   *returned = kBytes;
   return 0;
 }
@@ -118,9 +118,9 @@ std::uint32_t read_volume(VirtualDisk& disk, std::size_t volume, std::uint64_t o
                           std::uint32_t bytes, std::uint32_t* moved) {
   const std::optional<Range> partition = partition_of(disk, volume);
   if (!partition) return kInvalidFunction;
-  const auto length = static_cast<std::uint64_t>(partition->count * kSectorSize);
+  const auto length = static_cast<std::uint64_t>(partition->count * SectorSize);
   if (offset > length || bytes > length - offset) return kSectorNotFound;
-  return read_disk(disk, static_cast<std::uint64_t>(partition->first * kSectorSize) + offset, buffer, bytes, moved);
+  return read_disk(disk, static_cast<std::uint64_t>(partition->first * SectorSize) + offset, buffer, bytes, moved);
 }
 
 }  // namespace virtualdisk

@@ -15,9 +15,9 @@ using Bytes = std::vector<std::uint8_t>;
 /// `sectors` sectors of 512 bytes; empty where the disk does not have or give them.
 Bytes contents(const VirtualDisk& disk, std::int64_t first, std::int64_t sectors) {
   if (first < 0 || sectors < 1 || first > disk.sectors - sectors) return {};
-  Bytes bytes(static_cast<std::size_t>(sectors * kSectorSize));
+  Bytes bytes(static_cast<std::size_t>(sectors * SectorSize));
   std::uint32_t moved = 0;
-  const std::uint32_t code = disk.content.read(static_cast<std::uint64_t>(first * kSectorSize), bytes.data(),
+  const std::uint32_t code = disk.content.read(static_cast<std::uint64_t>(first * SectorSize), bytes.data(),
                                                static_cast<std::uint32_t>(bytes.size()), &moved);
   return code == 0 && moved == bytes.size() ? bytes : Bytes();
 }
@@ -85,7 +85,7 @@ bool begins_with(const Bytes& sector, std::string_view name) {
 /// Bytes of a boot sector's numbers as sectors of 512; the fields are those of every FAT and of NTFS.
 struct Numbers {
   explicit Numbers(const Bytes& sector)
-      : per_sector(bytes::le16(sector, 11) / kSectorSize),
+      : per_sector(bytes::le16(sector, 11) / SectorSize),
         per_cluster(sector[13] * per_sector),
         reserved(bytes::le16(sector, 14)),
         fats(sector[16]),
@@ -139,7 +139,7 @@ std::optional<Clusters> clusters_of(const VirtualDisk& disk, const Range& partit
     if (numbers.fats == 0 || begins_with(sector, "EXFAT   ")) return {};
     const std::int64_t small_fat = bytes::le16(sector, 22);
     const std::int64_t fat = small_fat != 0 ? small_fat : bytes::le32(sector, 36);
-    const std::int64_t root = (numbers.root_entries * 32 / kSectorSize + numbers.per_sector - 1) / numbers.per_sector;
+    const std::int64_t root = (numbers.root_entries * 32 / SectorSize + numbers.per_sector - 1) / numbers.per_sector;
     clusters.first += (numbers.reserved + numbers.fats * fat + root) * numbers.per_sector;
   }
   clusters.count = (partition.end() - clusters.first) / clusters.sectors;

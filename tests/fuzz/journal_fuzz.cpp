@@ -20,7 +20,7 @@ void check(const LeftJournal& left) {
   if (left.state == LeftJournal::State::damaged) return;
   const Record& record = left.record;
   const bool pending = left.state == LeftJournal::State::readable && record.state == RecordState::pending;
-  expect(static_cast<std::int64_t>(left.former.size()) == (pending ? record.sectors * kSectorSize : 0));
+  expect(static_cast<std::int64_t>(left.former.size()) == (pending ? record.sectors * SectorSize : 0));
   expect(record.lba >= 0 && record.sectors <= record.disk.sectors - record.lba);
   expect(overwritten(record, left.former).size() == left.former.size());
   const std::optional<Record> again = decode(encode(record, 0));
@@ -40,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const LeftJournal left = take_journal(all);
   check(left);
   if (left.state != LeftJournal::State::contents_damaged) return 0;
-  const std::size_t contents = static_cast<std::size_t>(left.record.sectors * kSectorSize);
+  const std::size_t contents = static_cast<std::size_t>(left.record.sectors * SectorSize);
   if (size - kHeaderBytes < contents) return 0;
   bytes::put_le(all, kSums + 4, 4, crc32c::sum(all.first(kSums), crc32c::sum(all.subspan(kHeaderBytes, contents))));
   const LeftJournal whole = take_journal(all);

@@ -27,7 +27,7 @@ class TransferSuite : public ::testing::TestWithParam<int> {
     attach_suite_drive(suite_image(), GetParam());
     OpenDrive(kSuiteDrive);
     disk.sizes = {.logical = GetParam(), .physical = GetParam()};
-    disk.Sec_Buf.resize(100 * kSectorSize);
+    disk.Sec_Buf.resize(100 * SectorSize);
     counters.No_Secs = 100;
   }
   ~TransferSuite() override {
@@ -41,27 +41,27 @@ class TransferSuite : public ::testing::TestWithParam<int> {
     if (!image) image.open(suite_image(), std::ios::binary | std::ios::out);
     for (std::int64_t lba = 0; lba < kSuiteSectors; ++lba) {
       const std::string sector = sector_of(lba);
-      image.write(sector.data(), kSectorSize);
+      image.write(sector.data(), SectorSize);
     }
     ASSERT_TRUE(image.good());
   }
 
   static std::string sector_of(std::int64_t lba) {
     std::string sector = "LBA " + std::to_string(lba);
-    sector.resize(kSectorSize, '.');
+    sector.resize(SectorSize, '.');
     return sector;
   }
 
   static std::string buffer_sector(std::int64_t index) {
-    const auto bytes = disk.Sec_Buf.bytes().subspan(static_cast<std::size_t>(index * kSectorSize), kSectorSize);
+    const auto bytes = disk.Sec_Buf.bytes().subspan(static_cast<std::size_t>(index * SectorSize), SectorSize);
     return {bytes.begin(), bytes.end()};
   }
 
   static std::string image_sector(std::int64_t lba) {
-    std::string sector(kSectorSize, '\0');
+    std::string sector(SectorSize, '\0');
     std::ifstream image(suite_image(), std::ios::binary);
-    image.seekg(lba * kSectorSize);
-    image.read(sector.data(), kSectorSize);
+    image.seekg(lba * SectorSize);
+    image.read(sector.data(), SectorSize);
     return sector;
   }
 };
@@ -91,10 +91,10 @@ TEST_P(TransferSuite, AWriteLandsOnItsSectorsAlone) {
   ASSERT_TRUE(WriteAt(50, 3));
   EXPECT_EQ(disk.Buf_Secs, 3);
   EXPECT_EQ(image_sector(49), sector_of(49));
-  for (const std::int64_t lba : {50, 51, 52}) EXPECT_EQ(image_sector(lba), std::string(kSectorSize, 'W'));
+  for (const std::int64_t lba : {50, 51, 52}) EXPECT_EQ(image_sector(lba), std::string(SectorSize, 'W'));
   EXPECT_EQ(image_sector(53), sector_of(53));
   ASSERT_TRUE(ReadAt(50, 1));
-  EXPECT_EQ(buffer_sector(0), std::string(kSectorSize, 'W'));
+  EXPECT_EQ(buffer_sector(0), std::string(SectorSize, 'W'));
 }
 
 TEST_P(TransferSuite, TheReadLoopAdvancesThroughWholeTransfers) {
@@ -112,8 +112,8 @@ TEST_P(TransferSuite, TheWriteLoopWritesTheBuffersStartEachTime) {
   EXPECT_TRUE(Write_sectors(&lba, 96, 32));
   EXPECT_EQ(lba, 4096);
   EXPECT_EQ(image_sector(3999), sector_of(3999));
-  EXPECT_EQ(image_sector(4000), std::string(kSectorSize, 'L'));
-  EXPECT_EQ(image_sector(4095), std::string(kSectorSize, 'L'));
+  EXPECT_EQ(image_sector(4000), std::string(SectorSize, 'L'));
+  EXPECT_EQ(image_sector(4095), std::string(SectorSize, 'L'));
 }
 
 TEST_P(TransferSuite, AReadPastTheEndIsReportedWithItsLbaAndTheLoopGoesOn) {

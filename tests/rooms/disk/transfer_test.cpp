@@ -20,7 +20,7 @@ class Transfer : public Rig {
   void open_disk(const std::string& disk_file, std::int64_t buffer_sectors = 100) {
     attach(0, disk_file);
     OpenDrive(0);
-    disk.Sec_Buf.resize(buffer_sectors * kSectorSize);
+    disk.Sec_Buf.resize(buffer_sectors * SectorSize);
     counters.No_Secs = buffer_sectors;
   }
 };
@@ -68,7 +68,7 @@ TEST_F(Transfer, WhatCannotBeATransferMakesNoSystemCall) {
   EXPECT_FALSE(WriteAt(0, -1));
   EXPECT_FALSE(ReadAt(INT64_MAX / 512 + 1, 1));
   EXPECT_EQ(disk.Errno, 13U);
-  disk.Sec_Buf.resize(4'194'304 * kSectorSize);
+  disk.Sec_Buf.resize(4'194'304 * SectorSize);
   EXPECT_FALSE(ReadAt(0, 4'194'304));
   EXPECT_THAT(headless::desktop.calls, ElementsAre());
   std::int64_t lba = INT64_MAX - 1;

@@ -21,7 +21,7 @@ class DiskSearch : public EachSectorSize {
   /// An image of `sectors` zero sectors with `text` at byte `at`, searched for `search` from sector `start`.
   void search(std::int64_t sectors, std::size_t at, const std::string& text, const std::string& search_string,
               const std::string& directives = "") {
-    std::string contents(static_cast<std::size_t>(sectors * kSectorSize), '\0');
+    std::string contents(static_cast<std::size_t>(sectors * SectorSize), '\0');
     contents.replace(at, text.size(), text);
     write_file("a.img", contents);
     open_on("image a.img\n" + directives);

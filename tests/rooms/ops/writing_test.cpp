@@ -34,7 +34,7 @@ class Writing : public EachSectorSize {
     return write_file("d.vd", "image a.img\nserial S123\n" + directives);
   }
   std::string sector(std::int64_t lba) const {
-    return read_file(path("a.img")).substr(static_cast<std::size_t>(lba * kSectorSize), kSectorSize);
+    return read_file(path("a.img")).substr(static_cast<std::size_t>(lba * SectorSize), SectorSize);
   }
   bool untouched() const { return read_file(path("a.img")) == pristine_; }
 
