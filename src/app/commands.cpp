@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
+#include <utility>
 
 #include "app/program.h"
 #include "buffer/display.h"
@@ -198,10 +200,15 @@ void run_writing(const Command& command) {
   Lock_Unlock_All_Volumes(form1.SelectedDrive, "UNLOCK");
 }
 
+/// Both read a disk that failed, so both happen only when the user asks.
+void pinpoint_and_name_owners() {
+  pinpoint();
+  name_owners(form1.SelectedDrive, &run_findings.bad);
+}
+
 void find_bad_places() {
   list_bad_transfers();
-  if (wants_pinpoint()) pinpoint();
-  if (!run_findings.bad.empty()) name_owners(form1.SelectedDrive, &run_findings.bad);
+  if (wants_pinpoint()) pinpoint_and_name_owners();
   tell_bad_places();
 }
 
@@ -287,6 +294,12 @@ void run_command(std::string_view name) {
   unlock_buttons();
 }
 
+void run_pending_command() {
+  if (form1.selecting_drive || form1.command_running) return;
+  const std::string command = std::exchange(form1.pending_command, {});
+  if (!command.empty()) run_command(command);
+}
+
 std::string why_no_exact_search() {
   if (!results.last) return "Run READ or SEARCH first.";
   if (bad_transfers().empty() || run_findings.bad.empty()) {
@@ -307,8 +320,7 @@ void find_exact_sectors() {
   const CommandEnd run_end = command_end;
   const std::int16_t exit_code = output.ExitCode;
   form1.MyCancel = false;
-  pinpoint();
-  name_owners(form1.SelectedDrive, &run_findings.bad);
+  pinpoint_and_name_owners();
   tell_bad_places();
   command_end = run_end;
   output.ExitCode = exit_code;

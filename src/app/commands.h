@@ -54,7 +54,11 @@ const Command* command_named(std::string_view name);
 /// process ends inside.
 void run_command(std::string_view name);
 
-/// Why the exact bad sectors of the last command cannot be searched for; empty if they can.
+/// Runs the command that was pressed while a drive was being selected, if there is one. A drive press or Cancel after
+/// it takes it back.
+void run_pending_command();
+
+/// Returns why the exact bad sectors of the last command cannot be searched for; empty if they can.
 std::string why_no_exact_search();
 
 /// Reads the failed and stalled transfers of the last READ or SEARCH again in pieces (ops/pinpoint.h) and appends the

@@ -28,6 +28,11 @@ namespace {
 constexpr std::uint32_t kLeaveAfter = 1000;  // milliseconds
 constexpr std::int16_t kLeft = 1;
 
+void press_option(int drive) {
+  option_click(drive);
+  run_pending_command();
+}
+
 }  // namespace
 
 void TxtStartLBA_Click() {
@@ -45,6 +50,7 @@ void range_typed() {
 void option_click(int drive) {
   form1.MyCancel = true;
   form1.RangeEdited = false;
+  form1.pending_command.clear();
   show_option(drive);
   if (form1.selecting_drive) return;
   form1.selecting_drive = true;
@@ -52,8 +58,6 @@ void option_click(int drive) {
   form1.selecting_drive = false;
   if (!form1.command_running) {
     SelectDrive();
-    const std::string command = std::exchange(form1.pending_command, {});
-    if (!command.empty()) run_command(command);
   } else if (in_batch()) {
     command_end.cancelled = true;
     output.ExitCode = kCancelled;  // a run is of one drive: it ends here
@@ -63,35 +67,35 @@ void option_click(int drive) {
 }
 
 void Option1_Click() {
-  option_click(0);
+  press_option(0);
 }
 
 void Option2_Click() {
-  option_click(1);
+  press_option(1);
 }
 
 void Option3_Click() {
-  option_click(2);
+  press_option(2);
 }
 
 void Option4_Click() {
-  option_click(3);
+  press_option(3);
 }
 
 void Option5_Click() {
-  option_click(4);
+  press_option(4);
 }
 
 void Option6_Click() {
-  option_click(5);
+  press_option(5);
 }
 
 void Option7_Click() {
-  option_click(6);
+  press_option(6);
 }
 
 void Option8_Click() {
-  option_click(7);
+  press_option(7);
 }
 
 void CmdRead_Click() {

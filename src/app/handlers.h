@@ -21,7 +21,7 @@ void Option6_Click();
 void Option7_Click();
 void Option8_Click();
 
-/// The drive buttons' common handler: a running command stops, then drive `drive` is selected.
+/// Selects drive `drive`, as a drive button does: a running command stops first.
 void option_click(int drive);
 
 void CmdRead_Click();

@@ -136,6 +136,7 @@ int run_program() {
   }
   if (!has_window) return refuse("No window can be made here; /OP runs a command without one, /? lists all switches.");
   offer_left_over(left);
+  run_pending_command();
   platform::run_window(learn_drive);
   return output.ExitCode;
 }

@@ -17,6 +17,7 @@
 namespace {
 
 RunTotals totals_of_run() {
+  if (measure.runs == drive_health.runs_before) return {.highest_celsius = run_findings.temperature.highest};
   const auto* const first = measure.errors.begin();
   const std::int64_t by_drive = std::count_if(first, first + measure.errors_kept, is_of_the_drive);
   // Those beyond the kept ones are taken to be like them.
@@ -43,7 +44,7 @@ bool is_of_the_drive(const TransferError& error) {
 
 void begin_drive_health() {
   run_findings = {.drive = form1.SelectedDrive};
-  drive_health = {.before = ask_health(form1.SelectedDrive), .after = std::nullopt};
+  drive_health = {.before = ask_health(form1.SelectedDrive), .after = std::nullopt, .runs_before = measure.runs};
 }
 
 void end_drive_health() {

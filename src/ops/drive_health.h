@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 
 #include "health/health.h"
@@ -8,7 +9,8 @@
 /// The drive's health around an operation, and the verdict that comes of it and of what the run met.
 struct DriveHealth {
   std::optional<Health> before;
-  std::optional<Health> after;  // absent where the operation did not come to its end
+  std::optional<Health> after;    // absent where the operation did not come to its end
+  std::uint64_t runs_before = 0;  // measure.runs when it began: what was measured earlier is not of this operation
 };
 
 inline DriveHealth drive_health;

@@ -12,6 +12,7 @@
 #include "health/ask.h"
 #include "measure/findings.h"
 #include "measure/measure.h"
+#include "ops/operations.h"
 #include "platform/clock.h"
 #include "platform/window.h"
 
@@ -65,7 +66,8 @@ void pause_until(int cool_enough, int celsius) {
 /// the temperature is one that the user asked for.
 bool leaves_drive_alone() {
   TemperatureTrack& track = run_findings.temperature;
-  return !asked.max_celsius && std::exchange(track.failed_before, measure.failed) != measure.failed;
+  const std::int64_t failed = measure.failed + verify_run.failed;
+  return !asked.max_celsius && std::exchange(track.failed_before, failed) != failed;
 }
 
 void look_between_transfers() {

@@ -32,10 +32,12 @@ std::string not_done_text() {
   return std::to_string(percent_not_done(measure)) + " % not " + done;
 }
 
+/// What of the range lies past the disk's end; empty if nothing does.
 std::string past_end_text() {
   const std::int64_t size = identification.Drive_Sectors;
   const std::int64_t past = lba_after(measure.plan.first_lba, measure.plan.sectors) - size;
   const std::int64_t sectors = std::min(past, measure.plan.sectors);
+  if (is_random(measure.plan.kind) || sectors <= 0) return {};
   return std::to_string(sectors) + (sectors == 1 ? " sector of the range lies" : " sectors of the range lie") +
          " past the disk's end, LBA " + std::to_string(size - 1) + ".";
 }
@@ -48,7 +50,7 @@ std::string end_line() {
       is_random(measure.plan.kind) ? std::string() : " at LBA " + std::to_string(measure.next_lba);
   if (early_end.past_end) return "STOPPED" + place + ", " + not_done_text() + ": " + past_end_text();
   if (!early_end.why.empty()) return "STOPPED" + place + ", " + not_done_text() + ": " + early_end.why;
-  return measure.stopped ? "CANCELLED" + place + ": " + not_done_text() : std::string();
+  return measure.stopped ? "CANCELLED" + place + ": " + not_done_text() : past_end_text();
 }
 
 std::string resumed_line() {

@@ -41,7 +41,7 @@ TEST(Panel, TheMouseAndTheKeyboardSwitchTheView) {
   program.key(VK_LEFT);
   EXPECT_TRUE(shows(program, "Rate graph"));
   EXPECT_TRUE(checked(program.button("Rate graph")) && !checked(program.button("Block map")));
-  program.access_key('o');
+  program.access_key('k');
   EXPECT_TRUE(shows(program, "Block map"));
   EXPECT_TRUE(checked(program.button("Drive 0")));
 }
@@ -132,6 +132,10 @@ TEST(Panel, ADoubleClickOnAMarkTakesItsRange) {
   make_small(program);
   program.press("Sequential READ");
   ASSERT_TRUE(shows(program, "Progress: finished"));
+  ASSERT_TRUE(wait_until([&] { return enabled(program.button("Sequential READ")); }));
+  program.choose("More...", 1);
+  ASSERT_TRUE(
+      wait_until([&] { return text_of(program.edit(kText)).find("SET QV_B_PINPOINTED=YES") != std::string::npos; }));
   ASSERT_TRUE(wait_until([&] { return enabled(program.button("Sequential READ")); }));
   program.press("Rate graph");
   ASSERT_TRUE(shows(program, "Rate graph"));

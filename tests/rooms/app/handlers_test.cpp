@@ -63,6 +63,24 @@ TEST_F(Handlers, ACommandPressedWhileADriveIsBeingSelectedRunsAfterwards) {
   const auto runs = measure.runs;
   click(Option1_Click);
   EXPECT_EQ(measure.runs, runs) << "Cancel took the press back";
+
+  headless::desktop.at_pump = [](int) {
+    if (!form1.selecting_drive) return;
+    CmdRead_Click();
+    Option2_Click();
+  };
+  click(Option1_Click);
+  EXPECT_EQ(form1.SelectedDrive, 1);
+  EXPECT_EQ(measure.runs, runs) << "it was meant for drive 0";
+}
+
+TEST_F(Handlers, ACommandThatIsPressedDuringTheStartRunsAfterIt) {
+  headless::desktop.at_pump = [](int) {
+    if (form1.selecting_drive) CmdRead_Click();
+  };
+  open(disk_switch(1, "sectors 1000\n") + disk_switch(3, "sectors 3000\n") + "/D:1 /D:3");
+  EXPECT_THAT(form1.Text1.text(), StartsWith("Reading 3000 sectors starting at LBA 0 on drive 3\r\n"));
+  EXPECT_EQ(measure.runs, 1U);
 }
 
 TEST_F(Handlers, OnlyAWriteOfTheRangeKeepsItThroughItsFrame) {

@@ -55,6 +55,16 @@ TEST_F(HealthRun, ADriveThatDiesByItsOwnWordIsSaidToFailAndNothingElseChanges) {
   EXPECT_EQ(run(kDying, "/EXIT:VERDICT"), 100'006U);
 }
 
+TEST_F(HealthRun, ACommandThatTransferredNothingIsNotBlamedForTheRunBefore) {
+  open_on("sectors 40000\nserial S\nsmart 5 0x33 100 100 36 0\nfail read 5 1\n");
+  click(CmdRead_Click);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("SET QV_H_WHY=1 transfer of the run failed"));
+  headless::desktop.answers = {"CANCEL"};
+  click(CmdRndRD_Click);
+  EXPECT_THAT(form1.Text1.text(), HasSubstr("SET QV_H_VERDICT="));
+  EXPECT_THAT(form1.Text1.text(), Not(HasSubstr("of the run failed")));
+}
+
 TEST_F(HealthRun, TheExitCodeIsTheVerdictsOnlyOfARunThatCameToItsEnd) {
   const std::string well = "sectors 40000\nserial S\nbus nvme\n";
   EXPECT_EQ(run(well, "/EXIT:VERDICT"), 100'001U);

@@ -167,6 +167,14 @@ TEST_P(PinpointTest, AWindowReadsAFailingDiskAgainOnlyWhenAsked) {
   EXPECT_EQ(why_no_exact_search(), "The bad sectors of the last command are exact already.");
 }
 
+TEST_P(PinpointTest, AFailedReadReadsNothingButItsRange) {
+  open_on("sectors 122880\nfail read 0 8\nfail read 90000 8\n");
+  range("81920", "40960");
+  headless::desktop.calls.clear();
+  click(CmdRead_Click);
+  EXPECT_EQ(std::ranges::count(headless::desktop.calls, "ReadFile"), 2) << "no partition table";
+}
+
 TEST_P(PinpointTest, OnlyTheDriveOfTheLastRunIsReadAgain) {
   open(disk_switch(0, kBad) + disk_switch(1, "sectors 122880\nserial S2\n"));
   EXPECT_EQ(why_no_exact_search(), "Run READ or SEARCH first.");

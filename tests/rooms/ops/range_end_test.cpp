@@ -45,6 +45,12 @@ TEST_F(RangeEnd, AReadAsksNothingAndEndsWithTheFirstTransferPastTheDisk) {
                         "the range lie past the disk's end, LBA 49999.\r\n"));
   EXPECT_THAT(form1.Text1.text(), HasSubstr("SET QV_RESULT=errors"));
   EXPECT_THAT(form1.Text1.text(), Not(HasSubstr("DOUBTFUL"))) << "nothing is wrong with the disk";
+  range("0", "60000");
+  click(CmdRead_Click);
+  EXPECT_THAT(form1.Text1.text(),
+              HasSubstr("\r\n\r\nRUN\r\n===\r\n10000 sectors of the range lie past the disk's end, LBA "
+                        "49999.\r\n"))
+      << "the last transfer only ends past it";
   range("1990", "10");
   click(CmdRead_Click);
   EXPECT_THAT(form1.Text1.text(), Not(HasSubstr("RUN\r\n")));
