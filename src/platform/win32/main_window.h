@@ -44,7 +44,7 @@ struct MainWindow {
   std::string status_instead;   // what the status line shows in place of its field
   std::vector<std::string> menu_hints;  // of the menu that is open, by entry
   std::string menu_hint;                // of the entry that is highlighted
-  bool pointer_moved = false;           // over the picture of `pointer_row`, and its handler was not told yet
+  bool pointer_moved = false;           // over the picture of `pointer_row`; its handler is still to be called
   std::size_t pointer_row = 0;
   std::optional<platform::Point> pointer;
 };
